@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+
+namespace mirvane {
+
+/// The automation layer's own failures, with the numbers that the system gives them.
+enum class AutomationCode : std::uint32_t {
+  memberNotFound = 0x80020003,
+  parameterNotFound = 0x80020004,
+  typeMismatch = 0x80020005,
+  overflow = 0x8002000A,
+  badIndex = 0x8002000B,
+  badParameterCount = 0x8002000E,
+};
+
+/// Raised to the caller of a member instead of a result: the call itself was impossible, as opposed to an operation
+/// that the device refused, which is told in the caller's variables.
+class AutomationError : public std::runtime_error {
+ public:
+  explicit AutomationError(AutomationCode code, int argument = -1);
+
+  AutomationCode code() const { return code_; }
+
+  /// Position of the offending argument, from 0; -1 when no argument is to blame.
+  int argument() const { return argument_; }
+
+ private:
+  AutomationCode code_;
+  int argument_;
+};
+
+}  // namespace mirvane

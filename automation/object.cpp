@@ -1,0 +1,81 @@
+#include "automation/object.h"
+
+#include <algorithm>
+#include <atomic>
+
+namespace mirvane {
+namespace {
+
+std::atomic<int> liveObjects = 0;
+
+constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
+
+bool sameName(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
+}
+
+bool allows(ClassInfo::Access access, MemberKind kind) {
+  using Access = ClassInfo::Access;
+  switch (kind) {
+    case MemberKind::method:
+      return access == Access::call || access == Access::callOrRead;
+    case MemberKind::get:
+      return access == Access::read || access == Access::callOrRead;
+    case MemberKind::put:
+      return access == Access::write;
+  }
+  return false;
+}
+
+}  // namespace
+
+void detail::checkCount(Arguments arguments, const Parameters& parameters) {
+  bool complete = arguments.size() <= parameters.size();
+  for (std::size_t i = 0; complete && i < parameters.size(); ++i) {
+    complete = parameters[i].isOptional || (i < arguments.size() && !arguments[i].missing());
+  }
+  if (!complete) throw AutomationError(AutomationCode::badParameterCount);
+}
+
+ClassInfo::ClassInfo(std::string_view name, std::vector<Member> members) : name_(name), members_(std::move(members)) {
+  std::int32_t last = 0;
+  for (Member& member : members_) {
+    const auto known = dispatchId(member.name).value_or(0);
+    member.dispatchId = known != 0 ? known : ++last;
+  }
+}
+
+std::optional<std::int32_t> ClassInfo::dispatchId(std::string_view member) const {
+  const auto row = std::find_if(members_.begin(), members_.end(),
+                                [member](const Member& candidate) { return sameName(candidate.name, member); });
+  if (row == members_.end()) return std::nullopt;
+  return row->dispatchId;
+}
+
+const Member* ClassInfo::find(std::int32_t dispatchId, Access access) const {
+  const auto row = std::find_if(members_.begin(), members_.end(), [=](const Member& candidate) {
+    return candidate.dispatchId == dispatchId && allows(access, candidate.kind);
+  });
+  return row == members_.end() ? nullptr : &*row;
+}
+
+const Member* ClassInfo::find(std::string_view member, Access access) const {
+  const auto row = std::find_if(members_.begin(), members_.end(), [=](const Member& candidate) {
+    return allows(access, candidate.kind) && sameName(candidate.name, member);
+  });
+  return row == members_.end() ? nullptr : &*row;
+}
+
+Object::Object() { ++liveObjects; }
+
+Object::~Object() { --liveObjects; }
+
+int Object::liveCount() { return liveObjects; }
+
+Value Object::invoke(std::string_view member, ClassInfo::Access access, Arguments arguments) {
+  const Member* row = classInfo().find(member, access);
+  if (row == nullptr) throw AutomationError(AutomationCode::memberNotFound);
+  return row->invoke(*this, arguments);
+}
+
+}  // namespace mirvane

@@ -1,0 +1,120 @@
+#include <optional>
+
+#include "automation/number_text.h"
+#include "driver/fiscal_varlen_module2.h"
+#include "interface/c_port_prop.h"
+#include "interface/module_state.h"
+#include "interface/text.h"
+#include "support/message_catalogue.h"
+#include "version.h"
+
+namespace mirvane {
+namespace {
+
+constexpr std::int16_t kCannotOpen = -1;
+constexpr std::int16_t kCannotConfigure = -2;
+
+constexpr char kLineSettings[] = "115200,n,8,1";
+constexpr platform::LineTimeouts kLineTimeouts{20, 1, 1, 1, 10};
+
+struct NetworkName {
+  Text host;
+  std::int32_t port;
+  std::int32_t localPort;
+};
+
+std::optional<std::int32_t> numberUpTo(TextView digits, std::int32_t most) {
+  if (digits.empty() || digits.size() > 5 || digits.find_first_not_of(u"0123456789") != TextView::npos) return {};
+  const auto value = static_cast<std::int32_t>(parseNumber(digits).value_or(0));
+  if (value > most) return {};
+  return value;
+}
+
+// "192.168.1.50:9100" or "192.168.1.50:9100:5000": address, port and, if it matters, the local port.
+std::optional<NetworkName> parseNetworkName(TextView name) {
+  const std::vector<Text> parts = split(name, u':');
+  if (parts.size() < 2 || parts.size() > 3) return {};
+  const std::vector<Text> octets = split(parts[0], u'.');
+  if (octets.size() != 4) return {};
+  for (const Text& octet : octets) {
+    if (!numberUpTo(octet, 255)) return {};
+  }
+  const auto port = numberUpTo(parts[1], 65535);
+  const auto localPort = parts.size() == 3 ? numberUpTo(parts[2], 65535) : 0;
+  if (!port || !localPort) return {};
+  return NetworkName{parts[0], *port, *localPort};
+}
+
+bool openNetwork(const NetworkName& name) {
+  const std::shared_ptr<cTCPIP> endpoint = portProp().TCPClass();
+  endpoint->RemoteHostIP(name.host);
+  endpoint->RemotePort(name.port);
+  const bool opened = endpoint->OpenConnection(name.localPort) == 0;
+  // Marked as the open port even when connecting failed, so that closing finds what was left half open.
+  portProp().tcpPort = true;
+  moduleState().portHandle = endpoint->SocketHnd();
+  return opened;
+}
+
+// Names past COM9 are no devices of their own on Windows: they need the prefix.
+bool openSerial(const Text& name) {
+  platform::SerialPort& serial = moduleState().platform->serial;
+  std::int32_t& handle = moduleState().portHandle;
+  handle = serial.open(name);
+  const bool isComNumber = left(name, 3) == u"COM" && numberUpTo(TextView(name).substr(3), 65535).has_value();
+  if (handle <= 0 && isComNumber) handle = serial.open(u"\\\\.\\" + name);
+  return handle > 0;
+}
+
+bool configureSerial() {
+  platform::SerialPort& serial = moduleState().platform->serial;
+  serial.setTimeouts(moduleState().portHandle, kLineTimeouts);
+  return serial.configure(moduleState().portHandle, kLineSettings);
+}
+
+// A missing field of the version reply is empty.
+Text field(const std::vector<Text>& fields, std::size_t i) { return i < fields.size() ? fields[i] : Text(); }
+
+}  // namespace
+
+void FiscalVarlenModule2::Connect_(Text PORT, std::int16_t& Result, Text& Exresult, bool& SupressError_) {
+  Result = 0;
+  Exresult.clear();
+  ModuleState& state = moduleState();
+  if (state.portHandle > 0) return;
+  portName_ = PORT;
+  const auto network = parseNetworkName(PORT);
+  const bool opened = network ? openNetwork(*network) : openSerial(PORT);
+  if (!opened) {
+    Result = kCannotOpen;
+    Exresult = u"Πρόβλημα στην Θύρα :" + PORT;
+  }
+  // Tried on a port that did not open too: its failure is the one that the caller sees.
+  if (!network && !configureSerial()) {
+    Result = kCannotConfigure;
+    Exresult = langMessage(message::kPortNotConfigured) + PORT;
+  }
+  if (Result == 0) return;
+  // Variables of its own: the caller keeps the failure that is being cleaned up after.
+  std::int16_t closeResult = 0;
+  Text closeText;
+  DisConnect_(PORT, closeResult, closeText, SupressError_);
+}
+
+Value FiscalVarlenModule2::DisConnect_(Text& /*PORT*/, std::int16_t& Result, Text& /*Exresult*/,
+                                       bool& /*SupressError_*/) {
+  Result = closePort();
+  return {};
+}
+
+void FiscalVarlenModule2::GetVersionInfo(std::int16_t& Result, Text& Exresult, bool& SupressError_, Text& Pass) {
+  Text command = u"v/";
+  std::int16_t timeOut = 0;
+  Send_(command, Result, Exresult, SupressError_, Pass, timeOut);
+  if (Result != 0) return;
+  const std::vector<Text> fields = split(lastReply_, u'/');
+  Exresult = field(fields, 3) + u"\r\n" + field(fields, 4) + u"[" + field(fields, 5) + u"]\r\n" +
+             fromUtf8(MIRVANE_VERSION "\r\n" MIRVANE_PRODUCT);
+}
+
+}  // namespace mirvane

@@ -1,0 +1,49 @@
+#include "driver/fiscal_varlen_module2.h"
+#include "interface/driver_interface.h"
+
+namespace mirvane {
+
+const ClassInfo& FiscalVarlenModule2::describe() {
+  static const ClassInfo info = [] {
+    using namespace contract;
+    using Driver = FiscalVarlenModule2;
+    // Longest logo line of this device, in characters.
+    constexpr std::int16_t kLogoLine = 48;
+    ClassBuilder<Driver> table;
+    table.method("SendData", &Driver::SendData, {"strData"})
+        .method("recData", &Driver::recData)
+        .method("availData", &Driver::availData)
+        .method("clearBuffer", &Driver::clearBuffer)
+        .property("lastResult", &Driver::lastResult)
+        .property("lastexResult", &Driver::lastexResult)
+        .method("Send_", &Driver::Send_, withResult({"CmdString"}, {"Pass", optional("timeOut")}))
+        .method("SendCommand_", &Driver::SendCommand_, withResult({"CmdString"}, {"Pass", optional("timeOut")}))
+        .implement(contract::GetVersionInfo, &Driver::GetVersionInfo)
+        .implement(contract::Connect_, &Driver::Connect_)
+        .implement(contract::DisConnect_, &Driver::DisConnect_)
+        .implement(contract::ItemSale, &Driver::ItemSale)
+        .implement(contract::ItemVoid, &Driver::ItemVoid)
+        .implement(contract::ItemRefund, &Driver::ItemRefund)
+        .method("adjustment", &Driver::adjustment, {"onLastItem"})
+        .implement(contract::DriverPayment, &Driver::Payment)
+        .implement(contract::FeedPaper, &Driver::FeedPaper)
+        .implement(contract::commentPrinterPrint, &Driver::commentPrinterPrint)
+        .implement(contract::commentDisplayPrint, &Driver::commentDisplayPrint)
+        .implement(contract::DrawerOpen, &Driver::DrawerOpen)
+        .implement(contract::CutPaper, &Driver::CutPaper)
+        .implement(contract::executeCashIn, &Driver::executeCashIn)
+        .implement(contract::executeCashOut, &Driver::executeCashOut)
+        .implement(contract::VoidReceipt, &Driver::VoidReceipt)
+        .implement(contract::StatusRead, &Driver::StatusRead)
+        .implement(contract::printerStatusRead, &Driver::printerStatusRead)
+        .implement(contract::logoLineDescLength, [](Driver& /*self*/) { return kLogoLine; })
+        .implement(contract::bFixableError, &Driver::isErrorFixable)
+        .implement(contract::isErrorFixable, &Driver::isErrorFixable)
+        .implement(contract::bShouldRetry, &Driver::bShouldRetry)
+        .implement(contract::isCriticalError, &Driver::isCriticalError);
+    return table.build();
+  }();
+  return info;
+}
+
+}  // namespace mirvane

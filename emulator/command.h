@@ -1,0 +1,87 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "emulator/money.h"
+#include "emulator/register.h"
+#include "emulator/result_code.h"
+
+namespace mirvane::emulator {
+
+/// What a field of a command may hold.
+struct FieldRule {
+  enum class Kind { kText, kWhole, kAmount, kQuantity } kind;
+  std::size_t longest;
+  bool mayBeEmpty;
+};
+
+namespace field {
+constexpr FieldRule text(std::size_t longest) { return {FieldRule::Kind::kText, longest, true}; }
+constexpr FieldRule whole(std::size_t longest) { return {FieldRule::Kind::kWhole, longest, false}; }
+constexpr FieldRule wholeOrEmpty(std::size_t longest) { return {FieldRule::Kind::kWhole, longest, true}; }
+constexpr FieldRule amount() { return {FieldRule::Kind::kAmount, 11, false}; }
+constexpr FieldRule quantity() { return {FieldRule::Kind::kQuantity, 10, false}; }
+}  // namespace field
+
+/// The fields of a command behind its code, numbered from 0. They have passed the rules of their command.
+class Fields {
+ public:
+  /// `command` up to and without its last "/".
+  explicit Fields(std::string_view command);
+
+  std::string_view code() const { return code_; }
+  std::string_view bytes(std::size_t i) const { return pieces_[i]; }
+  std::size_t size() const { return pieces_.size(); }
+
+  /// Count, then lengths, then types.
+  Code check(const std::vector<FieldRule>& rules);
+
+  Text text(std::size_t i) const { return fromCodePage(pieces_[i]); }
+  /// A whole number, cents or thousandths, as the field's rule says; 0 for an empty field.
+  std::int64_t number(std::size_t i) const { return numbers_[i]; }
+  int whole(std::size_t i) const { return static_cast<int>(numbers_[i]); }
+
+ private:
+  std::string_view code_;
+  std::vector<std::string_view> pieces_;
+  std::vector<std::int64_t> numbers_;
+};
+
+/// Collects the fields of a reply behind its status bytes.
+class ReplyFields {
+ public:
+  ReplyFields& text(std::string_view bytes) {
+    bytes_.append(bytes).push_back('/');
+    return *this;
+  }
+  ReplyFields& amount(Cents value) { return text(formatCents(value)); }
+  ReplyFields& whole(std::int64_t value) { return text(std::to_string(value)); }
+
+  const std::string& bytes() const { return bytes_; }
+
+ private:
+  std::string bytes_;
+};
+
+/// One command of the register.
+struct Command {
+  std::string_view code;
+  /// The first field that picks this row among those with the same code; an empty one takes any.
+  std::string_view selector;
+  std::vector<FieldRule> fields;
+  /// Refused while the printer cannot print.
+  bool prints;
+  Code (*run)(Register& machine, const Fields& fields, ReplyFields& reply);
+};
+
+// The commands, by subject; each table stands with its handlers.
+const std::vector<Command>& receiptCommands();
+const std::vector<Command>& printerCommands();
+const std::vector<Command>& readCommands();
+
+/// The row for `fields`. When there is none, `code` tells whether the command or only its selector is unknown.
+const Command* findCommand(const Fields& fields, Code& code);
+
+}  // namespace mirvane::emulator

@@ -1,0 +1,60 @@
+#include "emulator/device.h"
+
+#include <algorithm>
+#include <ctime>
+
+#include "emulator/command.h"
+
+namespace mirvane::emulator {
+namespace {
+
+std::string hex(std::uint8_t value) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  return {kDigits[value >> 4], kDigits[value & 0x0F]};
+}
+
+bool isControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
+
+Code printerProblem(std::uint8_t status) {
+  if (status & kPrinterSilent) return Code::kPrinterTimeout;
+  if (status & kPrinterOffline) return Code::kPrinterOffline;
+  if (status & kPrinterError) return Code::kPrinterHead;
+  return status & kPrinterPaperEnd ? Code::kPaperEnd : Code::kOk;
+}
+
+Code run(Register& machine, std::string_view command, std::uint8_t printerStatus, ReplyFields& reply) {
+  if (std::any_of(command.begin(), command.end(), isControl)) return Code::kFieldRange;
+  if (command.find('/') == std::string_view::npos) return Code::kUnknownRequest;
+  const bool isClosed = command.ends_with('/');
+  Fields fields(command.substr(0, command.size() - (isClosed ? 1 : 0)));
+  Code code = Code::kOk;
+  const Command* row = findCommand(fields, code);
+  if (!row) return code;
+  if (!isClosed) return Code::kFieldCount;
+  code = fields.check(row->fields);
+  if (code == Code::kOk && row->prints) code = printerProblem(printerStatus);
+  return code == Code::kOk ? row->run(machine, fields, reply) : code;
+}
+
+}  // namespace
+
+platform::LocalTime systemTime() {
+  const std::time_t now = std::time(nullptr);
+  const std::tm local = *std::localtime(&now);
+  return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
+}
+
+Device::Device(Paper::Sink paper, LocalClock clock)
+    : machine_{FiscalState(), Paper(std::move(paper)), std::move(clock), {}} {}
+
+std::string Device::execute(std::string_view command, std::uint8_t printerStatus) {
+  ReplyFields reply;
+  const Code code = run(machine_, command, printerStatus, reply);
+  return refuse(code, printerStatus) + (code == Code::kOk ? reply.bytes() : "");
+}
+
+std::string Device::refuse(Code code, std::uint8_t printerStatus) const {
+  return hex(static_cast<std::uint8_t>(code)) + "/" + hex(printerStatus) + "/" + hex(machine_.fiscal.status()) + "/";
+}
+
+}  // namespace mirvane::emulator

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "emulator/register.h"
+#include "emulator/result_code.h"
+
+namespace mirvane::emulator {
+
+// Bits of the printer status byte.
+constexpr std::uint8_t kPrinterError = 0x02;
+constexpr std::uint8_t kPrinterPaperEnd = 0x04;
+constexpr std::uint8_t kPrinterOffline = 0x10;
+constexpr std::uint8_t kPrinterFlashNearFull = 0x20;
+constexpr std::uint8_t kPrinterSilent = 0x40;
+
+/// This machine's local time.
+platform::LocalTime systemTime();
+
+/// The fiscal register: takes commands, keeps the fiscal state, prints.
+class Device {
+ public:
+  explicit Device(Paper::Sink paper = {}, LocalClock clock = systemTime);
+
+  /// Carries out `command` (code page 1253, without frame and checksum) and returns the reply, likewise bare:
+  /// "RR/PP/FF/" and, after success, the command's own fields, each closed by "/". A refused command changes nothing.
+  /// `printerStatus` holds bits of the printer status byte: all but "flash near full" make the commands that print be
+  /// refused, and every reply carries them.
+  std::string execute(std::string_view command, std::uint8_t printerStatus = 0);
+
+  /// The reply that refuses any command with `code`.
+  std::string refuse(Code code, std::uint8_t printerStatus = 0) const;
+
+  /// For looking at the register and for preparing it.
+  FiscalState& fiscal() { return machine_.fiscal; }
+  /// What the customer sees.
+  const Display& display() const { return machine_.display; }
+  int drawerOpenings() const { return machine_.drawerOpenings; }
+
+ private:
+  Register machine_;
+};
+
+}  // namespace mirvane::emulator

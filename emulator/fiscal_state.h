@@ -1,0 +1,83 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "emulator/receipt.h"
+
+namespace mirvane::emulator {
+
+/// A line of the receipt's header or footer; sizes 3 and 4 print in double width.
+struct PrintedLine {
+  Text text;
+  int size = 1;
+};
+
+/// A department or a category, with what it sold today.
+struct SalesGroup {
+  Text description;
+  Cents amount = 0;
+  int count = 0;
+};
+
+struct Department : SalesGroup {
+  int category = 1;
+};
+
+/// What the day has added up. VAT is worked out per receipt and category, and the day's VAT is the sum of its
+/// receipts', so that a report agrees to the cent with the receipts that it closes.
+struct DayTotals {
+  VatSums gross{}, vat{};
+  Cents voids = 0, refunds = 0, cancelled = 0;
+  /// Cash, cards, cheques, without the change.
+  std::array<Cents, 3> payments{};
+  Cents cashIn = 0, cashOut = 0;
+  int receipts = 0, cashDocuments = 0;
+};
+
+/// Money put into or taken out of the drawer, booked when it is closed.
+struct CashDocument {
+  bool isIn;
+  Cents amount;
+};
+
+struct Limits {
+  Cents receipt = 999'999'99;
+  Cents day = 99'999'999'99;
+};
+
+/// All that the register remembers.
+struct FiscalState {
+  FiscalState();
+
+  std::string serialNumber = "MVE25000017";
+  std::array<PrintedLine, 5> header;
+  std::array<PrintedLine, 3> footer;
+  /// Categories A to E, in hundredths of a percent.
+  std::array<std::int64_t, kVatCategories> vatRates{2400, 1300, 600, 3600, 0};
+  /// Number 1 stands at index 0.
+  std::vector<Department> departments;
+  std::vector<SalesGroup> categories;
+  Limits limits;
+
+  /// Days closed so far; receipts carry the number of the closure to come.
+  int closures = 0;
+  bool isDayOpen = false;
+  DayTotals day;
+  /// Given to receipts when they open, anew every day; a cancelled receipt keeps its number.
+  int lastReceiptNumber = 0;
+  std::optional<Receipt> receipt;
+  std::optional<CashDocument> cashDocument;
+
+  /// Books the open receipt, which is fully paid, and ends it.
+  void closeReceipt();
+  void cancelReceipt();
+  void closeCashDocument();
+  /// The fiscal status byte.
+  std::uint8_t status() const;
+};
+
+}  // namespace mirvane::emulator

@@ -1,0 +1,138 @@
+#include "emulator/line.h"
+
+#include <chrono>
+#include <numeric>
+
+#include "driver/wire.h"
+
+namespace mirvane::emulator {
+namespace {
+
+using Kind = Fault::Kind;
+
+/// The two digits that close the frame of `command`.
+std::string checksum(std::string_view command) {
+  const unsigned sum = std::accumulate(command.begin(), command.end(), 0u, [](unsigned total, char c) {
+    return (total + static_cast<unsigned char>(c)) % 256;
+  });
+  return {static_cast<char>('0' + sum % 100 / 10), static_cast<char>('0' + sum % 10)};
+}
+
+}  // namespace
+
+double steadySeconds() {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+Line::Line(Device& device, Faults& faults, Outlet& outlet, Mode mode, std::function<double()> elapsed)
+    : device_(device), faults_(faults), outlet_(outlet), mode_(mode), elapsed_(std::move(elapsed)) {}
+
+void Line::feed(std::string_view bytes) {
+  for (const char byte : bytes) take(byte);
+}
+
+void Line::take(char byte) {
+  switch (byte) {
+    case wire::kCan:
+    case wire::kEnq:
+      isInFrame_ = false;
+      outlet_.drop();
+      break;
+    case wire::kStx:
+      isInFrame_ = true;
+      frame_.clear();
+      break;
+    case wire::kEtx:
+      if (isInFrame_) takeFrame();
+      isInFrame_ = false;
+      break;
+    case wire::kAck:
+      if (!isInFrame_) awaitsAck_ = false;
+      break;
+    default:
+      // One byte more than any good frame holds is enough to know that this one is too long.
+      if (isInFrame_ && frame_.size() <= kLongestCommand + 2) frame_.push_back(byte);
+  }
+}
+
+void Line::takeFrame() {
+  if (frame_.size() > kLongestCommand + 2) {
+    sendReply(wire::kStx + device_.refuse(Code::kFieldTooLong) + wire::kEtx, {});
+    return;
+  }
+  const std::size_t length = frame_.size() < 2 ? 0 : frame_.size() - 2;
+  if (frame_.size() < 2 || frame_.substr(length) != checksum(frame_.substr(0, length))) {
+    outlet_.send({&wire::kNak, 1}, 0);
+    return;
+  }
+  answer(frame_.substr(0, length));
+}
+
+void Line::answer(const std::string& command) {
+  const bool isRepeat = awaitsAck_ && command == lastCommand_;
+  const Fault fault = faults_.take(command, isRepeat, elapsed_());
+  if (fault.kind == Kind::kSilence) return;
+  if (fault.kind == Kind::kNak) {
+    outlet_.send({&wire::kNak, 1}, 0);
+    return;
+  }
+  if (!isRepeat) {
+    lastCommand_ = command;
+    lastReply_ = wire::kStx + execute(command, fault) + wire::kEtx;
+    awaitsAck_ = true;
+  }
+  if (fault.kind != Kind::kLost) sendReply(lastReply_, fault);
+}
+
+std::string Line::execute(const std::string& command, const Fault& fault) {
+  switch (fault.kind) {
+    case Kind::kCode:
+      return device_.refuse(static_cast<Code>(fault.number));
+    case Kind::kReply:
+      return fault.bytes;
+    case Kind::kPrinter:
+      return device_.execute(command, static_cast<std::uint8_t>(fault.number));
+    default:
+      return device_.execute(command);
+  }
+}
+
+void Line::sendReply(std::string reply, const Fault& fault) {
+  if (mode_ == Mode::kNetwork) outlet_.send({&wire::kAck, 1}, 0);
+  switch (fault.kind) {
+    case Kind::kAckOnly:
+      return;
+    case Kind::kHalf:
+      reply.resize(reply.size() / 2);
+      break;
+    case Kind::kShort:
+      reply = std::string{wire::kStx, reply[1], reply[2], wire::kEtx};
+      break;
+    case Kind::kNoise:
+      reply.insert(0, fault.bytes);
+      break;
+    case Kind::kNoiseWithin:
+      reply.insert(reply.size() / 2, fault.bytes);
+      break;
+    case Kind::kStatus:
+      // A reply that a rule has put in another's place may be shorter than any true one.
+      if (reply.size() >= 6) reply.replace(4, 2, fault.bytes);
+      break;
+    case Kind::kEndless: {
+      reply.pop_back();
+      outlet_.send(reply, 0);
+      // In pieces that fit a datagram.
+      for (std::uint32_t left = fault.number; left > 0;) {
+        const std::uint32_t piece = std::min(left, std::uint32_t{1024});
+        outlet_.send(std::string(piece, 'x'), 0);
+        left -= piece;
+      }
+      return;
+    }
+    default:
+      break;
+  }
+  outlet_.send(reply, fault.kind == Kind::kLate ? fault.number : 0);
+}
+
+}  // namespace mirvane::emulator

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "emulator/device.h"
+#include "emulator/faults.h"
+
+namespace mirvane::emulator {
+
+/// Where a line puts its bytes.
+class Outlet {
+ public:
+  virtual ~Outlet() = default;
+
+  /// Sends `bytes`, on a network as one datagram, no sooner than `delay` milliseconds from now.
+  virtual void send(std::string_view bytes, std::uint32_t delay) = 0;
+  /// The till begins anew: what has not been sent yet is not sent any more.
+  virtual void drop() = 0;
+};
+
+/// The device's side of one link to a till.
+///
+/// A till that has missed a reply sends the same frame again. So a frame identical to the one executed last is
+/// answered with that one's reply, and not executed again, until an ACK has told that the reply arrived.
+class Line {
+ public:
+  enum class Mode { kSerial, kNetwork };
+
+  /// A longer command is answered with "field too long", whatever it says.
+  static constexpr std::size_t kLongestCommand = 4096;
+
+  /// `elapsed` tells seconds from any fixed moment.
+  Line(Device& device, Faults& faults, Outlet& outlet, Mode mode, std::function<double()> elapsed);
+
+  /// Takes bytes as they arrive; on a network, one datagram.
+  void feed(std::string_view bytes);
+
+ private:
+  void take(char byte);
+  void takeFrame();
+  void answer(const std::string& command);
+  std::string execute(const std::string& command, const Fault& fault);
+  void sendReply(std::string reply, const Fault& fault);
+
+  Device& device_;
+  Faults& faults_;
+  Outlet& outlet_;
+  const Mode mode_;
+  const std::function<double()> elapsed_;
+
+  bool isInFrame_ = false;
+  std::string frame_;
+  std::string lastCommand_;
+  std::string lastReply_;
+  bool awaitsAck_ = false;
+};
+
+/// Seconds of this machine's steady clock.
+double steadySeconds();
+
+}  // namespace mirvane::emulator

@@ -1,0 +1,110 @@
+#include "emulator/loopback.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace mirvane::emulator {
+
+void Mailbox::send(std::string_view bytes, std::uint32_t delay) {
+  const double due = clock_.elapsed() + delay / 1000.0;
+  letters_.push_back({letters_.empty() ? due : std::max(due, letters_.back().due), std::string(bytes)});
+}
+
+LoopbackPort::LoopbackPort(Device& device, Faults& faults, platform::Clock& clock)
+    : clock_(clock),
+      mailbox_(clock),
+      line_(device, faults, mailbox_, Line::Mode::kSerial, [&clock] { return clock.elapsed(); }) {}
+
+std::int32_t LoopbackPort::open(TextView) {
+  if (handle_ > 0) return -1;
+  input_.clear();
+  isConfigured_ = false;
+  return handle_ = 1;
+}
+
+bool LoopbackPort::setTimeouts(std::int32_t handle, const platform::LineTimeouts& timeouts) {
+  if (handle != handle_ || handle <= 0) return false;
+  timeouts_ = timeouts;
+  return true;
+}
+
+bool LoopbackPort::configure(std::int32_t handle, std::string_view settings) {
+  isConfigured_ = handle == handle_ && handle > 0 && settings == "115200,n,8,1";
+  return isConfigured_;
+}
+
+std::size_t LoopbackPort::write(std::int32_t handle, std::string_view bytes) {
+  if (!isUsable(handle)) return 0;
+  line_.feed(bytes);
+  return bytes.size();
+}
+
+std::string LoopbackPort::read(std::int32_t handle, std::size_t most) {
+  const std::size_t multiplied = std::min(most, std::size_t{1000}) * timeouts_.readMultiplier;
+  if (waiting(handle) == 0) clock_.sleep(timeouts_.readConstant + static_cast<std::uint32_t>(multiplied));
+  const std::string bytes = input_.substr(0, std::min(waiting(handle), most));
+  input_.erase(0, bytes.size());
+  return bytes;
+}
+
+std::size_t LoopbackPort::waiting(std::int32_t handle) {
+  if (!isUsable(handle)) return 0;
+  collect();
+  return input_.size();
+}
+
+bool LoopbackPort::close(std::int32_t handle) {
+  if (handle != handle_ || handle <= 0) return false;
+  handle_ = 0;
+  return true;
+}
+
+void LoopbackPort::collect() {
+  for (; mailbox_.hasDue(); mailbox_.letters().pop_front()) input_ += mailbox_.letters().front().bytes;
+}
+
+LoopbackSockets::LoopbackSockets(Device& device, Faults& faults, platform::Clock& clock)
+    : clock_(clock),
+      mailbox_(clock),
+      line_(device, faults, mailbox_, Line::Mode::kNetwork, [&clock] { return clock.elapsed(); }) {}
+
+std::int32_t LoopbackSockets::create() {
+  mailbox_.drop();
+  isConnected_ = false;
+  return handle_ = ++lastHandle_;
+}
+
+bool LoopbackSockets::bind(std::int32_t handle, std::uint16_t) { return handle == handle_; }
+
+bool LoopbackSockets::connect(std::int32_t handle, const std::string&, std::uint16_t) {
+  return isConnected_ = handle == handle_;
+}
+
+bool LoopbackSockets::send(std::int32_t handle, std::string_view bytes) {
+  if (handle != handle_ || !isConnected_) return false;
+  line_.feed(bytes);
+  return true;
+}
+
+std::optional<std::string> LoopbackSockets::receive(std::int32_t handle, std::size_t most) {
+  if (handle != handle_ || !mailbox_.hasDue()) return std::nullopt;
+  const std::string datagram = std::move(mailbox_.letters().front().bytes);
+  mailbox_.letters().pop_front();
+  return datagram.size() > most ? std::nullopt : std::optional(datagram);
+}
+
+bool LoopbackSockets::waitReadable(std::int32_t handle, std::int16_t seconds) {
+  if (handle != handle_) return false;
+  if (seconds > 0 && !mailbox_.hasDue()) {
+    const double due = mailbox_.letters().empty() ? HUGE_VAL : mailbox_.letters().front().due;
+    const double wait = std::min<double>(seconds, due - clock_.elapsed());
+    clock_.sleep(static_cast<std::uint32_t>(std::ceil(std::max(wait, 0.0) * 1000)));
+  }
+  return mailbox_.hasDue();
+}
+
+void LoopbackSockets::shutDown(std::int32_t handle) {
+  if (handle == handle_) handle_ = 0;
+}
+
+}  // namespace mirvane::emulator

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <deque>
+#include <string>
+
+#include "emulator/line.h"
+#include "platform/ports.h"
+
+// The shortest way from a driver to the device: in process, without threads. What is written reaches the device within
+// the call, and what it answers can be read at once, or when `clock` has come to its time.
+namespace mirvane::emulator {
+
+/// Holds what the device sent until it is due.
+class Mailbox : public Outlet {
+ public:
+  explicit Mailbox(platform::Clock& clock) : clock_(clock) {}
+
+  void send(std::string_view bytes, std::uint32_t delay) override;
+  void drop() override { letters_.clear(); }
+
+  bool hasDue() const { return !letters_.empty() && letters_.front().due <= clock_.elapsed(); }
+  struct Letter {
+    double due;
+    std::string bytes;
+  };
+  std::deque<Letter>& letters() { return letters_; }
+
+ private:
+  platform::Clock& clock_;
+  std::deque<Letter> letters_;
+};
+
+/// A serial line with the device at its end. It can be opened under any name, once at a time, and works when
+/// configured as the device's line is.
+class LoopbackPort : public platform::SerialPort {
+ public:
+  LoopbackPort(Device& device, Faults& faults, platform::Clock& clock);
+
+  std::int32_t open(TextView name) override;
+  bool setTimeouts(std::int32_t handle, const platform::LineTimeouts& timeouts) override;
+  bool configure(std::int32_t handle, std::string_view settings) override;
+  std::size_t write(std::int32_t handle, std::string_view bytes) override;
+  std::string read(std::int32_t handle, std::size_t most) override;
+  std::size_t waiting(std::int32_t handle) override;
+  bool close(std::int32_t handle) override;
+
+ private:
+  bool isUsable(std::int32_t handle) const { return isConfigured_ && handle == handle_ && handle > 0; }
+  /// Moves what is due to `input_`.
+  void collect();
+
+  platform::Clock& clock_;
+  Mailbox mailbox_;
+  Line line_;
+  std::int32_t handle_ = 0;
+  bool isConfigured_ = false;
+  platform::LineTimeouts timeouts_{};
+  std::string input_;
+};
+
+/// A network with the device at every address.
+class LoopbackSockets : public platform::DatagramSockets {
+ public:
+  LoopbackSockets(Device& device, Faults& faults, platform::Clock& clock);
+
+  bool startUp() override { return true; }
+  std::int32_t create() override;
+  bool bind(std::int32_t handle, std::uint16_t port) override;
+  bool connect(std::int32_t handle, const std::string& address, std::uint16_t port) override;
+  bool send(std::int32_t handle, std::string_view bytes) override;
+  std::optional<std::string> receive(std::int32_t handle, std::size_t most) override;
+  bool waitReadable(std::int32_t handle, std::int16_t seconds) override;
+  void shutDown(std::int32_t handle) override;
+
+ private:
+  platform::Clock& clock_;
+  Mailbox mailbox_;
+  Line line_;
+  /// One socket at a time: 0 when there is none.
+  std::int32_t handle_ = 0;
+  std::int32_t lastHandle_ = 0;
+  bool isConnected_ = false;
+};
+
+}  // namespace mirvane::emulator

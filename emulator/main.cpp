@@ -1,0 +1,147 @@
+#include <csignal>
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include "emulator/transport.h"
+
+namespace mirvane::emulator {
+namespace {
+
+constexpr const char* kHelp =
+    "usage: mirvane-emulator [option]...\n"
+    "A fiscal cash register to develop and test against. At least one of:\n"
+    "  --pty [LINK]             a pseudo-terminal, with a symbolic link to it\n"
+    "  --serial DEVICE          a serial port of this machine\n"
+    "  --udp [ADDRESS:]PORT     the network; 127.0.0.1 unless told otherwise, port 0 lets the system choose\n"
+    "and any of:\n"
+    "  --paper FILE             append what is printed to FILE\n"
+    "  --quiet                  do not show what is printed\n"
+    "  --paced                  take the time that a line of 115200 bits per second takes\n"
+    "  --script FILE            misbehave as the rules in FILE tell\n"
+    "  --fault RULE             misbehave as RULE tells: --fault \"on 5/ lost\"\n"
+    "  --help                   show this text\n"
+    "When it listens it prints one line: ready, and the addresses.\n";
+
+/// The command line cannot be followed.
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+struct Options {
+  struct Address {
+    std::string kind, text;
+  };
+  std::vector<Address> addresses;
+  std::string paper;
+  bool isQuiet = false;
+  bool isPaced = false;
+  bool wantsHelp = false;
+};
+
+Options parse(const std::vector<std::string>& arguments, Faults& faults) {
+  Options options;
+  std::size_t i = 0;
+  const auto value = [&](const std::string& option) -> const std::string& {
+    if (++i == arguments.size()) throw UsageError(option + " needs a value");
+    return arguments[i];
+  };
+  for (; i < arguments.size(); ++i) {
+    const std::string& option = arguments[i];
+    if (option == "--pty") {
+      const bool hasLink = i + 1 < arguments.size() && !arguments[i + 1].starts_with("--");
+      options.addresses.push_back({option, hasLink ? arguments[++i] : ""});
+    } else if (option == "--serial" || option == "--udp") {
+      options.addresses.push_back({option, value(option)});
+    } else if (option == "--paper") {
+      options.paper = value(option);
+    } else if (option == "--quiet") {
+      options.isQuiet = true;
+    } else if (option == "--paced") {
+      options.isPaced = true;
+    } else if (option == "--script") {
+      const std::string& path = value(option);
+      std::ifstream file(path, std::ios::binary);
+      if (!file) throw UsageError(path + ": cannot be read");
+      try {
+        faults.addScript(std::string(std::istreambuf_iterator<char>(file), {}));
+      } catch (const FaultError& error) {
+        throw UsageError(path + ": " + error.what());
+      }
+    } else if (option == "--fault") {
+      faults.add(value(option));
+    } else if (option == "--help") {
+      options.wantsHelp = true;
+    } else {
+      throw UsageError("unknown option " + option);
+    }
+  }
+  if (options.addresses.empty() && !options.wantsHelp) throw UsageError("--pty, --serial or --udp is needed");
+  return options;
+}
+
+volatile std::sig_atomic_t stop = 0;
+
+/// Lets the two signals that end the program come only where `serve` waits. Returns the mask for that.
+sigset_t catchSignals() {
+  struct sigaction action {};
+  action.sa_handler = [](int) { stop = 1; };
+  ::sigaction(SIGTERM, &action, nullptr);
+  ::sigaction(SIGINT, &action, nullptr);
+  std::signal(SIGPIPE, SIG_IGN);
+  sigset_t blocked, before;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGTERM);
+  sigaddset(&blocked, SIGINT);
+  ::sigprocmask(SIG_BLOCK, &blocked, &before);
+  sigdelset(&before, SIGTERM);
+  sigdelset(&before, SIGINT);
+  return before;
+}
+
+int run(const std::vector<std::string>& arguments) {
+  Faults faults;
+  const Options options = parse(arguments, faults);
+  if (options.wantsHelp) {
+    std::cout << kHelp;
+    return 0;
+  }
+  std::ofstream paper;
+  if (!options.paper.empty()) {
+    paper.open(options.paper, std::ios::binary | std::ios::app);
+    if (!paper) throw UsageError(options.paper + ": cannot be written");
+  }
+  Device device([&](TextView line) {
+    const std::string text = toUtf8(line) + "\n";
+    if (!options.isQuiet) std::cout << text << std::flush;
+    if (paper.is_open()) paper << text << std::flush;
+  });
+
+  const sigset_t mask = catchSignals();
+  std::vector<std::unique_ptr<Transport>> transports;
+  std::string ready = "ready";
+  for (const auto& [kind, text] : options.addresses) {
+    const auto open = kind == "--pty" ? openPty : kind == "--udp" ? openUdp : openSerial;
+    transports.push_back(open(text, device, faults, options.isPaced));
+    ready += " " + transports.back()->address();
+  }
+  std::cout << ready << std::endl;
+  serve(transports, stop, mask);
+  return 0;
+}
+
+}  // namespace
+}  // namespace mirvane::emulator
+
+int main(int count, char** arguments) {
+  try {
+    return mirvane::emulator::run({arguments + 1, arguments + count});
+  } catch (const mirvane::emulator::TransportError& error) {
+    std::cerr << "mirvane-emulator: " << error.what() << "\n";
+    return 1;
+  } catch (const std::runtime_error& error) {
+    std::cerr << "mirvane-emulator: " << error.what() << "\nTry --help.\n";
+    return 2;
+  }
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "emulator/money.h"
+#include "emulator/result_code.h"
+#include "platform/code_page.h"
+
+namespace mirvane::emulator {
+
+/// VAT categories A to E, counted from 0.
+constexpr std::size_t kVatCategories = 5;
+using VatSums = std::array<Cents, kVatCategories>;
+
+Cents sumOf(const VatSums& sums);
+
+enum class ItemKind { kSale, kVoid, kRefund };
+
+struct Item {
+  ItemKind kind;
+  Text description, comment;
+  Thousandths quantity;
+  Cents price;
+  int department;
+  std::size_t vat;
+  int category;
+
+  /// What the line adds to the receipt; negative for a void and a refund.
+  Cents amount() const { return kind == ItemKind::kSale ? lineAmount(quantity, price) : -lineAmount(quantity, price); }
+};
+
+struct Payment {
+  /// 1 cash, 2 and 4 card, 3 cheque.
+  int number;
+  Text description, secondDescription;
+  /// As tendered; a cash payment of 0 stands for the rest.
+  Cents amount;
+
+  bool isCard() const { return number == 2 || number == 4; }
+};
+
+/// An open receipt. Prices contain the VAT. A refused operation changes nothing.
+class Receipt {
+ public:
+  static constexpr std::size_t kMostItems = 500;
+
+  explicit Receipt(int number) : number_(number) {}
+
+  /// A void takes back what this receipt sold, so no VAT category may fall below zero by it; nor by a refund, which
+  /// may not make the whole receipt negative either. The limits are those of the total and of what the day can take.
+  Code add(const Item& item, Cents receiptLimit, Cents dayLimit);
+  /// More than what remains gives change, from anything but a card. Once begun, payment ends only by paying all.
+  Code pay(const Payment& payment);
+
+  int number() const { return number_; }
+  const std::vector<Item>& items() const { return items_; }
+  const std::vector<Payment>& payments() const { return payments_; }
+  const VatSums& vatSums() const { return vatSums_; }
+  Cents total() const { return sumOf(vatSums_); }
+  Cents paid() const { return paid_; }
+  Cents remaining() const { return total() - paid_; }
+  Cents change() const { return change_; }
+  bool inPayment() const { return !payments_.empty(); }
+  bool isCardTaken() const;
+
+ private:
+  int number_;
+  std::vector<Item> items_;
+  std::vector<Payment> payments_;
+  VatSums vatSums_{};
+  Cents paid_ = 0;
+  Cents change_ = 0;
+};
+
+}  // namespace mirvane::emulator

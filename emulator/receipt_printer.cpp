@@ -1,0 +1,121 @@
+#include "emulator/receipt_printer.h"
+
+#include <algorithm>
+
+namespace mirvane::emulator {
+namespace {
+
+constexpr TextView kVatLetters = u"ΑΒΓΔΕ";
+
+Text withComma(std::string digits) {
+  std::replace(digits.begin(), digits.end(), '.', ',');
+  return fromCodePage(digits);
+}
+
+Text withLetter(Cents amount, std::size_t vat) { return printedAmount(amount) + u" " + kVatLetters[vat]; }
+
+TextView paymentName(const Payment& payment) {
+  constexpr TextView kNames[] = {u"ΜΕΤΡΗΤΑ", u"ΚΑΡΤΑ", u"ΕΠΙΤΑΓΗ", u"ΚΑΡΤΑ"};
+  return payment.description.empty() ? kNames[payment.number - 1] : TextView(payment.description);
+}
+
+void printEnd(Register& machine, TextView lastLine) {
+  const platform::LocalTime now = machine.clock();
+  machine.paper.pair(printedDate(now) + u" " + printedTime(now), fromCodePage(machine.fiscal.serialNumber));
+  for (const PrintedLine& line : machine.fiscal.footer) {
+    if (!line.text.empty()) machine.paper.sized(line.text, line.size, true);
+  }
+  machine.paper.centred(lastLine);
+  machine.paper.feed(2);
+}
+
+void printVatAnalysis(Register& machine) {
+  const FiscalState& fiscal = machine.fiscal;
+  for (std::size_t i = 0; i < kVatCategories; ++i) {
+    const Cents gross = fiscal.receipt->vatSums()[i];
+    if (gross == 0) continue;
+    const Cents vat = includedVat(gross, fiscal.vatRates[i]);
+    machine.paper.pair(Text(u"ΦΠΑ ") + kVatLetters[i] + u" " + withComma(formatFixed(fiscal.vatRates[i], 2)) + u"%",
+                       u"ΚΑΘΑΡΗ ΑΞΙΑ " + printedAmount(gross - vat) + u"  ΦΟΡΟΣ " + printedAmount(vat));
+  }
+}
+
+}  // namespace
+
+Text printedAmount(Cents value) { return withComma(formatCents(value)); }
+
+Text paddedNumber(int value, std::size_t width) {
+  const std::string digits = std::to_string(value);
+  return Text(width - std::min(width, digits.size()), u'0') + fromCodePage(digits);
+}
+
+Text printedDate(const platform::LocalTime& time) {
+  return paddedNumber(time.day, 2) + u"-" + paddedNumber(time.month, 2) + u"-" + paddedNumber(time.year, 4);
+}
+
+Text printedTime(const platform::LocalTime& time) {
+  return paddedNumber(time.hour, 2) + u":" + paddedNumber(time.minute, 2) + u":" + paddedNumber(time.second, 2);
+}
+
+void printHeader(Register& machine) {
+  for (const PrintedLine& line : machine.fiscal.header) {
+    if (!line.text.empty()) machine.paper.sized(line.text, line.size, true);
+  }
+}
+
+void printReceiptStart(Register& machine) {
+  printHeader(machine);
+  machine.paper.centred(u"ΝΟΜΙΜΗ ΑΠΟΔΕΙΞΗ - ΕΝΑΡΞΗ");
+  machine.paper.pair(u"ΑΠΟΔΕΙΞΗ " + paddedNumber(machine.fiscal.receipt->number(), 4),
+                     u"Ζ " + paddedNumber(machine.fiscal.closures + 1, 4));
+  machine.paper.rule();
+}
+
+void printItem(Register& machine, const Item& item) {
+  if (item.kind != ItemKind::kSale) machine.paper.line(item.kind == ItemKind::kVoid ? u"ΑΛΛΑΓΗ" : u"ΕΠΙΣΤΡΟΦΗ");
+  if (item.quantity != 1000) {
+    machine.paper.line(u"  " + withComma(formatFixed(item.quantity, 3)) + u" x " + printedAmount(item.price));
+  }
+  machine.paper.pair(item.description, withLetter(item.amount(), item.vat));
+  if (!item.comment.empty()) machine.paper.line(u"  " + item.comment);
+}
+
+void printPayment(Register& machine) {
+  const Receipt& receipt = *machine.fiscal.receipt;
+  if (receipt.payments().size() == 1) {
+    machine.paper.rule();
+    machine.paper.pair(u"ΣΥΝΟΛΟ", printedAmount(receipt.total()) + u"  ");
+  }
+  const Payment& payment = receipt.payments().back();
+  machine.paper.pair(paymentName(payment), printedAmount(payment.amount) + u"  ");
+  if (!payment.secondDescription.empty()) machine.paper.line(u"  " + payment.secondDescription);
+}
+
+void printReceiptEnd(Register& machine) {
+  const Receipt& receipt = *machine.fiscal.receipt;
+  if (receipt.change() > 0) machine.paper.pair(u"ΡΕΣΤΑ", printedAmount(receipt.change()) + u"  ");
+  machine.paper.rule();
+  printVatAnalysis(machine);
+  printEnd(machine, u"ΝΟΜΙΜΗ ΑΠΟΔΕΙΞΗ - ΛΗΞΗ");
+}
+
+void printReceiptCancelled(Register& machine) {
+  machine.paper.rule();
+  machine.paper.pair(u"ΑΚΥΡΩΘΗΚΕ", printedAmount(machine.fiscal.receipt->total()) + u"  ");
+  printEnd(machine, u"ΑΚΥΡΩΜΕΝΗ ΑΠΟΔΕΙΞΗ - ΛΗΞΗ");
+}
+
+void printCashDocument(Register& machine, TextView description) {
+  const CashDocument& document = *machine.fiscal.cashDocument;
+  printHeader(machine);
+  machine.paper.centred(document.isIn ? u"ΕΙΣΠΡΑΞΗ" : u"ΠΛΗΡΩΜΗ");
+  machine.paper.rule();
+  machine.paper.pair(description, printedAmount(document.amount) + u"  ");
+}
+
+void printCashDocumentEnd(Register& machine) {
+  machine.paper.rule();
+  printEnd(machine, u"ΠΑΡΑΣΤΑΤΙΚΟ ΜΗ ΦΟΡΟΛΟΓΙΚΟ");
+}
+
+}  // namespace mirvane::emulator

@@ -1,0 +1,175 @@
+#pragma once
+
+#include "automation/member.h"
+#include "interface/cls_accumulator.h"
+#include "interface/cls_daily_acc.h"
+#include "interface/cls_eft.h"
+#include "interface/cls_param.h"
+#include "interface/cls_status.h"
+#include "interface/cls_trans_total.h"
+
+// What a program can ask of a register. Every driver offers these members under exactly these names, and the facade
+// reaches them by name, with the caller's own variables.
+//
+// Every operation reports through three variables of the caller's:
+//   Result         0 success; greater than 0 a code of the device (100: no driver is selected); less than 0 the port or
+//                  the link failed (-1, -2 port; -3, -4 no answer; -6 not open; -207 not now)
+//   Exresult       the text for the operator; on success what the operation put there
+//   SupressError_  True: no message box is shown, whatever happens
+// Pass, where there is one, is the command's password. Amounts are in euro, rates in percent.
+namespace mirvane::contract {
+
+using Integer = std::int16_t&;
+using Real = double&;
+using String = Text&;
+using Flag = bool&;
+using Byte = std::uint8_t&;
+
+/// The names of the result variables, to be put into a parameter list.
+inline Parameters withResult(Parameters before, const Parameters& after = {}) {
+  before.insert(before.end(), {"Result", "Exresult", "SupressError_"});
+  before.insert(before.end(), after.begin(), after.end());
+  return before;
+}
+
+template <class Signature>
+Contract<Signature> method(std::string_view name, Parameters before = {}, const Parameters& after = {}) {
+  return {name, MemberKind::method, withResult(std::move(before), after)};
+}
+
+using Plain = Value(Integer, String, Flag);
+using PlainProcedure = void(Integer, String, Flag);
+using WithText = Value(String, Integer, String, Flag);
+using WithInteger = Value(Integer, Integer, String, Flag);
+using WithAmount = Value(Real, String, Integer, String, Flag);
+using FiveRates = Value(Real, Real, Real, Real, Real, Integer, String, Flag);
+using FiveLines = Value(String, Integer, String, Integer, String, Integer, String, Integer, String, Integer, Integer,
+                        String, Flag);
+using ThreeLines = Value(String, Integer, String, Integer, String, Integer, Integer, String, Flag);
+template <class Record>
+using WithRecord = void(Record&, Integer, String, Flag);
+using Classifier = bool(Integer);
+using ItemLine = Value(String, Real, Real, Real, Integer, Integer, String, Flag, String, Integer);
+
+// ---- Connection
+
+/// Sends a command text of the caller's own.
+inline const auto SendCommand_ =
+    method<void(String, Integer, String, Flag, String)>("SendCommand_", {"CmdString"}, {"Pass"});
+/// Exresult becomes four lines: model, version and build, version of the driver, name of the component.
+inline const auto GetVersionInfo = method<void(Integer, String, Flag, String)>("GetVersionInfo", {}, {"Pass"});
+/// PORT is "COM1" and so on, or "192.168.1.50:9100" with an optional ":local port" for a register on the network.
+inline const auto Connect_ = method<void(Text, Integer, String, Flag)>("Connect_", {"PORT"});
+/// Result is 1 when a port was closed, 0 when none was open.
+inline const auto DisConnect_ = method<WithText>("DisConnect_", {"PORT"});
+
+// ---- Receipt
+
+inline const Parameters kItemParameters = {"itemDesc", "itemQuan", "itemUnitPrice", "itemVatRate", "itemDep"};
+inline const Parameters kItemOptions = {optional("itemComment"), optional("itemCategory", std::int16_t{1})};
+
+/// Prints an item line, opening a receipt when none is open. itemVatRate must be one of the device's rates.
+inline const auto ItemSale = method<ItemLine>("ItemSale", kItemParameters, kItemOptions);
+/// Takes back a line of the open receipt.
+inline const auto ItemVoid = method<ItemLine>("ItemVoid", kItemParameters, kItemOptions);
+/// Takes back goods of an earlier receipt.
+inline const auto ItemRefund = method<ItemLine>("ItemRefund", kItemParameters, kItemOptions);
+/// Pays, and closes the receipt when nothing is left to pay. The form without a card terminal, of the null driver.
+inline const auto Payment = method<Value(Integer, String, Real, Integer, String, Flag, String, Flag)>(
+    "Payment", {"paymentNumber", "paymentDesc", "paymentAmount"},
+    {optional("paymentDesc2"), optional("bReadEJ", false)});
+/// Pays, by card terminal eftposNum of type eftposType where these are greater than 0, and closes the receipt when
+/// nothing is left to pay. The form of the drivers.
+using CardPayment = Value(Integer, String, Real, Integer, Integer, Integer, String, Flag, String, Flag, Flag);
+inline const Parameters kCardPaymentParameters = {"paymentNumber", "paymentDesc", "paymentAmount", "eftposNum",
+                                                  "eftposType"};
+inline const auto DriverPayment = method<CardPayment>(
+    "Payment", kCardPaymentParameters, {optional("paymentDesc2"), optional("bReadEJ"), optional("inPrePayment")});
+
+// ---- Paper, drawer, display, documents
+
+inline const auto FeedPaper = method<WithInteger>("FeedPaper", {"Lines_"});
+/// At most 48 characters.
+inline const auto commentPrinterPrint =
+    method<Value(String, Integer, Integer, String, Flag)>("commentPrinterPrint", {"CommentText_", "Size_"});
+/// At most 20 characters.
+inline const auto commentDisplayPrint =
+    method<Value(Integer, String, Integer, String, Flag)>("commentDisplayPrint", {"lineNumber", "CommentText_"});
+/// The daily closing.
+inline const auto issueZReport = method<Plain>("issueZReport");
+inline const auto issueZReprintReport = method<Plain>("issueZReprintReport");
+/// The day's totals so far; closes nothing.
+inline const auto issueXReport = method<Plain>("issueXReport");
+inline const auto DrawerOpen = method<Plain>("DrawerOpen");
+inline const auto CutPaper = method<Value(Flag, Integer, String, Flag)>("CutPaper", {"Full_"});
+inline const auto executeCashIn = method<WithAmount>("executeCashIn", {"Amount", "cashInDesc"});
+inline const auto executeCashOut = method<WithAmount>("executeCashOut", {"Amount", "cashOutDesc"});
+/// Cancels the open receipt, or closes it when it cannot be cancelled any more.
+inline const auto VoidReceipt = method<Plain>("VoidReceipt");
+
+// ---- Reads and settings
+
+inline const auto getDate = method<WithText>("getDate", {"d"});
+inline const auto getTime = method<WithText>("getTime", {"d"});
+inline const auto getSerialNumber = method<WithText>("getSerialNumber", {"sN"});
+inline const Parameters kFiveLines = {"line1",     "line1Size", "line2",     "line2Size", "line3",
+                                      "line3Size", "line4",     "line4Size", "line5",     "line5Size"};
+inline const Parameters kThreeLines = {"line1", "line1Size", "line2", "line2Size", "line3", "line3Size"};
+inline const Parameters kFiveRates = {"VatA", "VatB", "VatC", "VatD", "VatE"};
+inline const auto getHeader = method<FiveLines>("getHeader", kFiveLines);
+inline const auto setHeader = method<FiveLines>("setHeader", kFiveLines);
+inline const auto getFooter = method<ThreeLines>("getFooter", kThreeLines);
+inline const auto setFooter = method<ThreeLines>("setFooter", kThreeLines);
+/// A footer for the next receipt only.
+inline const auto setTempFooter =
+    method<Value(String, String, String, Integer, String, Flag)>("setTempFooter", {"line1", "line2", "line3"});
+inline const auto getVatCategories = method<FiveRates>("getVatCategories", kFiveRates);
+inline const auto setVatCategories = method<FiveRates>("setVatCategories", kFiveRates);
+inline const auto sentBitmapData =
+    method<Value(String, Integer, Integer, String, Flag)>("sentBitmapData", {"BMPfileName", "BitmapID"});
+inline const auto setReceiptBitmap = method<WithInteger>("setReceiptBitmap", {"BitmapID"});
+inline const auto setReceiptBitmapSize = method<WithInteger>("setReceiptBitmapSize", {"sizeOf"});
+inline const auto settingsRead = method<WithRecord<clsParam>>("settingsRead", {"c"});
+inline const auto settingsWrite = method<WithRecord<clsParam>>("settingsWrite", {"c"});
+inline const auto setDepartment = method<void(Integer, String, Integer, Integer, String, Flag)>(
+    "setDepartment", {"depID", "depDescription", "depCategory"});
+inline const auto setCategory =
+    method<void(Integer, String, Integer, String, Flag)>("setCategory", {"catID", "catDescription"});
+inline const auto transactionTotals = method<WithRecord<clsTransTotal>>("transactionTotals", {"c"});
+inline const auto getSalesPerDepartment = method<WithRecord<clsAccumulator>>("getSalesPerDepartment", {"c"});
+inline const auto getSalesPerCategory = method<WithRecord<clsAccumulator>>("getSalesPerCategory", {"c"});
+inline const auto getDailyTotals = method<WithRecord<clsDailyAcc>>("getDailyTotals", {"c"});
+/// The state that the device reported last; asks it nothing.
+inline const Contract<std::shared_ptr<clsStatus>()> StatusRead{"StatusRead", MemberKind::get, {}};
+/// Asks the device for its state, for StatusRead to tell.
+inline const auto printerStatusRead = method<PlainProcedure>("printerStatusRead");
+inline const auto setVATNumber =
+    method<void(String, Integer, String, Flag, String)>("setVATNumber", {"sVat"}, {"Pass"});
+inline const auto setTaxCardNumber =
+    method<void(String, Integer, String, Flag, String)>("setTaxCardNumber", {"nTaxCard"}, {"Pass"});
+inline const Parameters kServer = {"bActiveSend", "sWeb", "sPort", "sAES"};
+inline const auto setServer =
+    method<void(std::uint8_t, Text, Text, Text, Integer, String, Flag, String)>("setServer", kServer, {"Pass"});
+inline const auto getServer =
+    method<void(Byte, String, String, String, Integer, String, Flag, String)>("getServer", kServer, {"Pass"});
+
+// ---- Card terminals
+
+inline const auto eftRead = method<WithRecord<clsEFT>>("eftRead", {"c"});
+inline const auto eftWrite = method<WithRecord<clsEFT>>("eftWrite", {"c"});
+inline const auto eftTest = method<WithRecord<clsEFT>>("eftTest", {"c"});
+inline const auto eftdel = method<WithRecord<clsEFT>>("eftdel", {"c"});
+
+// ---- About results
+
+/// Longest logo line in characters.
+inline const Contract<std::int16_t()> logoLineDescLength{"logoLineDescLength", MemberKind::get, {}};
+/// Whether a Result tells of a state that the device ends by itself, so that waiting helps.
+inline const Contract<Classifier> bFixableError{"bFixableError", MemberKind::method, {"iErr"}};
+inline const Contract<Classifier> isErrorFixable{"isErrorFixable", MemberKind::method, {"iErr"}};
+/// Whether the command that ended with this Result may be sent again once the state has passed.
+inline const Contract<Classifier> bShouldRetry{"bShouldRetry", MemberKind::method, {"iErr"}};
+/// Whether a Result tells that the register cannot go on without help.
+inline const Contract<Classifier> isCriticalError{"isCriticalError", MemberKind::method, {"iErr"}};
+
+}  // namespace mirvane::contract

@@ -1,0 +1,116 @@
+#include "interface/fiscal_null_module.h"
+
+#include <tuple>
+
+#include "interface/driver_interface.h"
+#include "interface/module_state.h"
+#include "support/message_catalogue.h"
+
+namespace mirvane {
+namespace {
+
+constexpr std::int16_t kNoDriver = 100;
+constexpr std::uint32_t kInformationSystemModal = 4160;
+
+// Where Result stands among the arguments: the one place with an integer, a text and a flag in a row.
+template <class... A>
+consteval std::size_t resultPosition() {
+  constexpr std::size_t kCount = sizeof...(A);
+  constexpr bool isInteger[] = {std::is_same_v<A, std::int16_t&>...};
+  constexpr bool isText[] = {std::is_same_v<A, Text&>...};
+  constexpr bool isFlag[] = {std::is_same_v<A, bool&>...};
+  for (std::size_t i = 0; i + 2 < kCount; ++i) {
+    if (isInteger[i] && isText[i + 1] && isFlag[i + 2]) return i;
+  }
+  throw "the member takes no Result, Exresult and SupressError_";
+}
+
+template <class R, class... A>
+auto refusal(const Contract<R(A...)>& /*signature*/) {
+  return [](fiscalNullModule& /*self*/, A... arguments) -> R {
+    constexpr std::size_t kAt = resultPosition<A...>();
+    const auto all = std::tie(arguments...);
+    fiscalNullModule::refuse(std::get<kAt>(all), std::get<kAt + 1>(all), std::get<kAt + 2>(all));
+    return R();
+  };
+}
+
+// One row for each member that is only refused.
+template <class... Signatures>
+void refuseAll(ClassBuilder<fiscalNullModule>& table, const Contract<Signatures>&... members) {
+  (table.implement(members, refusal(members)), ...);
+}
+
+}  // namespace
+
+void fiscalNullModule::refuse(std::int16_t& Result, Text& Exresult, bool SupressError_) {
+  Result = kNoDriver;
+  Exresult = u"Λάθος τύπος Φορολ. Εκτυπωτή";
+  if (SupressError_) return;
+  moduleState().platform->screen.messageBox(Exresult, kInformationSystemModal, langMessage(message::kBoxTitle));
+}
+
+Value fiscalNullModule::DisConnect_(Text& /*PORT*/, std::int16_t& Result, Text& /*Exresult*/, bool& /*SupressError_*/) {
+  Result = closePort();
+  return {};
+}
+
+void fiscalNullModule::transactionTotals(clsTransTotal& c, std::int16_t& Result, Text& Exresult, bool& SupressError_) {
+  c.VatA = c.VatB = c.VatC = c.VatD = c.VatE = c.receiptTotalAmt = 0;
+  c.receiptNumber = 0;
+  refuse(Result, Exresult, SupressError_);
+}
+
+void fiscalNullModule::getSalesPer(clsAccumulator& c, std::int16_t& Result, Text& Exresult, bool& SupressError_) {
+  c.Desc.clear();
+  c.Count = c.Amount = 0;
+  refuse(Result, Exresult, SupressError_);
+}
+
+void fiscalNullModule::getDailyTotals(clsDailyAcc& c, std::int16_t& Result, Text& Exresult, bool& SupressError_) {
+  c.VatA = c.VatB = c.VatC = c.VatD = c.VatE = c.VatSum = 0;
+  c.LegalReceiptCount = c.illLegalReceiptCount = 0;
+  c.amtVoid = c.amtRefund = c.amtCancel = 0;
+  c.amtPaymentType1 = c.amtPaymentType2 = c.amtPaymentType3 = 0;
+  c.amtDiscount = c.amtMarkUP = 0;
+  refuse(Result, Exresult, SupressError_);
+}
+
+std::shared_ptr<clsStatus> fiscalNullModule::StatusRead() {
+  if (status_ == nullptr) status_ = std::make_shared<clsStatus>();
+  clsStatus& s = *status_;
+  s.isFiscalFull = s.isDayOpen = s.isTransactionOpen = s.isInPayment = s.isInPaidOut = s.isInROA = false;
+  s.isFlashNearFull = s.isFiscalNearFull = false;
+  s.isEuro = true;
+  return status_;
+}
+
+const ClassInfo& fiscalNullModule::describe() {
+  static const ClassInfo info = [] {
+    using namespace contract;
+    using Driver = fiscalNullModule;
+    ClassBuilder<Driver> table;
+    refuseAll(table, SendCommand_, GetVersionInfo, Connect_);
+    table.implement(contract::DisConnect_, &Driver::DisConnect_);
+    refuseAll(table, ItemSale, ItemVoid, ItemRefund, Payment, FeedPaper, commentPrinterPrint, commentDisplayPrint,
+              issueZReport, issueZReprintReport, issueXReport, DrawerOpen, CutPaper, executeCashIn, executeCashOut,
+              VoidReceipt, getDate, getTime, getSerialNumber, getHeader, setHeader, getFooter, setFooter, setTempFooter,
+              getVatCategories, setVatCategories, sentBitmapData, setReceiptBitmap, setReceiptBitmapSize, settingsRead,
+              settingsWrite, setDepartment, setCategory);
+    table.implement(contract::transactionTotals, &Driver::transactionTotals)
+        .implement(getSalesPerDepartment, &Driver::getSalesPer)
+        .implement(getSalesPerCategory, &Driver::getSalesPer)
+        .implement(contract::getDailyTotals, &Driver::getDailyTotals)
+        .implement(contract::StatusRead, &Driver::StatusRead);
+    refuseAll(table, printerStatusRead, setVATNumber, setServer, getServer, eftRead, eftWrite, eftTest);
+    table.implement(logoLineDescLength, [](Driver& /*self*/) { return std::int16_t{0}; });
+    for (const auto* classifier : {&bFixableError, &isErrorFixable, &bShouldRetry}) {
+      table.implement(*classifier, [](Driver& /*self*/, std::int16_t& /*iErr*/) { return false; });
+    }
+    table.implement(isCriticalError, [](Driver& /*self*/, std::int16_t& /*iErr*/) { return true; });
+    return table.build();
+  }();
+  return info;
+}
+
+}  // namespace mirvane

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "interface/cls_accumulator.h"
+#include "interface/cls_daily_acc.h"
+#include "interface/cls_status.h"
+#include "interface/cls_trans_total.h"
+
+namespace mirvane {
+
+/// The driver that is current while no device is: it refuses every operation with Result 100, touches no device, and
+/// leaves no figures of an earlier device in the caller's records.
+class fiscalNullModule : public ObjectOf<fiscalNullModule> {
+ public:
+  static constexpr std::string_view kName = "fiscalNullModule";
+  static const ClassInfo& describe();
+
+  /// What every operation does: Result 100, its text and, unless suppressed, one message box.
+  static void refuse(std::int16_t& Result, Text& Exresult, bool SupressError_);
+
+  /// Closes a port that a device driver left open; never refuses and shows nothing.
+  Value DisConnect_(Text& PORT, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  void transactionTotals(clsTransTotal& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  void getSalesPer(clsAccumulator& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  void getDailyTotals(clsDailyAcc& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  /// The same object on every read.
+  std::shared_ptr<clsStatus> StatusRead();
+
+ private:
+  std::shared_ptr<clsStatus> status_;
+};
+
+}  // namespace mirvane

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "interface/cls_eft.h"
+#include "interface/cls_status.h"
+#include "interface/fiscal_types.h"
+
+namespace mirvane {
+
+/// The class that a point-of-sale program creates. It finds the driver of the device on the port and passes every
+/// operation on to it by name, with the caller's own variables; it has no device logic of its own.
+///
+/// All facade objects share one driver, and destroying any of them releases it for all.
+class fiscalTrevikModule : public ObjectOf<fiscalTrevikModule> {
+ public:
+  static constexpr std::string_view kName = "fiscalTrevikModule";
+  static const ClassInfo& describe();
+
+  ~fiscalTrevikModule() override;
+
+  /// Which driver was selected last; selects none.
+  FISCAL_TYPES getFiscalType();
+
+  /// Selects a driver by probing when none is current, then connects it (a second time after a probe, which is
+  /// harmless).
+  void Connect_(Text PORT, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+
+  /// Disconnects and releases the current driver; probes like Connect_ when there is none.
+  Value DisConnect_(Text& PORT, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+
+  /// The state that the current driver knows; a new record, and no driver selected, while none is current.
+  std::shared_ptr<clsStatus> StatusRead();
+
+  /// Does nothing and leaves every argument as it is.
+  void setDepartment(std::int16_t& depID, Text& depDescription, std::int16_t& depCategory, std::int16_t& Result,
+                     Text& Exresult, bool& SupressError_);
+
+  /// A card terminal record of this object's own, the same on every read.
+  std::shared_ptr<clsEFT> clsEFTpos();
+
+  void activateDebug();
+  void DeactivateDebug();
+
+ private:
+  std::shared_ptr<clsEFT> eftpos_;
+};
+
+}  // namespace mirvane

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "automation/object.h"
+#include "interface/fiscal_types.h"
+#include "platform/ports.h"
+
+namespace mirvane {
+
+struct cPortProp;
+
+/// A driver class that probing tries.
+struct DriverCandidate {
+  FISCAL_TYPES type;
+  std::string_view className;
+  /// Makes a driver; null for a family whose driver is not present, which probing passes over.
+  ObjectPtr (*create)();
+};
+
+/// What the whole component shares: one copy for every facade object and every driver. The component is used from one
+/// thread; nothing is locked.
+struct ModuleState {
+  /// The selected driver, or null when none is selected.
+  ObjectPtr currentDriver;
+  FISCAL_TYPES fiscalType = FISCAL_unknown;
+  /// The open serial port or socket; 0 or less when none is open.
+  std::int32_t portHandle = 0;
+  std::shared_ptr<cPortProp> portProp;
+
+  /// What a price adjustment refers to: the last `adjustment` call's argument, and department and amount (quantity by
+  /// unit price) of the last item line that the device took.
+  bool adjustOnLastItem = false;
+  std::int16_t lastItemDep = 0;
+  double lastItemAmount = 0;
+
+  /// Whether a card payment (payment number 2 or 4) is under way.
+  bool cardPaymentUnderWay = false;
+  bool traceActive = false;
+
+  platform::Platform* platform = &platform::hostPlatform();
+  /// The driver classes in probe order.
+  std::vector<DriverCandidate> candidates;
+};
+
+ModuleState& moduleState();
+
+/// The current driver; when there is none, the one that probing `port` finds becomes it.
+ObjectPtr getCurrentDriver(TextView port);
+
+/// The current driver; when there is none, the null driver becomes it.
+ObjectPtr currentDriver();
+
+/// Forgets the current driver. The fiscal type stays.
+void releaseDriver();
+
+/// Tries the candidates on `port`, with message boxes suppressed, and returns the first that connects, which stays
+/// connected; the null driver when the port is empty or nothing answers. Records the fiscal type.
+ObjectPtr probeDriver(TextView port);
+
+/// The shared link properties, created on first use.
+cPortProp& portProp();
+
+/// Closes the serial port or the network endpoint, whichever is open, whatever fails on the way: 1 when one was closed,
+/// 0 when none was open.
+std::int16_t closePort();
+
+/// One line of the debug trace, behind the time as "mm:ss"; nothing while the trace is off.
+void trace(TextView label, TextView text = {});
+
+/// Title of the message boxes that speak of the device.
+inline constexpr TextView kDeviceFamilyName = u"Varlen Fiscal";
+
+}  // namespace mirvane

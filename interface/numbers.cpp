@@ -1,0 +1,103 @@
+#include "interface/numbers.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <string>
+
+#include "automation/errors.h"
+#include "automation/number_text.h"
+#include "interface/module_state.h"
+
+namespace mirvane {
+namespace {
+
+enum class Ties { awayFromZero, toEven };
+
+// A number as its 15 significant decimal digits: 0.d1d2d3... times 10 to the power of `point`.
+struct Decimal {
+  bool negative;
+  std::string digits;
+  int point;
+};
+
+Decimal decimalOf(double value) {
+  std::array<char, 40> buffer{};
+  const auto end =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value), std::chars_format::scientific, 14)
+          .ptr;
+  const std::string_view written(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
+  const auto e = written.find('e');
+  int exponent = 0;
+  const std::string_view exponentText = written.substr(written[e + 1] == '+' ? e + 2 : e + 1);
+  std::from_chars(exponentText.data(), exponentText.data() + exponentText.size(), exponent);
+  std::string digits(1, written[0]);
+  digits += written.substr(2, e - 2);
+  return {std::signbit(value), digits, exponent + 1};
+}
+
+// "-123.46": the value with a fixed number of decimals.
+std::string fixedText(double value, int decimals, Ties ties) {
+  if (!std::isfinite(value)) throw AutomationError(AutomationCode::overflow);
+  Decimal decimal = decimalOf(value);
+  // One zero in front takes a carry out of the first digit.
+  std::string& digits = decimal.digits;
+  const int leading = std::max(0, -decimal.point) + 1;
+  digits.insert(0, static_cast<std::size_t>(leading), '0');
+  int whole = decimal.point + leading;  // digits in front of the point
+  const auto kept = static_cast<std::size_t>(whole + decimals);
+  if (kept < digits.size()) {
+    const bool tie = digits[kept] == '5' && digits.find_first_not_of('0', kept + 1) == std::string::npos;
+    const bool up = tie && ties == Ties::toEven ? (digits[kept - 1] - '0') % 2 == 1 : digits[kept] >= '5';
+    digits.resize(kept);
+    if (up) {
+      std::size_t i = kept;
+      while (digits[--i] == '9') digits[i] = '0';
+      ++digits[i];
+    }
+  } else {
+    digits.append(kept - digits.size(), '0');
+  }
+  const bool zero = digits.find_first_not_of('0') == std::string::npos;
+  const auto first = std::min(digits.find_first_not_of('0'), static_cast<std::size_t>(whole - 1));
+  digits.insert(static_cast<std::size_t>(whole), 1, '.');
+  return (decimal.negative && !zero ? "-" : "") + digits.substr(first);
+}
+
+Text widened(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
+
+}  // namespace
+
+std::int16_t toInt(TextView text) {
+  const double rounded = std::nearbyint(parseNumber(text).value_or(0));
+  if (!(rounded >= INT16_MIN && rounded <= INT16_MAX)) return 0;
+  return static_cast<std::int16_t>(rounded);
+}
+
+Text formatAmount(double amount) { return widened(fixedText(amount, 2, Ties::awayFromZero)); }
+
+Text formatQuantity(double quantity) { return widened(fixedText(quantity, 3, Ties::awayFromZero)); }
+
+double sumRounded(std::span<const double> numbers) {
+  double total = 0;
+  for (const double number : numbers) {
+    const std::string text = fixedText(number, 2, Ties::toEven);
+    double rounded = 0;
+    std::from_chars(text.data(), text.data() + text.size(), rounded);
+    total += rounded;
+  }
+  return total;
+}
+
+bool isTimedOut(float start, float limit) {
+  // Seven digits: what a single-precision number keeps when it is written as text.
+  std::array<char, 32> buffer{};
+  const auto now = static_cast<float>(moduleState().platform->clock.secondsSinceMidnight());
+  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), now, std::chars_format::general, 7).ptr;
+  double written = 0;
+  std::from_chars(buffer.data(), end, written);
+  return static_cast<float>(written - double{start}) > limit;
+}
+
+}  // namespace mirvane

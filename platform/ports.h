@@ -1,0 +1,131 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/code_page.h"
+
+// Everything that the component asks of the machine. The core knows only these; platform/windows and platform/posix
+// implement them for real, tests supply fakes.
+namespace mirvane::platform {
+
+/// Time-outs of a serial line in milliseconds, with the meaning that the Win32 call gives them: a read of n bytes ends
+/// after readConstant + n * readMultiplier, or when readInterval passes between two bytes; a write likewise.
+struct LineTimeouts {
+  std::uint32_t readInterval;
+  std::uint32_t readMultiplier;
+  std::uint32_t readConstant;
+  std::uint32_t writeMultiplier;
+  std::uint32_t writeConstant;
+};
+
+/// A serial line behind a 32-bit handle; a handle greater than 0 is open.
+class SerialPort {
+ public:
+  virtual ~SerialPort() = default;
+
+  /// Opens the port for this program alone. The handle, or -1 when there is no such port or it is taken.
+  virtual std::int32_t open(TextView name) = 0;
+  virtual bool setTimeouts(std::int32_t handle, const LineTimeouts& timeouts) = 0;
+  /// `settings` as in "115200,n,8,1": baud, parity, data bits, stop bits. False when the line cannot be set so.
+  virtual bool configure(std::int32_t handle, std::string_view settings) = 0;
+  /// The number of bytes that the line took within the write time-outs; 0 when the line is broken.
+  virtual std::size_t write(std::int32_t handle, std::string_view bytes) = 0;
+  /// At most `most` bytes, as many as arrived within the read time-outs; empty on a time-out or a broken line. A broken
+  /// line still takes its time: callers poll.
+  virtual std::string read(std::int32_t handle, std::size_t most) = 0;
+  /// How many bytes can be read without waiting; 0 when the line cannot tell.
+  virtual std::size_t waiting(std::int32_t handle) = 0;
+  /// True when the handle was open and is closed now.
+  virtual bool close(std::int32_t handle) = 0;
+};
+
+constexpr std::int32_t kInvalidSocket = -1;
+
+/// Connected datagram sockets behind 32-bit handles, with the calls and failures of Windows Sockets 1.1.
+class DatagramSockets {
+ public:
+  virtual ~DatagramSockets() = default;
+
+  /// Starts the socket library; every successful start is paired with one `shutDown`.
+  virtual bool startUp() = 0;
+  /// A new datagram socket, or kInvalidSocket.
+  virtual std::int32_t create() = 0;
+  /// Binds to all local interfaces; port 0 lets the system choose.
+  virtual bool bind(std::int32_t handle, std::uint16_t port) = 0;
+  /// `address` is dotted-decimal IPv4; any other text stands for 255.255.255.255.
+  virtual bool connect(std::int32_t handle, const std::string& address, std::uint16_t port) = 0;
+  /// False on a socket error. A short send counts as sent.
+  virtual bool send(std::int32_t handle, std::string_view bytes) = 0;
+  /// One datagram; nothing on a socket error, which a datagram longer than `most` is too.
+  virtual std::optional<std::string> receive(std::int32_t handle, std::size_t most) = 0;
+  /// Whether a datagram is there before `seconds` have passed; 0 does not wait. False on a socket error too.
+  virtual bool waitReadable(std::int32_t handle, std::int16_t seconds) = 0;
+  /// Shuts the socket down in both directions, closes it and releases the socket library; failures, such as a handle
+  /// that is no open socket, are ignored.
+  virtual void shutDown(std::int32_t handle) = 0;
+};
+
+struct LocalTime {
+  int year, month, day, hour, minute, second;
+};
+
+class Clock {
+ public:
+  virtual ~Clock() = default;
+
+  /// Local time of day in seconds, 0 up to 86400, with a fraction.
+  virtual double secondsSinceMidnight() = 0;
+  /// Seconds since some fixed moment; never set back, for measuring how long something takes.
+  virtual double elapsed() = 0;
+  virtual LocalTime localTime() = 0;
+  virtual void sleep(std::uint32_t milliseconds) = 0;
+};
+
+/// How a device state that is expected to pass has ended.
+struct DeviceOutcome {
+  std::int16_t code;
+  Text message;
+};
+
+/// Whoever stands in front of the till.
+class Screen {
+ public:
+  virtual ~Screen() = default;
+
+  /// Shows a box and waits until it is closed. `style` is the system's: 16 critical, 48 exclamation, 64 information,
+  /// 4096 system modal.
+  virtual void messageBox(TextView prompt, std::uint32_t style, TextView title) = 0;
+  /// Lets the operator wait for the device to end the state that `code` and `message` tell of. Code 0 means that it
+  /// is ready again.
+  virtual DeviceOutcome waitForDevice(std::int16_t code, TextView message) = 0;
+  /// One line of the debug trace.
+  virtual void traceLine(TextView line) = 0;
+};
+
+/// Paths are those of the machine that tills run on: "\\" between folders.
+class Files {
+ public:
+  virtual ~Files() = default;
+
+  /// The folder of the component itself, with no separator at its end.
+  virtual Text componentFolder() = 0;
+  /// The whole file, or nothing when it cannot be read.
+  virtual std::optional<std::string> read(TextView path) = 0;
+};
+
+struct Platform {
+  SerialPort& serial;
+  DatagramSockets& sockets;
+  Clock& clock;
+  Screen& screen;
+  Files& files;
+};
+
+/// The machine that the program runs on.
+Platform& hostPlatform();
+
+}  // namespace mirvane::platform

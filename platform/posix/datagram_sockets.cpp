@@ -1,0 +1,70 @@
+#include "platform/posix/datagram_sockets.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace mirvane::platform {
+namespace {
+
+sockaddr_in endpoint(in_addr_t address, std::uint16_t port) {
+  sockaddr_in result{};
+  result.sin_family = AF_INET;
+  result.sin_port = htons(port);
+  result.sin_addr.s_addr = address;
+  return result;
+}
+
+bool sent(int handle, std::string_view bytes) { return ::send(handle, bytes.data(), bytes.size(), MSG_NOSIGNAL) >= 0; }
+
+}  // namespace
+
+std::int32_t PosixDatagramSockets::create() {
+  const int handle = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP);
+  return handle < 0 ? kInvalidSocket : handle;
+}
+
+bool PosixDatagramSockets::bind(std::int32_t handle, std::uint16_t port) {
+  const sockaddr_in local = endpoint(INADDR_ANY, port);
+  return ::bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local) == 0;
+}
+
+bool PosixDatagramSockets::connect(std::int32_t handle, const std::string& address, std::uint16_t port) {
+  const sockaddr_in remote = endpoint(inet_addr(address.c_str()), port);
+  return ::connect(handle, reinterpret_cast<const sockaddr*>(&remote), sizeof remote) == 0;
+}
+
+bool PosixDatagramSockets::send(std::int32_t handle, std::string_view bytes) {
+  // An earlier datagram's "nobody there" comes back with the next call; it says nothing about this one.
+  return sent(handle, bytes) || (errno == ECONNREFUSED && sent(handle, bytes));
+}
+
+std::optional<std::string> PosixDatagramSockets::receive(std::int32_t handle, std::size_t most) {
+  // One byte more than is wanted shows a datagram that is too long.
+  std::string bytes(most + 1, '\0');
+  const auto count = recv(handle, bytes.data(), bytes.size(), MSG_DONTWAIT);
+  if (count < 0 || static_cast<std::size_t>(count) > most) return std::nullopt;
+  bytes.resize(static_cast<std::size_t>(count));
+  return bytes;
+}
+
+bool PosixDatagramSockets::waitReadable(std::int32_t handle, std::int16_t seconds) {
+  pollfd entry{handle, POLLIN, 0};
+  if (seconds < 0 || poll(&entry, 1, seconds * 1000) <= 0) return false;
+  // "Nobody there" for an earlier datagram makes the socket readable without a datagram; looking takes it away.
+  char first = 0;
+  return recv(handle, &first, 1, MSG_PEEK | MSG_DONTWAIT) >= 0;
+}
+
+void PosixDatagramSockets::shutDown(std::int32_t handle) {
+  // No socket has a handle of a standard stream: 0 stands for none.
+  if (handle <= STDERR_FILENO) return;
+  shutdown(handle, SHUT_RDWR);
+  close(handle);
+}
+
+}  // namespace mirvane::platform

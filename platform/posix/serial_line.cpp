@@ -1,0 +1,114 @@
+#include "platform/posix/serial_line.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <thread>
+
+namespace mirvane::platform {
+namespace {
+
+using Time = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+// Whether `handle` becomes ready for `events` before `deadline`. A line that is gone is ready too.
+bool ready(int handle, short events, Time::time_point deadline) {
+  for (;;) {
+    const auto left = std::chrono::duration_cast<std::chrono::microseconds>(deadline - Time::now()).count();
+    const timespec timeout{std::max<long>(left, 0) / 1000000, std::max<long>(left, 0) % 1000000 * 1000};
+    pollfd entry{handle, events, 0};
+    const int count = ppoll(&entry, 1, &timeout, nullptr);
+    if (count > 0) return true;
+    if (count == 0 || errno != EINTR) return false;
+  }
+}
+
+}  // namespace
+
+std::int32_t PosixSerialPort::open(TextView name) {
+  const int handle = ::open(toUtf8(name).c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (handle < 0) return -1;
+  // For this program alone, as on the tills' own system.
+  if (isatty(handle) == 0 || flock(handle, LOCK_EX | LOCK_NB) != 0) {
+    ::close(handle);
+    return -1;
+  }
+  timeouts_[handle] = {};
+  return handle;
+}
+
+bool PosixSerialPort::setTimeouts(std::int32_t handle, const LineTimeouts& timeouts) {
+  const auto line = timeouts_.find(handle);
+  if (line == timeouts_.end()) return false;
+  line->second = timeouts;
+  return true;
+}
+
+bool PosixSerialPort::configure(std::int32_t handle, std::string_view settings) {
+  // The one setting that the devices of this component use.
+  if (settings != "115200,n,8,1") return false;
+  termios line{};
+  if (tcgetattr(handle, &line) != 0) return false;
+  cfmakeraw(&line);
+  line.c_cflag &= ~static_cast<tcflag_t>(CSTOPB | CRTSCTS);
+  line.c_cflag |= CLOCAL | CREAD;
+  line.c_cc[VMIN] = 0;
+  line.c_cc[VTIME] = 0;
+  cfsetispeed(&line, B115200);
+  cfsetospeed(&line, B115200);
+  return tcsetattr(handle, TCSANOW, &line) == 0;
+}
+
+std::size_t PosixSerialPort::write(std::int32_t handle, std::string_view bytes) {
+  const LineTimeouts& limits = timeouts_[handle];
+  const auto deadline = Time::now() + milliseconds(limits.writeConstant + limits.writeMultiplier * bytes.size());
+  std::size_t written = 0;
+  while (written < bytes.size()) {
+    const auto count = ::write(handle, bytes.data() + written, bytes.size() - written);
+    if (count > 0) {
+      written += static_cast<std::size_t>(count);
+    } else if (count < 0 && errno == EINTR) {
+      continue;
+    } else if (count == 0 || errno != EAGAIN || !ready(handle, POLLOUT, deadline)) {
+      break;
+    }
+  }
+  return written;
+}
+
+std::string PosixSerialPort::read(std::int32_t handle, std::size_t most) {
+  const LineTimeouts& limits = timeouts_[handle];
+  const auto deadline = Time::now() + milliseconds(limits.readConstant + limits.readMultiplier * most);
+  std::string bytes;
+  auto until = deadline;
+  while (bytes.size() < most && ready(handle, POLLIN, until)) {
+    const std::size_t before = bytes.size();
+    bytes.resize(most);
+    const auto count = ::read(handle, bytes.data() + before, most - before);
+    bytes.resize(before + static_cast<std::size_t>(std::max<decltype(count)>(count, 0)));
+    if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+    if (count <= 0) {
+      // Gone or hung up: as slow as an idle line, since callers poll.
+      std::this_thread::sleep_until(deadline);
+      break;
+    }
+    until = std::min(deadline, Time::now() + milliseconds(limits.readInterval));
+  }
+  return bytes;
+}
+
+std::size_t PosixSerialPort::waiting(std::int32_t handle) {
+  int count = 0;
+  return ioctl(handle, FIONREAD, &count) == 0 && count > 0 ? static_cast<std::size_t>(count) : 0;
+}
+
+bool PosixSerialPort::close(std::int32_t handle) { return timeouts_.erase(handle) == 1 && ::close(handle) == 0; }
+
+}  // namespace mirvane::platform

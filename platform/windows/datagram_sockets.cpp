@@ -1,0 +1,84 @@
+#include "platform/windows/datagram_sockets.h"
+
+#include <winsock.h>
+
+#include <algorithm>
+
+namespace mirvane::platform {
+namespace {
+
+constexpr WORD kVersion = 0x0101;
+constexpr int kBothDirections = 2;
+
+SOCKET toSocket(std::int32_t handle) { return static_cast<SOCKET>(static_cast<std::intptr_t>(handle)); }
+
+sockaddr_in addressOf(std::uint32_t host, std::uint16_t port) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(port);
+  address.sin_addr.s_addr = host;
+  return address;
+}
+
+// The device had no one listening when an earlier datagram arrived. The system hands that over once, at the next call
+// on the socket, whichever that is.
+bool toldOfEarlierDatagram() {
+  const int error = WSAGetLastError();
+  return error == WSAECONNRESET || error == WSAECONNREFUSED;
+}
+
+}  // namespace
+
+bool WindowsDatagramSockets::startUp() {
+  WSADATA data{};
+  return WSAStartup(kVersion, &data) == 0;
+}
+
+std::int32_t WindowsDatagramSockets::create() {
+  return static_cast<std::int32_t>(socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP));
+}
+
+bool WindowsDatagramSockets::bind(std::int32_t handle, std::uint16_t port) {
+  const sockaddr_in address = addressOf(INADDR_ANY, port);
+  return ::bind(toSocket(handle), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+bool WindowsDatagramSockets::connect(std::int32_t handle, const std::string& address, std::uint16_t port) {
+  const sockaddr_in remote = addressOf(inet_addr(address.c_str()), port);
+  return ::connect(toSocket(handle), reinterpret_cast<const sockaddr*>(&remote), sizeof remote) == 0;
+}
+
+bool WindowsDatagramSockets::send(std::int32_t handle, std::string_view bytes) {
+  const auto sent = [&] {
+    return ::send(toSocket(handle), bytes.data(), static_cast<int>(bytes.size()), 0) != SOCKET_ERROR;
+  };
+  return sent() || (toldOfEarlierDatagram() && sent());
+}
+
+std::optional<std::string> WindowsDatagramSockets::receive(std::int32_t handle, std::size_t most) {
+  std::string bytes(most, '\0');
+  const int count = recv(toSocket(handle), bytes.data(), static_cast<int>(most), 0);
+  if (count == SOCKET_ERROR) return std::nullopt;
+  bytes.resize(static_cast<std::size_t>(count));
+  return bytes;
+}
+
+bool WindowsDatagramSockets::waitReadable(std::int32_t handle, std::int16_t seconds) {
+  fd_set readable{};
+  readable.fd_count = 1;
+  readable.fd_array[0] = toSocket(handle);
+  fd_set none{};
+  timeval limit{seconds, 0};
+  if (select(0, &readable, &none, &none, &limit) <= 0) return false;
+  char first = 0;
+  return recv(toSocket(handle), &first, 1, MSG_PEEK) != SOCKET_ERROR || !toldOfEarlierDatagram();
+}
+
+void WindowsDatagramSockets::shutDown(std::int32_t handle) {
+  shutdown(toSocket(handle), kBothDirections);
+  closesocket(toSocket(handle));
+  WSACancelBlockingCall();
+  WSACleanup();
+}
+
+}  // namespace mirvane::platform

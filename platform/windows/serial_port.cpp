@@ -1,0 +1,52 @@
+#include "platform/windows/serial_port.h"
+
+#include "platform/windows/windows.h"
+
+namespace mirvane::platform {
+
+std::int32_t WindowsSerialPort::open(TextView name) {
+  return fromHandle(
+      CreateFileA(toCodePage(name).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+}
+
+bool WindowsSerialPort::setTimeouts(std::int32_t handle, const LineTimeouts& timeouts) {
+  COMMTIMEOUTS limits{timeouts.readInterval, timeouts.readMultiplier, timeouts.readConstant, timeouts.writeMultiplier,
+                      timeouts.writeConstant};
+  return SetCommTimeouts(toHandle(handle), &limits) != FALSE;
+}
+
+bool WindowsSerialPort::configure(std::int32_t handle, std::string_view settings) {
+  DCB state{};
+  state.DCBlength = sizeof state;
+  return BuildCommDCBA(std::string(settings).c_str(), &state) != FALSE &&
+         SetCommState(toHandle(handle), &state) != FALSE;
+}
+
+std::size_t WindowsSerialPort::write(std::int32_t handle, std::string_view bytes) {
+  DWORD written = 0;
+  if (WriteFile(toHandle(handle), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) == FALSE) return 0;
+  return written;
+}
+
+std::string WindowsSerialPort::read(std::int32_t handle, std::size_t most) {
+  // A line that was pulled out fails at once, and callers that poll until a deadline would spin.
+  constexpr DWORD kBrokenLinePause = 2;
+  std::string bytes(most, '\0');
+  DWORD count = 0;
+  if (ReadFile(toHandle(handle), bytes.data(), static_cast<DWORD>(most), &count, nullptr) == FALSE) {
+    Sleep(kBrokenLinePause);
+    count = 0;
+  }
+  bytes.resize(count);
+  return bytes;
+}
+
+std::size_t WindowsSerialPort::waiting(std::int32_t handle) {
+  DWORD errors = 0;
+  COMSTAT state{};
+  return ClearCommError(toHandle(handle), &errors, &state) == FALSE ? 0 : state.cbInQue;
+}
+
+bool WindowsSerialPort::close(std::int32_t handle) { return CloseHandle(toHandle(handle)) != FALSE; }
+
+}  // namespace mirvane::platform

@@ -1,0 +1,129 @@
+#include "support/price_adjustments.h"
+
+#include <cmath>
+
+#include "automation/number_text.h"
+#include "interface/module_state.h"
+#include "interface/numbers.h"
+#include "interface/text.h"
+#include "interface/vat_shares.h"
+
+namespace mirvane {
+namespace {
+
+struct Outcome {
+  std::int16_t& Result;
+  Text& Exresult;
+  bool& SupressError_;
+};
+
+void send(Text command, const Outcome& outcome) {
+  Text noPass;
+  currentDriver()->call("SendCommand_", command, outcome.Result, outcome.Exresult, outcome.SupressError_, noPass);
+}
+
+// `kind` is the command's second field and `place` its third: the department of the last item, or 1 for the subtotal.
+Text command(TextView kind, std::int32_t place, const Text& description, const Text& comment, double amount,
+             const VatAmounts* shares) {
+  Text text = u"4/" + Text(kind) + numberText(place) + u"/" + cleanText(description) + u"/" + cleanText(comment) +
+              u"/" + formatAmount(std::abs(amount)) + u"/";
+  for (std::size_t i = 0; i < VatAmounts().size(); ++i) {
+    text += shares == nullptr ? Text(u"0") : formatAmount((*shares)[i]);
+    text += u'/';
+  }
+  return text;
+}
+
+// The receipt's totals are asked for first; `factorOf` makes the factor out of the receipt total.
+template <class FactorOf>
+void adjustSubtotal(TextView kind, const Text& description, const Text& comment, FactorOf factorOf,
+                    const Outcome& outcome) {
+  send(u"9/", outcome);
+  if (outcome.Result != 0) return;
+  const std::vector<Text> pieces = split(outcome.Exresult, u'/');
+  const auto piece = [&pieces](std::size_t i) { return i < pieces.size() ? leadingNumber(pieces[i]) : 0; };
+  const VatAmounts totals{piece(3), piece(4), piece(5), piece(6), piece(7)};
+  double total = piece(9);
+  VatAmounts shares{};
+  apportionByVat(totals, shares, total, factorOf(total));
+  send(command(kind, 1, description, comment, total, &shares), outcome);
+}
+
+struct Kind {
+  TextView onLastItem;
+  TextView onSubtotal;
+};
+
+constexpr Kind kMarkUp{u"3/", u"4/"};
+constexpr Kind kDiscount{u"1/", u"2/"};
+
+// The caller's percentage becomes the amount that it made of the last item.
+void adjustByPercent(const Kind& kind, const Text& description, double& percent, const Text& comment,
+                     const Outcome& outcome) {
+  const ModuleState& state = moduleState();
+  percent = std::abs(percent);
+  if (state.adjustOnLastItem) {
+    percent = state.lastItemAmount * percent / 100;
+    send(command(kind.onLastItem, state.lastItemDep, description, comment, percent, nullptr), outcome);
+  } else {
+    adjustSubtotal(
+        kind.onSubtotal, description, comment, [percent](double /*total*/) { return -percent / 100; }, outcome);
+  }
+}
+
+void adjustByAmount(const Kind& kind, const Text& description, double& amount, const Text& comment,
+                    const Outcome& outcome) {
+  const ModuleState& state = moduleState();
+  amount = std::abs(amount);
+  if (state.adjustOnLastItem) {
+    send(command(kind.onLastItem, state.lastItemDep, description, comment, amount, nullptr), outcome);
+  } else {
+    // An empty receipt has nothing to share over; the device says so.
+    adjustSubtotal(
+        kind.onSubtotal, description, comment, [amount](double total) { return total == 0 ? 0 : -amount / total; },
+        outcome);
+  }
+}
+
+}  // namespace
+
+Value clsAdjust::percentMarkUP(Text& actionDesc, double& dblPercent, std::int16_t& Result, Text& Exresult,
+                               bool& SupressError_, Text& exComment) {
+  adjustByPercent(kMarkUp, actionDesc, dblPercent, exComment, {Result, Exresult, SupressError_});
+  return {};
+}
+
+Value clsAdjust::percentDiscount(Text& actionDesc, double& dblPercent, std::int16_t& Result, Text& Exresult,
+                                 bool& SupressError_, Text& exComment) {
+  adjustByPercent(kDiscount, actionDesc, dblPercent, exComment, {Result, Exresult, SupressError_});
+  return {};
+}
+
+Value clsAdjust::amountMarkUp(Text& actionDesc, double& dblAmount, std::int16_t& Result, Text& Exresult,
+                              bool& SupressError_, Text& exComment) {
+  adjustByAmount(kMarkUp, actionDesc, dblAmount, exComment, {Result, Exresult, SupressError_});
+  return {};
+}
+
+Value clsAdjust::amountDiscount(Text& actionDesc, double& dblAmount, std::int16_t& Result, Text& Exresult,
+                                bool& SupressError_, Text& exComment) {
+  adjustByAmount(kDiscount, actionDesc, dblAmount, exComment, {Result, Exresult, SupressError_});
+  return {};
+}
+
+const ClassInfo& clsAdjust::describe() {
+  static const ClassInfo info = [] {
+    const auto parameters = [](const char* value) {
+      return Parameters{"actionDesc", value, "Result", "Exresult", "SupressError_", optional("exComment")};
+    };
+    return ClassBuilder<clsAdjust>()
+        .method("percentMarkUP", &clsAdjust::percentMarkUP, parameters("dblPercent"))
+        .method("percentDiscount", &clsAdjust::percentDiscount, parameters("dblPercent"))
+        .method("amountMarkUp", &clsAdjust::amountMarkUp, parameters("dblAmount"))
+        .method("amountDiscount", &clsAdjust::amountDiscount, parameters("dblAmount"))
+        .build();
+  }();
+  return info;
+}
+
+}  // namespace mirvane

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "automation/object.h"
+
+namespace mirvane {
+
+/// Discounts and mark-ups on the open receipt: on its last item line or on its subtotal, as the `adjustment` call that
+/// gave this object said. It holds no state of its own. Values may have either sign; the member decides the direction.
+class clsAdjust : public ObjectOf<clsAdjust> {
+ public:
+  static constexpr std::string_view kName = "clsAdjust";
+  static const ClassInfo& describe();
+
+  /// On the last item line, `dblPercent` holds the amount in euro afterwards.
+  Value percentMarkUP(Text& actionDesc, double& dblPercent, std::int16_t& Result, Text& Exresult, bool& SupressError_,
+                      Text& exComment);
+  Value percentDiscount(Text& actionDesc, double& dblPercent, std::int16_t& Result, Text& Exresult, bool& SupressError_,
+                        Text& exComment);
+  Value amountMarkUp(Text& actionDesc, double& dblAmount, std::int16_t& Result, Text& Exresult, bool& SupressError_,
+                     Text& exComment);
+  Value amountDiscount(Text& actionDesc, double& dblAmount, std::int16_t& Result, Text& Exresult, bool& SupressError_,
+                       Text& exComment);
+};
+
+}  // namespace mirvane
