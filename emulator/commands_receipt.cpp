@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "emulator/command.h"
 #include "emulator/receipt_printer.h"
 
@@ -28,9 +26,8 @@ Code readItem(const FiscalState& fiscal, const Fields& fields, Item& item) {
   if (item.quantity <= 0) return Code::kQuantity;
   if (item.price < 0) return Code::kPrice;
   if (item.department < 1 || item.department > std::ssize(fiscal.departments)) return Code::kDepartment;
-  const auto rate = std::find(fiscal.vatRates.begin(), fiscal.vatRates.end(), fields.number(8));
-  if (rate == fiscal.vatRates.end()) return Code::kVatRate;
-  item.vat = static_cast<std::size_t>(rate - fiscal.vatRates.begin());
+  while (item.vat < kVatCategories && fiscal.vatRates[item.vat] != fields.number(8)) ++item.vat;
+  if (item.vat == kVatCategories) return Code::kVatRate;
   if (item.category < 1 || item.category > std::ssize(fiscal.categories)) return Code::kCategory;
   return Code::kOk;
 }

@@ -141,31 +141,31 @@ Fault takeFault(Words& words) {
 
 }  // namespace
 
-void Faults::add(std::string_view text) {
-  Words words(text);
-  Rule rule;
+void Faults::add(std::string_view rule) {
+  Words words(rule);
+  Rule parsed;
   const bool isDelayed = words.takeIf("after");
-  if (isDelayed) rule.skip = takeNumber(words, "after");
+  if (isDelayed) parsed.skip = takeNumber(words, "after");
   if (words.takeIf("on")) {
-    rule.prefix = words.take();
-    if (rule.prefix.empty()) fail("the beginning of a command must follow \"on\"", "");
+    parsed.prefix = words.take();
+    if (parsed.prefix.empty()) fail("the beginning of a command must follow", "on");
   } else if (!words.takeIf("next") && !isDelayed) {
-    fail("a rule begins with \"next\", \"on\" or \"after\", not with", words.peek());
+    fail(R"(a rule begins with "next", "on" or "after", not with)", words.peek());
   }
   const std::string_view span = words.peek();
   if (span == "always") {
-    rule.times = kAlways;
+    parsed.times = kAlways;
     words.take();
   } else if (!span.empty() && span[0] >= '0' && span[0] <= '9') {
     const bool isTime = span.ends_with('s');
     const auto number = parse(span.substr(0, span.size() - (isTime ? 1 : 0)));
-    if (!number || *number == 0) fail("\"always\", a number of commands or of seconds (\"5s\") is expected, not", span);
-    rule.times = isTime ? kAlways : *number;
-    if (isTime) rule.seconds = *number;
+    if (!number || *number == 0) fail("a number of commands or of seconds (5s) is expected, not", span);
+    parsed.times = isTime ? kAlways : *number;
+    if (isTime) parsed.seconds = *number;
     words.take();
   }
-  rule.fault = takeFault(words);
-  rules_.push_back(std::move(rule));
+  parsed.fault = takeFault(words);
+  rules_.push_back(std::move(parsed));
 }
 
 void Faults::addScript(std::string_view script) {
@@ -197,7 +197,7 @@ Fault Faults::take(std::string_view command, bool isRepeat, double now) {
     if (applies(rule, now) && !taken) taken = &rule;
   }
   if (!taken) return {};
-  const Fault fault = taken->fault;
+  Fault fault = taken->fault;
   if (taken->times != kAlways) --taken->times;
   std::erase_if(rules_, [](const Rule& rule) { return rule.times == 0; });
   return fault;

@@ -12,7 +12,7 @@ using Kind = Fault::Kind;
 
 /// The two digits that close the frame of `command`.
 std::string checksum(std::string_view command) {
-  const unsigned sum = std::accumulate(command.begin(), command.end(), 0u, [](unsigned total, char c) {
+  const unsigned sum = std::accumulate(command.begin(), command.end(), 0U, [](unsigned total, char c) {
     return (total + static_cast<unsigned char>(c)) % 256;
   });
   return {static_cast<char>('0' + sum % 100 / 10), static_cast<char>('0' + sum % 10)};

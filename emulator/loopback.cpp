@@ -42,7 +42,7 @@ std::size_t LoopbackPort::write(std::int32_t handle, std::string_view bytes) {
 std::string LoopbackPort::read(std::int32_t handle, std::size_t most) {
   const std::size_t multiplied = std::min(most, std::size_t{1000}) * timeouts_.readMultiplier;
   if (waiting(handle) == 0) clock_.sleep(timeouts_.readConstant + static_cast<std::uint32_t>(multiplied));
-  const std::string bytes = input_.substr(0, std::min(waiting(handle), most));
+  std::string bytes = input_.substr(0, std::min(waiting(handle), most));
   input_.erase(0, bytes.size());
   return bytes;
 }

@@ -90,7 +90,8 @@ sigset_t catchSignals() {
   ::sigaction(SIGTERM, &action, nullptr);
   ::sigaction(SIGINT, &action, nullptr);
   std::signal(SIGPIPE, SIG_IGN);
-  sigset_t blocked, before;
+  sigset_t blocked;
+  sigset_t before;
   sigemptyset(&blocked);
   sigaddset(&blocked, SIGTERM);
   sigaddset(&blocked, SIGINT);

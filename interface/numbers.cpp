@@ -62,7 +62,9 @@ std::string fixedText(double value, int decimals, Ties ties) {
   const bool zero = digits.find_first_not_of('0') == std::string::npos;
   const auto first = std::min(digits.find_first_not_of('0'), static_cast<std::size_t>(whole - 1));
   digits.insert(static_cast<std::size_t>(whole), 1, '.');
-  return (decimal.negative && !zero ? "-" : "") + digits.substr(first);
+  std::string text(decimal.negative && !zero ? 1 : 0, '-');
+  text.append(digits, first);
+  return text;
 }
 
 Text widened(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
