@@ -7,7 +7,8 @@
 namespace mirvane {
 namespace {
 
-// The nearest value that the variable's type holds, so that a result which does not fit still tells its direction.
+// The nearest value that the variable's type holds. A negative result in an unsigned variable becomes the largest
+// value, so that a failure never reads as 0.
 template <class T>
 T nearest(const Value& result) {
   try {
@@ -17,7 +18,7 @@ T nearest(const Value& result) {
       if (error.code() == AutomationCode::overflow) {
         const double number = convertTo<double>(result);
         if (std::isnan(number)) return 0;
-        return number < 0 ? std::numeric_limits<T>::min() : std::numeric_limits<T>::max();
+        return number < 0 && std::is_signed_v<T> ? std::numeric_limits<T>::min() : std::numeric_limits<T>::max();
       }
     }
     throw;
@@ -44,15 +45,16 @@ bool Argument::canTake(const Value& example) const {
   return !std::holds_alternative<Text>(example) || std::holds_alternative<Text*>(*reference);
 }
 
-void Argument::store(Value result) const {
+bool Argument::store(const Value& result) const {
   const auto* reference = std::get_if<Reference>(&held_);
-  if (reference == nullptr) return;
-  std::visit(
+  if (reference == nullptr) return true;
+  return std::visit(
       [&result]<class T>(T* variable) {
-        if constexpr (std::is_same_v<T, Value>) {
-          *variable = std::move(result);
-        } else {
+        try {
           *variable = nearest<T>(result);
+          return true;
+        } catch (const AutomationError&) {
+          return false;
         }
       },
       *reference);

@@ -34,9 +34,13 @@ class Argument {
   /// number for a text; a plain value takes anything, since its output is dropped.
   bool canTake(const Value& example) const;
 
+  /// Whether this is a variable of any type, which takes the type of what is stored.
+  bool isVariant() const { return variable<Value>() != nullptr; }
+
   /// Writes a result to the variable, in the variable's own type; a number beyond that type becomes the nearest that it
-  /// holds. Does nothing for a plain value.
-  void store(Value result) const;
+  /// holds, and a negative one the largest of an unsigned type. Does nothing for a plain value. False when the variable
+  /// cannot take it, and keeps what it has.
+  bool store(const Value& result) const;
 
  private:
   std::variant<std::monostate, Value, Reference> held_;

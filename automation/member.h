@@ -131,7 +131,7 @@ class Slot {
  public:
   Slot(const Argument& argument, const Parameter& parameter) : value_(convertTo<T>(valueFor(argument, parameter))) {}
   T& get() { return value_; }
-  void finish() {}
+  bool finish() const { return true; }
 
  private:
   T value_;
@@ -142,7 +142,7 @@ class Slot<std::shared_ptr<T>> {
  public:
   Slot(const Argument& argument, const Parameter& parameter) : value_(asClass<T>(valueFor(argument, parameter))) {}
   std::shared_ptr<T>& get() { return value_; }
-  void finish() {}
+  bool finish() const { return true; }
 
  private:
   std::shared_ptr<T> value_;
@@ -159,8 +159,10 @@ class Slot<T&> {
     if (!argument.canTake(Value(copy_))) throw AutomationError(AutomationCode::typeMismatch);
   }
   T& get() { return variable_ != nullptr ? *variable_ : copy_; }
-  void finish() {
-    if (variable_ == nullptr) argument_.store(Value(std::move(copy_)));
+  // False when the variable cannot take the result. What the member did not change is left as the caller has it.
+  bool finish() const {
+    if (variable_ != nullptr) return true;
+    return (!argument_.isVariant() && convertTo<T>(argument_.value()) == copy_) || argument_.store(Value(copy_));
   }
 
  private:
@@ -177,7 +179,7 @@ class Slot<T&> {
     if (record_ == nullptr) throw AutomationError(AutomationCode::typeMismatch);
   }
   T& get() { return *record_; }
-  void finish() {}
+  bool finish() const { return true; }
 
  private:
   std::shared_ptr<T> record_;
@@ -211,7 +213,7 @@ Value invokeWith(const auto& implementation, C& self, Arguments arguments, const
   checkCount(arguments, parameters);
   // Braces: converted in order, so that the first offending argument is the one reported.
   std::tuple<Slot<A>...> slots{makeSlot<A>(arguments, parameters, I)...};
-  const auto finish = [&slots] { (std::get<I>(slots).finish(), ...); };
+  const auto finish = [&slots] { return (static_cast<int>(std::get<I>(slots).finish()) & ... & 1) != 0; };
   Value result;
   try {
     if constexpr (std::is_void_v<R>) {
@@ -223,7 +225,7 @@ Value invokeWith(const auto& implementation, C& self, Arguments arguments, const
     finish();  // what was written before the failure belongs to the caller
     throw;
   }
-  finish();
+  if (!finish()) throw AutomationError(AutomationCode::typeMismatch);
   return result;
 }
 

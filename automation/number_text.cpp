@@ -23,7 +23,7 @@ TextView trimmed(TextView text) {
 std::string narrowed(TextView text) {
   std::string narrow;
   narrow.reserve(text.size());
-  for (const char16_t c : text) narrow.push_back(c > 0 && c < 0x80 ? static_cast<char>(c) : '?');
+  for (const char16_t c : text) narrow.push_back(c == u'E' ? 'e' : c > 0 && c < 0x80 ? static_cast<char>(c) : '?');
   return narrow;
 }
 
@@ -40,7 +40,7 @@ std::size_t numberLength(std::string_view s) {
     }
   }
   if (digits == 0) return 0;
-  if (i < s.size() && (s[i] == 'e' || s[i] == 'E')) {
+  if (i < s.size() && s[i] == 'e') {
     std::size_t k = i + 1;
     if (k < s.size() && (s[k] == '+' || s[k] == '-')) ++k;
     if (k < s.size() && isDigit(s[k])) {
@@ -55,9 +55,10 @@ std::optional<double> valueOf(std::string_view s) {
   if (s.starts_with('+')) s.remove_prefix(1);
   double value = 0;
   const auto [end, error] = std::from_chars(s.data(), s.data() + s.size(), value);
-  // A number too small for a double is 0 for every purpose here; from_chars calls both ends of the range the same.
-  if (error == std::errc::result_out_of_range && std::abs(value) < 1) return 0.0;
-  if (error != std::errc{}) return std::nullopt;
+  // from_chars calls both ends of the range the same. A number too small for a double is 0 for every purpose here; one
+  // too large is no number.
+  if (error == std::errc::result_out_of_range && s.find("e-") != std::string_view::npos) return 0.0;
+  if (error != std::errc{} || !std::isfinite(value)) return std::nullopt;
   return value;
 }
 

@@ -15,7 +15,8 @@ std::optional<double> parseNumber(TextView text);
 /// The number at the start of `text`, with a point as separator; 0 when there is none.
 double leadingNumber(TextView text);
 
-/// Plain decimal text, at most 15 significant digits, a point as separator.
+/// The shortest text of at most 15 significant digits, a point as separator; with an exponent from 1e15 on and below
+/// 0.0001.
 Text numberText(double value);
 Text numberText(std::int32_t value);
 

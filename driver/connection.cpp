@@ -2,6 +2,7 @@
 
 #include "automation/number_text.h"
 #include "driver/fiscal_varlen_module2.h"
+#include "driver/result_codes.h"
 #include "interface/c_port_prop.h"
 #include "interface/module_state.h"
 #include "interface/text.h"
@@ -10,9 +11,6 @@
 
 namespace mirvane {
 namespace {
-
-constexpr std::int16_t kCannotOpen = -1;
-constexpr std::int16_t kCannotConfigure = -2;
 
 constexpr char kLineSettings[] = "115200,n,8,1";
 constexpr platform::LineTimeouts kLineTimeouts{20, 1, 1, 1, 10};
@@ -36,13 +34,17 @@ std::optional<NetworkName> parseNetworkName(TextView name) {
   if (parts.size() < 2 || parts.size() > 3) return {};
   const std::vector<Text> octets = split(parts[0], u'.');
   if (octets.size() != 4) return {};
+  // Written anew: the system takes a number with a leading zero for an octal one.
+  Text host;
   for (const Text& octet : octets) {
-    if (!numberUpTo(octet, 255)) return {};
+    const auto value = numberUpTo(octet, 255);
+    if (!value) return {};
+    host += (host.empty() ? u"" : u".") + numberText(*value);
   }
   const auto port = numberUpTo(parts[1], 65535);
   const auto localPort = parts.size() == 3 ? numberUpTo(parts[2], 65535) : 0;
   if (!port || !localPort) return {};
-  return NetworkName{parts[0], *port, *localPort};
+  return NetworkName{host, *port, *localPort};
 }
 
 bool openNetwork(const NetworkName& name) {
@@ -50,9 +52,13 @@ bool openNetwork(const NetworkName& name) {
   endpoint->RemoteHostIP(name.host);
   endpoint->RemotePort(name.port);
   const bool opened = endpoint->OpenConnection(name.localPort) == 0;
-  // Marked as the open port even when connecting failed, so that closing finds what was left half open.
-  portProp().tcpPort = true;
-  moduleState().portHandle = endpoint->SocketHnd();
+  if (endpoint->SocketHnd() > 0) {
+    // Marked as the open port even when connecting failed, so that closing finds what was left half open.
+    portProp().tcpPort = true;
+    moduleState().portHandle = endpoint->SocketHnd();
+  } else {
+    portProp().setTCPClass(nullptr);
+  }
   return opened;
 }
 
@@ -61,7 +67,9 @@ bool openSerial(const Text& name) {
   platform::SerialPort& serial = moduleState().platform->serial;
   std::int32_t& handle = moduleState().portHandle;
   handle = serial.open(name);
-  const bool isComNumber = left(name, 3) == u"COM" && numberUpTo(TextView(name).substr(3), 65535).has_value();
+  const Text prefix = left(name, 3);
+  const bool isComNumber =
+      (prefix == u"COM" || prefix == u"com") && numberUpTo(TextView(name).substr(3), 65535).has_value();
   if (handle <= 0 && isComNumber) handle = serial.open(u"\\\\.\\" + name);
   return handle > 0;
 }
@@ -72,9 +80,6 @@ bool configureSerial() {
   return serial.configure(moduleState().portHandle, kLineSettings);
 }
 
-// A missing field of the version reply is empty.
-Text field(const std::vector<Text>& fields, std::size_t i) { return i < fields.size() ? fields[i] : Text(); }
-
 }  // namespace
 
 void FiscalVarlenModule2::Connect_(Text PORT, std::int16_t& Result, Text& Exresult, bool& SupressError_) {
@@ -82,7 +87,6 @@ void FiscalVarlenModule2::Connect_(Text PORT, std::int16_t& Result, Text& Exresu
   Exresult.clear();
   ModuleState& state = moduleState();
   if (state.portHandle > 0) return;
-  portName_ = PORT;
   const auto network = parseNetworkName(PORT);
   const bool opened = network ? openNetwork(*network) : openSerial(PORT);
   if (!opened) {
@@ -113,7 +117,7 @@ void FiscalVarlenModule2::GetVersionInfo(std::int16_t& Result, Text& Exresult, b
   Send_(command, Result, Exresult, SupressError_, Pass, timeOut);
   if (Result != 0) return;
   const std::vector<Text> fields = split(lastReply_, u'/');
-  Exresult = field(fields, 3) + u"\r\n" + field(fields, 4) + u"[" + field(fields, 5) + u"]\r\n" +
+  Exresult = pieceAt(fields, 3) + u"\r\n" + pieceAt(fields, 4) + u"[" + pieceAt(fields, 5) + u"]\r\n" +
              fromUtf8(MIRVANE_VERSION "\r\n" MIRVANE_PRODUCT);
 }
 

@@ -5,18 +5,16 @@
 #include "driver/device_errors.h"
 #include "driver/fiscal_varlen_module2.h"
 #include "driver/hex.h"
+#include "driver/result_codes.h"
 #include "interface/dec2bin.h"
 #include "interface/module_state.h"
 
 namespace mirvane {
 namespace {
 
-constexpr std::uint32_t kExclamation = 48;
-
 constexpr std::int16_t kBusy = 14;
 constexpr std::int16_t kBusyWithTaxAuthority = 146;
 constexpr std::int16_t kCardPaymentInProgress = 158;
-constexpr std::int16_t kNotNow = -207;
 
 // Codes that the printer status byte stands for.
 constexpr int kDeviceStatus = 254;
@@ -39,21 +37,23 @@ class StatusBits {
   Text digits_;
 };
 
-TextView characters(const Text& reply, std::size_t first, std::size_t count) {
-  return first < reply.size() ? TextView(reply).substr(first, count) : TextView();
+// A status byte's two digits, at `first`; none in a reply that is too short to hold both status bytes.
+TextView statusDigits(const Text& reply, std::size_t first) {
+  constexpr std::size_t kResultAndStatusLength = 8;
+  return reply.size() < kResultAndStatusLength ? TextView() : TextView(reply).substr(first, 2);
 }
 
 }  // namespace
 
 void FiscalVarlenModule2::decodeReply(Text& Exresult) {
-  int code = hexValue(characters(Exresult, 0, 2));
+  int code = hexValue(TextView(Exresult).substr(0, 2));
 
-  const StatusBits fiscal(characters(Exresult, 6, 2));
+  const StatusBits fiscal(statusDigits(Exresult, 6));
   flags_.dayOpen = fiscal.isSet(7);
   flags_.transactionOpen = fiscal.isSet(6);
   flags_.inPayment = fiscal.isSet(5);
 
-  const StatusBits printer(characters(Exresult, 3, 2));
+  const StatusBits printer(statusDigits(Exresult, 3));
   flags_.flashNearFull = printer.isSet(3);
   const auto condition = [&](std::size_t position, int meaning, TextView text) {
     if (!printer.isSet(position)) return;
@@ -69,13 +69,12 @@ void FiscalVarlenModule2::decodeReply(Text& Exresult) {
   if (const TextView text = deviceErrorText(code); !text.empty()) Exresult = text;
   if (code == kDeviceStatus) Exresult.insert(0, u"DEVICE STATUS:");
   if (code == kDeviceError) Exresult.insert(0, u"DEVICE ERROR:");
-  noAnswer_ = code != 0;
 }
 
 void FiscalVarlenModule2::report(std::int16_t Result, const Text& Exresult, bool SupressError_) {
   if (SupressError_) return;
   const Text prompt = u"Λάθος Φορολ. εκτυπωτή (" + numberText(std::int32_t{Result}) + u")\r\n" + Exresult;
-  moduleState().platform->screen.messageBox(prompt, kExclamation, kDeviceFamilyName);
+  moduleState().platform->screen.messageBox(prompt, platform::kExclamation, kDeviceFamilyName);
 }
 
 void FiscalVarlenModule2::SendCommand_(Text& CmdString, std::int16_t& Result, Text& Exresult, bool& SupressError_,

@@ -26,14 +26,17 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
   /// Drops unread input.
   void clearBuffer();
 
+  /// The last complete reply, without control bytes.
+  Text lastReply() { return lastReply_; }
+
   /// Outcome of the last wait for the device.
   std::int16_t lastResult{};
   Text lastexResult;
 
   /// Frames and sends one command and takes its reply: Result is the device's code, or less than 0 for a failed link,
   /// and Exresult the reply or its meaning. `timeOut` is how many seconds the device may take before a serial exchange
-  /// is repeated. Returns the reply, empty when there was none. Shows nothing but, when SupressError_ is False, the box
-  /// about characters that the device does not know.
+  /// is repeated. Returns the reply, empty when there was none. Shows no box of its own but, when SupressError_ is
+  /// False, the one about characters that the device does not know; the network endpoint shows its boxes to everybody.
   Text Send_(Text& command, std::int16_t& Result, Text& Exresult, bool& SupressError_, Text& Pass,
              std::int16_t& timeOut);
 
@@ -108,15 +111,11 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
 
   clsStatus& refreshedStatus();
 
-  /// The last complete reply, without control bytes.
   Text lastReply_;
-  /// Whether the last exchange ended without a contented answer.
-  bool noAnswer_ = false;
   /// State as of the last reply's status bytes.
   struct {
     bool dayOpen, transactionOpen, inPayment, flashNearFull;
   } flags_{};
-  Text portName_;
   std::shared_ptr<clsStatus> status_;
 };
 

@@ -3,6 +3,7 @@
 
 #include "driver/fiscal_varlen_module2.h"
 #include "driver/hex.h"
+#include "driver/result_codes.h"
 #include "driver/wire.h"
 #include "interface/c_port_prop.h"
 #include "interface/module_state.h"
@@ -12,18 +13,12 @@
 namespace mirvane {
 namespace {
 
-constexpr std::int16_t kNoAnswer = -3;
-constexpr std::int16_t kNoAnswerToCommand = -4;
-constexpr std::int16_t kNotOpen = -6;
-constexpr std::int16_t kNotNow = -207;
-
-constexpr std::uint32_t kInformationSystemModal = 4160;
-
 // The serial line's staging buffer has 256 bytes; a text that would fill it goes out in pieces.
 constexpr std::size_t kLongestWrite = 255;
 constexpr std::size_t kLongestRead = 64;
-// A line that talks without end must not eat the till's memory.
+// A line that talks without end must eat neither the till's memory nor its time.
 constexpr std::size_t kReplyLimit = std::size_t{1} << 20U;
+constexpr double kLongestDrain = 1;  // seconds
 
 constexpr double kRepeatAfter = 10;         // seconds until an unanswered serial command is repeated
 constexpr double kNetworkAnswerWithin = 1;  // seconds for the first datagram
@@ -86,14 +81,13 @@ bool FiscalVarlenModule2::availData() {
 }
 
 void FiscalVarlenModule2::clearBuffer() {
-  if (portProp().tcpPort) {
-    while (availData()) readBytes();
-    return;
-  }
-  // No read when nothing is there: it would cost its time-out.
-  for (std::size_t dropped = 0; dropped < kReplyLimit && serial().waiting(moduleState().portHandle) > 0;) {
-    dropped += std::max<std::size_t>(readBytes().size(), 1);
-  }
+  // No read of a serial line when nothing is there: it would cost its time-out.
+  const auto unread = [this] {
+    return portProp().tcpPort ? availData() : serial().waiting(moduleState().portHandle) > 0;
+  };
+  const Stopwatch time;
+  const double deadline = time.now() + kLongestDrain;
+  while (unread() && time.now() < deadline) readBytes();
 }
 
 bool FiscalVarlenModule2::writeBytes(const std::string& bytes) {
@@ -119,16 +113,18 @@ std::string FiscalVarlenModule2::readBytes() {
 
 Text FiscalVarlenModule2::Send_(Text& command, std::int16_t& Result, Text& Exresult, bool& SupressError_,
                                 Text& /*Pass*/, std::int16_t& timeOut) {
-  if (moduleState().portHandle <= 0) {
+  bool replaced = false;
+  const std::string frame = frameOf(commandBytes(trim(command), replaced));
+  const auto isOpen = [] { return moduleState().portHandle > 0; };
+  if (isOpen() && replaced && !SupressError_) {
+    moduleState().platform->screen.messageBox(u"INVALID CHARACTERS", platform::kInformationSystemModal,
+                                              langMessage(message::kBoxTitle));
+  }
+  // Looked at behind the box: the program may have run on while it was open.
+  if (!isOpen()) {
     Result = kNotOpen;
     Exresult = langMessage(message::kPortNotOpen);
     return {};
-  }
-  bool replaced = false;
-  const std::string frame = frameOf(commandBytes(trim(command), replaced));
-  if (replaced && !SupressError_) {
-    moduleState().platform->screen.messageBox(u"INVALID CHARACTERS", kInformationSystemModal,
-                                              langMessage(message::kBoxTitle));
   }
   clearBuffer();
   std::string reply;
@@ -171,7 +167,6 @@ std::string FiscalVarlenModule2::exchangeSerial(const std::string& frame, std::i
     }
     Result = kNoAnswerToCommand;
     Exresult = u"Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !";
-    noAnswer_ = true;
   }
 }
 
@@ -188,7 +183,6 @@ bool FiscalVarlenModule2::exchangeNetwork(const std::string& frame, std::int16_t
     if (first.empty()) {
       Result = kNoAnswer;
       Exresult = u"H ταμειακή δεν Απαντά!";
-      noAnswer_ = true;
       continue;
     }
     if (first.starts_with(wire::kNak)) {
@@ -211,7 +205,9 @@ std::string FiscalVarlenModule2::collectDatagrams() {
   const double acknowledged = time.now();
   std::string reply;
   for (;;) {
-    while (!reply.ends_with(wire::kEtx) && waitForDatagram(kNextDatagramWithin)) append(reply, readBytes());
+    while (!reply.ends_with(wire::kEtx) && reply.size() < kReplyLimit && waitForDatagram(kNextDatagramWithin)) {
+      append(reply, readBytes());
+    }
     if (!reply.empty() && reply != std::string{wire::kNak}) return reply;
     reply.clear();
     clock().sleep(500);

@@ -16,6 +16,7 @@ const ClassInfo& FiscalVarlenModule2::describe() {
         .method("clearBuffer", &Driver::clearBuffer)
         .property("lastResult", &Driver::lastResult)
         .property("lastexResult", &Driver::lastexResult)
+        .readOnly("lastReply", &Driver::lastReply)
         .method("Send_", &Driver::Send_, withResult({"CmdString"}, {"Pass", optional("timeOut")}))
         .method("SendCommand_", &Driver::SendCommand_, withResult({"CmdString"}, {"Pass", optional("timeOut")}))
         .implement(contract::GetVersionInfo, &Driver::GetVersionInfo)

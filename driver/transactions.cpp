@@ -30,9 +30,7 @@ class CardPaymentMark {
 
 // A reply that does not tell what remains says nothing, least of all that nothing remains.
 bool isPaid(const Text& reply) {
-  const std::vector<Text> fields = split(reply, u'/');
-  if (fields.size() <= 3) return false;
-  const auto remaining = parseNumber(fields[3]);
+  const auto remaining = parseNumber(pieceAt(split(reply, u'/'), 3));
   return remaining && *remaining <= 0;
 }
 

@@ -15,7 +15,7 @@
 //   Result         0 success; greater than 0 a code of the device (100: no driver is selected); less than 0 the port or
 //                  the link failed (-1, -2 port; -3, -4 no answer; -6 not open; -207 not now)
 //   Exresult       the text for the operator; on success what the operation put there
-//   SupressError_  True: no message box is shown, whatever happens
+//   SupressError_  True: no message box is shown; only the network endpoint's own boxes know no suppression
 // Pass, where there is one, is the command's password. Amounts are in euro, rates in percent.
 namespace mirvane::contract {
 

@@ -10,7 +10,6 @@ namespace mirvane {
 namespace {
 
 constexpr std::int16_t kNoDriver = 100;
-constexpr std::uint32_t kInformationSystemModal = 4160;
 
 // Where Result stands among the arguments: the one place with an integer, a text and a flag in a row.
 template <class... A>
@@ -47,7 +46,8 @@ void fiscalNullModule::refuse(std::int16_t& Result, Text& Exresult, bool Supress
   Result = kNoDriver;
   Exresult = u"Λάθος τύπος Φορολ. Εκτυπωτή";
   if (SupressError_) return;
-  moduleState().platform->screen.messageBox(Exresult, kInformationSystemModal, langMessage(message::kBoxTitle));
+  moduleState().platform->screen.messageBox(Exresult, platform::kInformationSystemModal,
+                                            langMessage(message::kBoxTitle));
 }
 
 Value fiscalNullModule::DisConnect_(Text& /*PORT*/, std::int16_t& Result, Text& /*Exresult*/, bool& /*SupressError_*/) {

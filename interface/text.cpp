@@ -53,6 +53,8 @@ std::vector<Text> split(TextView text, char16_t separator) {
   }
 }
 
+Text pieceAt(const std::vector<Text>& pieces, std::size_t i) { return i < pieces.size() ? pieces[i] : Text(); }
+
 std::vector<Text>& replyFields() {
   static std::vector<Text> fields;
   return fields;

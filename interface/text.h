@@ -22,6 +22,9 @@ TextView trim(TextView text);
 /// The pieces between the separators; one more than there are separators.
 std::vector<Text> split(TextView text, char16_t separator);
 
+/// One of the pieces, empty when there are not so many.
+Text pieceAt(const std::vector<Text>& pieces, std::size_t i);
+
 /// The fields of the last reply that was long enough, shared by everything that reads from the device.
 std::vector<Text>& replyFields();
 

@@ -9,7 +9,9 @@
 namespace mirvane {
 namespace {
 
-double cents(double amount) { return std::round(*parseNumber(formatAmount(std::abs(amount))) * 100); }
+double rounded(double amount) { return *parseNumber(formatAmount(std::abs(amount))); }
+
+double cents(double amount) { return std::round(amount * 100); }
 
 struct Share {
   std::int16_t category;
@@ -20,19 +22,18 @@ struct Share {
 
 std::int16_t apportionByVat(const VatAmounts& totals, VatAmounts& shares, double& total, double factor) {
   std::array<Share, 5> sorted{};
-  double remainder = cents(total * factor);
   for (std::size_t i = 0; i < sorted.size(); ++i) {
-    sorted[i] = {static_cast<std::int16_t>(i), cents(totals[i] * factor)};
-    remainder -= sorted[i].cents;
+    shares[i] = rounded(totals[i] * factor);
+    sorted[i] = {static_cast<std::int16_t>(i), cents(shares[i])};
   }
-  total = cents(total * factor) / 100;
+  total = rounded(total * factor);
+  double remainder = cents(total) - cents(sumRounded(shares));
   std::stable_sort(sorted.begin(), sorted.end(), [](const Share& a, const Share& b) { return a.cents < b.cents; });
   for (auto share = sorted.rbegin(); share != sorted.rend() && remainder != 0; ++share) {
     const double applied = std::max(remainder, -share->cents);
-    share->cents += applied;
     remainder -= applied;
+    shares[static_cast<std::size_t>(share->category)] = (share->cents + applied) / 100;
   }
-  for (const Share& share : sorted) shares[static_cast<std::size_t>(share.category)] = share.cents / 100;
   return sorted.back().category;
 }
 

@@ -91,13 +91,17 @@ struct DeviceOutcome {
   Text message;
 };
 
+// Styles of a message box, in the system's numbers.
+constexpr std::uint32_t kCritical = 16;
+constexpr std::uint32_t kExclamation = 48;
+constexpr std::uint32_t kInformationSystemModal = 4160;
+
 /// Whoever stands in front of the till.
 class Screen {
  public:
   virtual ~Screen() = default;
 
-  /// Shows a box and waits until it is closed. `style` is the system's: 16 critical, 48 exclamation, 64 information,
-  /// 4096 system modal.
+  /// Shows a box and waits until it is closed.
   virtual void messageBox(TextView prompt, std::uint32_t style, TextView title) = 0;
   /// Lets the operator wait for the device to end the state that `code` and `message` tell of. Code 0 means that it
   /// is ready again.

@@ -34,14 +34,16 @@ Text command(TextView kind, std::int32_t place, const Text& description, const T
   return text;
 }
 
-// The receipt's totals are asked for first; `factorOf` makes the factor out of the receipt total.
+// The receipt's totals are asked for first; `factorOf` makes the factor out of the receipt total. The totals come from
+// the reply itself, since a status condition puts its message into Exresult; a reply without them raises badIndex.
 template <class FactorOf>
 void adjustSubtotal(TextView kind, const Text& description, const Text& comment, FactorOf factorOf,
                     const Outcome& outcome) {
   send(u"9/", outcome);
   if (outcome.Result != 0) return;
-  const std::vector<Text> pieces = split(outcome.Exresult, u'/');
-  const auto piece = [&pieces](std::size_t i) { return i < pieces.size() ? leadingNumber(pieces[i]) : 0; };
+  const std::vector<Text> pieces = split(convertTo<Text>(currentDriver()->call("lastReply")), u'/');
+  if (pieces.size() < 10) throw AutomationError(AutomationCode::badIndex);
+  const auto piece = [&pieces](std::size_t i) { return leadingNumber(pieces[i]); };
   const VatAmounts totals{piece(3), piece(4), piece(5), piece(6), piece(7)};
   double total = piece(9);
   VatAmounts shares{};

@@ -7,12 +7,13 @@ namespace mirvane {
 namespace {
 
 constexpr std::size_t kMostBytes = 10000;
-constexpr std::uint32_t kCritical = 16;
 
 platform::DatagramSockets& sockets() { return moduleState().platform->sockets; }
 
 // Shown even to callers that suppress errors: this class has no switch for it.
-void report(TextView prompt) { moduleState().platform->screen.messageBox(prompt, kCritical, kDeviceFamilyName); }
+void report(TextView prompt) {
+  moduleState().platform->screen.messageBox(prompt, platform::kCritical, kDeviceFamilyName);
+}
 
 }  // namespace
 
@@ -55,6 +56,8 @@ bool cTCPIP::ReceiveData(Value& strData, Value& lngBytesReceived) {
 }
 
 void cTCPIP::ShutdownConnection() {
+  // Without a start of ours there is nothing to end: the program may use the socket library itself.
+  if (socket_ == 0) return;
   sockets().shutDown(socket_);
   socket_ = 0;
 }
