@@ -15,6 +15,7 @@ constexpr std::int32_t kVatUnchanged = 93;
 }  // namespace message
 
 constexpr std::uint8_t kGreek = 0;
+constexpr std::uint8_t kEnglish = 1;
 
 /// The text of a message in a language, from "Lang.dat" in the component's folder; read anew on every call, so that a
 /// technician may replace the file. A message that the file leaves blank gives "Message #" and the numbers; a file that

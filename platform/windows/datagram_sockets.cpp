@@ -71,7 +71,9 @@ bool WindowsDatagramSockets::waitReadable(std::int32_t handle, std::int16_t seco
   timeval limit{seconds, 0};
   if (select(0, &readable, &none, &none, &limit) <= 0) return false;
   char first = 0;
-  return recv(toSocket(handle), &first, 1, MSG_PEEK) != SOCKET_ERROR || !toldOfEarlierDatagram();
+  // What select saw may be an error left by an earlier datagram; the look takes it away. A longer datagram than was
+  // looked for is there.
+  return recv(toSocket(handle), &first, 1, MSG_PEEK) != SOCKET_ERROR || WSAGetLastError() == WSAEMSGSIZE;
 }
 
 void WindowsDatagramSockets::shutDown(std::int32_t handle) {

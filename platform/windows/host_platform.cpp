@@ -38,7 +38,9 @@ class WindowsClock : public Clock {
 class WindowsScreen : public Screen {
  public:
   void messageBox(TextView prompt, std::uint32_t style, TextView title) override {
-    MessageBoxW(nullptr, toWide(prompt).c_str(), toWide(title).c_str(), style);
+    // Owned by the program's active window, which cannot be used while the box is open: a second call inside the first
+    // would talk between its lines.
+    MessageBoxW(GetActiveWindow(), toWide(prompt).c_str(), toWide(title).c_str(), style);
   }
 
   DeviceOutcome waitForDevice(std::int16_t code, TextView message) override { return {code, Text(message)}; }

@@ -1,0 +1,267 @@
+#include "com/dispatch.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <string>
+#include <vector>
+
+#include "com/type_library.h"
+#include "com/variants.h"
+#include "component/component.h"
+
+namespace mirvane::com {
+namespace {
+
+// Answered by the objects of this component alone.
+constexpr GUID kOwnObject = {0x5E1C1A0B, 0x7D92, 0x4E0B, {0xA3, 0x6C, 0x19, 0xF8, 0x42, 0xD0, 0x67, 0xB5}};
+
+struct OwnObject : IUnknown {
+  virtual const ObjectPtr& object() const = 0;
+};
+
+// Programs run with floating point set up their own way: with a lower precision, or with exceptions that would end
+// them where a comparison is merely false. Members compute in the usual environment.
+class FloatingPoint {
+ public:
+  FloatingPoint() : callers_(_control87(0, 0)) { _control87(_CW_DEFAULT, kFields); }
+  FloatingPoint(const FloatingPoint&) = delete;
+  FloatingPoint& operator=(const FloatingPoint&) = delete;
+  ~FloatingPoint() {
+    _clearfp();  // or what happened here would be raised there
+    _control87(callers_, kFields);
+  }
+
+ private:
+  // 64-bit programs have no choice of precision.
+  static constexpr unsigned kFields = _MCW_EM | _MCW_RC | (sizeof(void*) == 4 ? _MCW_PC : 0);
+
+  unsigned callers_;
+};
+
+const PublicClass* publicClassOf(const ClassInfo& info) {
+  const auto all = publicClasses();
+  const auto found = std::find_if(all.begin(), all.end(), [&](const PublicClass& c) { return &c.describe() == &info; });
+  return found == all.end() ? nullptr : &*found;
+}
+
+// A name as a member table writes it; empty, which no member is called, when it has other characters than those.
+std::string narrow(LPCOLESTR name) {
+  std::string narrowed;
+  for (; *name != 0; ++name) {
+    if (*name >= 0x80) return {};
+    narrowed.push_back(static_cast<char>(*name));
+  }
+  return narrowed;
+}
+
+bool sameName(std::string_view a, const std::string& b) {
+  return a.size() == b.size() && _strnicmp(a.data(), b.data(), b.size()) == 0;
+}
+
+ClassInfo::Access accessFor(WORD flags) {
+  using Access = ClassInfo::Access;
+  if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) return Access::write;
+  if ((flags & DISPATCH_METHOD) == 0) return Access::read;
+  return (flags & DISPATCH_PROPERTYGET) != 0 ? Access::callOrRead : Access::call;
+}
+
+// The arguments of one call. Positions in the caller's array, which counts from the last one, become positions in the
+// member's parameter list.
+class Call {
+ public:
+  Call(const Member& member, const DISPPARAMS& given)
+      : member_(member), given_(given), arguments_(member.parameters.size()), sources_(arguments_.size(), kNone) {}
+
+  Value run(Object& object) {
+    for (UINT i = 0; i < given_.cArgs; ++i) {
+      bad_ = i;
+      const std::size_t parameter = parameterOf(i);
+      sources_[parameter] = i;
+      arguments_[parameter].read(given_.rgvarg[i]);
+    }
+    bad_ = kNone;
+    std::vector<Argument> arguments;
+    arguments.reserve(arguments_.size());
+    for (const CallArgument& argument : arguments_) arguments.push_back(argument.argument());
+    Value result = member_.invoke(object, arguments);
+    completed_ = true;
+    return result;
+  }
+
+  HRESULT writeBack() {
+    HRESULT outcome = S_OK;
+    for (std::size_t i = 0; i < arguments_.size(); ++i) {
+      const HRESULT one = arguments_[i].writeBack(completed_ && member_.parameters[i].byReference);
+      if (FAILED(one)) outcome = one;
+    }
+    return outcome;
+  }
+
+  // Tells the caller which element of its array an error is about, when it is about one.
+  void blame(const AutomationError& error, UINT* badArgument) const {
+    UINT bad = bad_;
+    const auto parameter = static_cast<std::size_t>(error.argument());
+    if (bad == kNone && parameter < sources_.size()) bad = sources_[parameter];
+    if (badArgument != nullptr && bad != kNone) *badArgument = bad;
+  }
+
+ private:
+  static constexpr UINT kNone = ~0U;
+
+  std::size_t parameterOf(UINT i) const {
+    const std::size_t count = sources_.size();
+    const bool named = i < given_.cNamedArgs;
+    std::size_t parameter = given_.cArgs - 1 - i;
+    if (named) {
+      const DISPID id = given_.rgdispidNamedArgs[i];
+      parameter = id == DISPID_PROPERTYPUT ? count - 1 : static_cast<std::size_t>(id);
+    }
+    if (parameter >= count || sources_[parameter] != kNone) {
+      throw AutomationError(named ? AutomationCode::parameterNotFound : AutomationCode::badParameterCount);
+    }
+    return parameter;
+  }
+
+  const Member& member_;
+  const DISPPARAMS& given_;
+  std::vector<CallArgument> arguments_;
+  std::vector<UINT> sources_;
+  UINT bad_ = kNone;
+  bool completed_ = false;
+};
+
+void describe(const std::exception& error, const ClassInfo& source, EXCEPINFO* exception) {
+  if (exception == nullptr) return;
+  *exception = {};
+  exception->scode = E_FAIL;
+  exception->bstrSource = toBstr(fromUtf8(kTypeLibraryName) + u'.' + fromUtf8(source.name()));
+  exception->bstrDescription = toBstr(fromUtf8(error.what()));
+}
+
+class Wrapper final : public ComObject<IDispatch, IProvideClassInfo, OwnObject> {
+ public:
+  explicit Wrapper(const ObjectPtr& object) : object_(object), class_(publicClassOf(object->classInfo())) {
+    object_->adapter = this;
+  }
+
+  const ObjectPtr& object() const override { return object_; }
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+    if (object == nullptr) return E_POINTER;
+    *object = nullptr;
+    if (iid == IID_IUnknown || iid == IID_IDispatch || (class_ != nullptr && iid == guidFrom(class_->interfaceId))) {
+      *object = static_cast<IDispatch*>(this);
+    } else if (iid == IID_IProvideClassInfo && class_ != nullptr) {
+      *object = static_cast<IProvideClassInfo*>(this);
+    } else if (iid == kOwnObject) {
+      *object = static_cast<OwnObject*>(this);
+    }
+    if (*object == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    if (count == nullptr) return E_POINTER;
+    *count = class_ != nullptr ? 1 : 0;
+    return S_OK;
+  }
+
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID /*language*/, ITypeInfo** info) override {
+    if (info == nullptr) return E_POINTER;
+    *info = nullptr;
+    if (index != 0 || class_ == nullptr) return DISP_E_BADINDEX;
+    return guarded([&] { return findTypeInfo(guidFrom(class_->interfaceId), info); });
+  }
+
+  HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** info) override {
+    if (info == nullptr) return E_POINTER;
+    *info = nullptr;
+    return guarded([&] { return findTypeInfo(guidFrom(class_->classId), info); });
+  }
+
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID /*language*/,
+                                          DISPID* ids) override {
+    if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+    if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
+    return guarded([&] {
+      std::fill(ids, ids + count, DISPID_UNKNOWN);
+      ids[0] = object_->classInfo().dispatchId(narrow(names[0])).value_or(DISPID_UNKNOWN);
+      for (UINT i = 1; i < count; ++i) ids[i] = parameterId(ids[0], narrow(names[i]));
+      return std::find(ids, ids + count, DISPID_UNKNOWN) == ids + count ? S_OK : DISP_E_UNKNOWNNAME;
+    });
+  }
+
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID iid, LCID /*language*/, WORD flags, DISPPARAMS* given,
+                                   VARIANT* result, EXCEPINFO* exception, UINT* badArgument) override {
+    if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+    if (given == nullptr) return E_INVALIDARG;
+    if (result != nullptr) VariantInit(result);
+    const FloatingPoint environment;
+    return guarded([&] {
+      const Member* member = object_->classInfo().find(id, accessFor(flags));
+      if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
+      return invoke(*member, *given, result, exception, badArgument);
+    });
+  }
+
+ private:
+  ~Wrapper() override { object_->adapter = nullptr; }
+
+  HRESULT invoke(const Member& member, const DISPPARAMS& given, VARIANT* result, EXCEPINFO* exception,
+                 UINT* badArgument) {
+    // A member that shows a window lets the program run, which may let go of this object meanwhile, and of the DLL.
+    AddRef();
+    const ComPtr<IDispatch> self(this);
+    Call call(member, given);
+    Value value;
+    HRESULT outcome = S_OK;
+    try {
+      value = call.run(*object_);
+    } catch (const AutomationError& error) {
+      outcome = static_cast<HRESULT>(error.code());
+      call.blame(error, badArgument);
+    } catch (const std::bad_alloc&) {
+      outcome = E_OUTOFMEMORY;
+    } catch (const std::exception& error) {
+      outcome = DISP_E_EXCEPTION;
+      describe(error, object_->classInfo(), exception);
+    }
+    const HRESULT written = call.writeBack();
+    if (SUCCEEDED(outcome)) outcome = written;
+    if (SUCCEEDED(outcome) && result != nullptr) toVariant(value, *result);
+    return outcome;
+  }
+
+  // A parameter's id is its position.
+  DISPID parameterId(DISPID member, const std::string& name) const {
+    for (const Member& row : object_->classInfo().members()) {
+      if (row.dispatchId != member) continue;
+      for (std::size_t i = 0; i < row.parameters.size(); ++i) {
+        if (sameName(row.parameters[i].name, name)) return static_cast<DISPID>(i);
+      }
+    }
+    return DISPID_UNKNOWN;
+  }
+
+  ObjectPtr object_;
+  const PublicClass* class_;
+};
+
+}  // namespace
+
+ComPtr<IDispatch> wrap(const ObjectPtr& object) {
+  if (object->adapter == nullptr) return ComPtr<IDispatch>(new Wrapper(object));
+  auto* wrapper = static_cast<Wrapper*>(object->adapter);
+  wrapper->AddRef();
+  return ComPtr<IDispatch>(wrapper);
+}
+
+ObjectPtr unwrap(IUnknown* pointer) {
+  void* own = nullptr;
+  if (pointer == nullptr || FAILED(pointer->QueryInterface(kOwnObject, &own))) return nullptr;
+  const ComPtr<OwnObject> reference(static_cast<OwnObject*>(own));
+  return reference->object();
+}
+
+}  // namespace mirvane::com

@@ -1,0 +1,39 @@
+#include <algorithm>
+
+#include "com/class_factory.h"
+#include "com/registration.h"
+#include "interface/module_state.h"
+
+// What the system calls in the DLL. There is no DllMain: nothing has to be done while the system holds its loader lock.
+
+using namespace mirvane;
+using namespace mirvane::com;
+
+STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
+  if (object == nullptr) return E_POINTER;
+  *object = nullptr;
+  return guarded([&]() -> HRESULT {
+    const auto all = publicClasses();
+    const auto found = std::find_if(all.begin(), all.end(), [&](const auto& c) { return guidFrom(c.classId) == id; });
+    if (found == all.end()) return CLASS_E_CLASSNOTAVAILABLE;
+    return ComPtr<ClassFactory>(new ClassFactory(*found))->QueryInterface(iid, object);
+  });
+}
+
+// An open port keeps the DLL: with it would go the state that the till's connection hangs on.
+STDAPI DllCanUnloadNow() { return liveCount == 0 && moduleState().portHandle <= 0 ? S_OK : S_FALSE; }
+
+STDAPI DllRegisterServer() {
+  return guarded([] { return registerComponent(Scope::machine); });
+}
+
+STDAPI DllUnregisterServer() {
+  return guarded([] { return unregisterComponent(Scope::machine); });
+}
+
+// "user", as in regsvr32 /n /i:user, is for the current user alone and takes no administrator.
+STDAPI DllInstall(BOOL install, LPCWSTR commandLine) {
+  const bool user = commandLine != nullptr && _wcsicmp(commandLine, L"user") == 0;
+  const Scope scope = user ? Scope::user : Scope::machine;
+  return guarded([&] { return install != FALSE ? registerComponent(scope) : unregisterComponent(scope); });
+}

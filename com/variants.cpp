@@ -1,0 +1,259 @@
+#include "com/variants.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+#include "com/dispatch.h"
+
+namespace mirvane::com {
+namespace {
+
+// The type of a VARIANT for each alternative of Value.
+constexpr std::array<VARTYPE, std::variant_size_v<Value>> kTypes = {VT_EMPTY, VT_NULL, VT_BOOL, VT_UI1,     VT_I2,
+                                                                    VT_I4,    VT_R8,   VT_BSTR, VT_DISPATCH};
+
+[[noreturn]] void mismatch() { throw AutomationError(AutomationCode::typeMismatch); }
+
+// A VARIANT of our own.
+class Variant : public VARIANT {
+ public:
+  Variant() : VARIANT() { VariantInit(this); }
+  Variant(const Variant&) = delete;
+  Variant& operator=(const Variant&) = delete;
+  ~Variant() { VariantClear(this); }
+};
+
+void check(HRESULT outcome) {
+  if (outcome == E_OUTOFMEMORY) throw std::bad_alloc();
+  if (FAILED(outcome)) mismatch();
+}
+
+Value objectOf(IUnknown* pointer) {
+  ObjectPtr object = unwrap(pointer);
+  if (object == nullptr && pointer != nullptr) mismatch();
+  return object;
+}
+
+// What a VARIANT holds that refers to no variable.
+Value valueOf(const VARIANT& given) {
+  switch (given.vt) {
+    case VT_EMPTY:
+      return {};
+    case VT_NULL:
+      return Null();
+    case VT_BOOL:
+      return given.boolVal != VARIANT_FALSE;
+    case VT_UI1:
+      return std::uint8_t{given.bVal};
+    case VT_I2:
+      return std::int16_t{given.iVal};
+    case VT_I4:
+    case VT_INT:
+      return static_cast<std::int32_t>(given.lVal);
+    case VT_R8:
+      return given.dblVal;
+    case VT_BSTR:
+      return Text(reinterpret_cast<const char16_t*>(given.bstrVal), SysStringLen(given.bstrVal));
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      return objectOf(given.punkVal);
+    case VT_I1:
+    case VT_UI2:
+    case VT_UI4:
+    case VT_UINT:
+    case VT_I8:
+    case VT_UI8:
+    case VT_R4:
+    case VT_CY:
+    case VT_DATE:
+    case VT_DECIMAL: {
+      Variant number;
+      VARIANT source = given;
+      check(VariantChangeType(&number, &source, 0, VT_R8));
+      return number.dblVal;
+    }
+    default:
+      mismatch();
+  }
+}
+
+// The nearest number that the variable holds. A negative one keeps its bits in an unsigned variable, so that a failure
+// never reads as 0.
+template <class T>
+void storeInteger(T* variable, double number) {
+  using Limits = std::numeric_limits<T>;
+  const double rounded = std::nearbyint(number);
+  if (std::is_unsigned_v<T> && rounded < 0) {
+    *variable = static_cast<T>(static_cast<std::int64_t>(std::max(rounded, -9e18)));
+  } else if (rounded >= static_cast<double>(Limits::max())) {
+    *variable = Limits::max();
+  } else {
+    *variable = static_cast<T>(std::max(rounded, static_cast<double>(Limits::min())));
+  }
+}
+
+void storeNumber(const VARIANT& variable, double number) {
+  switch (variable.vt & VT_TYPEMASK) {
+    case VT_I1:
+      return storeInteger(reinterpret_cast<signed char*>(variable.pcVal), number);
+    case VT_UI2:
+      return storeInteger(variable.puiVal, number);
+    case VT_UI4:
+    case VT_UINT:
+      return storeInteger(variable.puintVal, number);
+    case VT_I8:
+      return storeInteger(variable.pllVal, number);
+    case VT_UI8:
+      return storeInteger(variable.pullVal, number);
+    case VT_R4: {
+      constexpr double kLargest = std::numeric_limits<float>::max();
+      *variable.pfltVal = static_cast<float>(std::clamp(number, -kLargest, kLargest));
+      return;
+    }
+    case VT_CY: {
+      constexpr double kScale = 10000;
+      return storeInteger(&variable.pcyVal->int64, number * kScale);
+    }
+    case VT_DATE:
+      *variable.pdate = number;
+      return;
+    case VT_DECIMAL: {
+      constexpr double kLargest = 7.9e28;
+      VarDecFromR8(std::clamp(number, -kLargest, kLargest), variable.pdecVal);
+      return;
+    }
+    default:
+      return;
+  }
+}
+
+// A variable of the caller's that a member can write to in place; nothing for any other.
+std::optional<Reference> inPlace(const VARIANT& variable) {
+  switch (variable.vt & VT_TYPEMASK) {
+    case VT_UI1:
+      return variable.pbVal;
+    case VT_I2:
+      return variable.piVal;
+    case VT_I4:
+    case VT_INT:
+      return reinterpret_cast<std::int32_t*>(variable.plVal);
+    case VT_R8:
+      return variable.pdblVal;
+    default:
+      return std::nullopt;
+  }
+}
+
+void replaceObject(IUnknown** variable, const ObjectPtr& object) {
+  ComPtr<IUnknown> before(std::exchange(*variable, object == nullptr ? nullptr : wrap(object).release()));
+}
+
+}  // namespace
+
+BSTR toBstr(TextView text) {
+  BSTR copy = SysAllocStringLen(reinterpret_cast<const OLECHAR*>(text.data()), static_cast<UINT>(text.size()));
+  if (copy == nullptr) throw std::bad_alloc();
+  return copy;
+}
+
+void toVariant(const Value& value, VARIANT& result) {
+  std::visit(
+      [&result]<class T>(const T& held) {
+        if constexpr (std::is_same_v<T, bool>) {
+          result.boolVal = held ? VARIANT_TRUE : VARIANT_FALSE;
+        } else if constexpr (std::is_same_v<T, std::uint8_t>) {
+          result.bVal = held;
+        } else if constexpr (std::is_same_v<T, std::int16_t>) {
+          result.iVal = held;
+        } else if constexpr (std::is_same_v<T, std::int32_t>) {
+          result.lVal = held;
+        } else if constexpr (std::is_same_v<T, double>) {
+          result.dblVal = held;
+        } else if constexpr (std::is_same_v<T, Text>) {
+          result.bstrVal = toBstr(held);
+        } else if constexpr (std::is_same_v<T, ObjectPtr>) {
+          result.pdispVal = held == nullptr ? nullptr : wrap(held).release();
+        }
+      },
+      value);
+  result.vt = kTypes[value.index()];
+}
+
+void CallArgument::read(VARIANT& given) {
+  // A script's variable can itself refer to a variable of an outer procedure, and so on.
+  constexpr int kMostReferences = 16;
+  VARIANT* source = &given;
+  for (int i = 0; source->vt == (VT_BYREF | VT_VARIANT); ++i) {
+    if (source->pvarVal == nullptr || i == kMostReferences) mismatch();
+    source = variant_ = source->pvarVal;
+  }
+  if (source->vt == VT_ERROR && source->scode == DISP_E_PARAMNOTFOUND) return;
+  if ((source->vt & VT_BYREF) == 0) {
+    before_ = valueOf(*source);
+    argument_ = variant_ == nullptr ? Argument(before_) : Argument(Reference(&copy_.emplace<Value>(before_)));
+    return;
+  }
+
+  variant_ = nullptr;
+  if (source->byref == nullptr || (source->vt & VT_ARRAY) != 0) mismatch();
+  if (const auto reference = inPlace(*source)) {
+    argument_ = Argument(*reference);
+    return;
+  }
+  Variant held;
+  check(VariantCopyInd(&held, source));
+  before_ = valueOf(held);
+  typed_ = source;
+  switch (held.vt) {
+    case VT_BOOL:
+      argument_ = Argument(Reference(&copy_.emplace<bool>(convertTo<bool>(before_))));
+      break;
+    case VT_BSTR:
+      argument_ = Argument(Reference(&copy_.emplace<Text>(convertTo<Text>(before_))));
+      break;
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      argument_ = Argument(Reference(&copy_.emplace<ObjectPtr>(convertTo<ObjectPtr>(before_))));
+      break;
+    default:
+      argument_ = Argument(Reference(&copy_.emplace<double>(convertTo<double>(before_))));
+      break;
+  }
+}
+
+HRESULT CallArgument::writeBack(bool assigned) {
+  return guarded([&]() -> HRESULT {
+    if (argument_.missing()) return S_OK;
+    const Value result = argument_.value();
+    if (variant_ != nullptr) {
+      writeVariant(result, assigned);
+    } else if (typed_ != nullptr && result != before_) {
+      writeTyped(result);
+    }
+    return S_OK;
+  });
+}
+
+// What the member did not write to stays exactly what the caller had, be it a date or a currency.
+void CallArgument::writeVariant(const Value& result, bool assigned) const {
+  if (result == before_ && (!assigned || variant_->vt == kTypes[result.index()])) return;
+  Variant written;
+  toVariant(result, written);
+  std::swap(static_cast<VARIANT&>(written), *variant_);
+}
+
+void CallArgument::writeTyped(const Value& result) const {
+  if (const auto* text = std::get_if<Text>(&result)) {
+    SysFreeString(std::exchange(*typed_->pbstrVal, toBstr(*text)));
+  } else if (const auto* flag = std::get_if<bool>(&result)) {
+    *typed_->pboolVal = *flag ? VARIANT_TRUE : VARIANT_FALSE;
+  } else if (const auto* number = std::get_if<double>(&result)) {
+    storeNumber(*typed_, *number);
+  } else {
+    replaceObject(typed_->ppunkVal, std::get<ObjectPtr>(result));
+  }
+}
+
+}  // namespace mirvane::com

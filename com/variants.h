@@ -1,0 +1,49 @@
+#pragma once
+
+#include <variant>
+
+#include "automation/argument.h"
+#include "com/com.h"
+
+namespace mirvane::com {
+
+/// One argument of a call, between the caller's VARIANT and the member.
+///
+/// A reference to a variable of one of the member's own types is used in place. Any other variable is read, and what
+/// the member made of it is written back after the call. A plain value is only read.
+class CallArgument {
+ public:
+  CallArgument() = default;
+  CallArgument(const CallArgument&) = delete;
+  CallArgument& operator=(const CallArgument&) = delete;
+
+  /// Takes the caller's VARIANT. Raises typeMismatch for what no member can take, such as an array or a foreign object.
+  void read(VARIANT& given);
+
+  /// Missing as long as nothing was read, and when the caller left it out expressly. Refers to this object.
+  const Argument& argument() const { return argument_; }
+
+  /// Gives the caller what the member wrote, also when the member failed. `assigned` tells that the member surely
+  /// wrote, so that a VARIANT takes the type of the result even where the value is the same. E_OUTOFMEMORY leaves the
+  /// caller's variable as it was.
+  HRESULT writeBack(bool assigned);
+
+ private:
+  void writeVariant(const Value& result, bool assigned) const;
+  void writeTyped(const Value& result) const;
+
+  Argument argument_;
+  /// Where a result goes: a variable of any type, or one of the type that `typed_->vt` tells.
+  VARIANT* variant_ = nullptr;
+  VARIANT* typed_ = nullptr;
+  Value before_;
+  std::variant<bool, double, Text, ObjectPtr, Value> copy_;
+};
+
+/// Puts a value into a VARIANT that holds nothing. Raises bad_alloc.
+void toVariant(const Value& value, VARIANT& result);
+
+/// A text as a BSTR; raises bad_alloc.
+BSTR toBstr(TextView text);
+
+}  // namespace mirvane::com
