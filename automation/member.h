@@ -131,7 +131,7 @@ class Slot {
  public:
   Slot(const Argument& argument, const Parameter& parameter) : value_(convertTo<T>(valueFor(argument, parameter))) {}
   T& get() { return value_; }
-  bool finish() const { return true; }
+  bool finish(bool /*completed*/) const { return true; }
 
  private:
   T value_;
@@ -142,7 +142,7 @@ class Slot<std::shared_ptr<T>> {
  public:
   Slot(const Argument& argument, const Parameter& parameter) : value_(asClass<T>(valueFor(argument, parameter))) {}
   std::shared_ptr<T>& get() { return value_; }
-  bool finish() const { return true; }
+  bool finish(bool /*completed*/) const { return true; }
 
  private:
   std::shared_ptr<T> value_;
@@ -159,10 +159,12 @@ class Slot<T&> {
     if (!argument.canTake(Value(copy_))) throw AutomationError(AutomationCode::typeMismatch);
   }
   T& get() { return variable_ != nullptr ? *variable_ : copy_; }
-  // False when the variable cannot take the result. What the member did not change is left as the caller has it.
-  bool finish() const {
+  // False when the variable cannot take the result. What the member did not change is left as the caller has it, but a
+  // variable of any type takes the member's type once the member has run to its end.
+  bool finish(bool completed) const {
     if (variable_ != nullptr) return true;
-    return (!argument_.isVariant() && convertTo<T>(argument_.value()) == copy_) || argument_.store(Value(copy_));
+    const bool typeChanges = completed && argument_.isVariant();
+    return (!typeChanges && convertTo<T>(argument_.value()) == copy_) || argument_.store(Value(copy_));
   }
 
  private:
@@ -179,7 +181,7 @@ class Slot<T&> {
     if (record_ == nullptr) throw AutomationError(AutomationCode::typeMismatch);
   }
   T& get() { return *record_; }
-  bool finish() const { return true; }
+  bool finish(bool /*completed*/) const { return true; }
 
  private:
   std::shared_ptr<T> record_;
@@ -213,7 +215,9 @@ Value invokeWith(const auto& implementation, C& self, Arguments arguments, const
   checkCount(arguments, parameters);
   // Braces: converted in order, so that the first offending argument is the one reported.
   std::tuple<Slot<A>...> slots{makeSlot<A>(arguments, parameters, I)...};
-  const auto finish = [&slots] { return (static_cast<int>(std::get<I>(slots).finish()) & ... & 1) != 0; };
+  const auto finish = [&slots]([[maybe_unused]] bool completed) {
+    return (static_cast<int>(std::get<I>(slots).finish(completed)) & ... & 1) != 0;
+  };
   Value result;
   try {
     if constexpr (std::is_void_v<R>) {
@@ -222,10 +226,10 @@ Value invokeWith(const auto& implementation, C& self, Arguments arguments, const
       result = toValue(std::invoke(implementation, self, std::get<I>(slots).get()...));
     }
   } catch (...) {
-    finish();  // what was written before the failure belongs to the caller
+    finish(false);  // what was written before the failure belongs to the caller
     throw;
   }
-  if (!finish()) throw AutomationError(AutomationCode::typeMismatch);
+  if (!finish(true)) throw AutomationError(AutomationCode::typeMismatch);
   return result;
 }
 

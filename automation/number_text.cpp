@@ -51,15 +51,14 @@ std::size_t numberLength(std::string_view s) {
   return i;
 }
 
-std::optional<double> valueOf(std::string_view s) {
+double valueOf(std::string_view s) {
   if (s.starts_with('+')) s.remove_prefix(1);
   double value = 0;
   const auto [end, error] = std::from_chars(s.data(), s.data() + s.size(), value);
   // from_chars calls both ends of the range the same. A number too small for a double is 0 for every purpose here; one
-  // too large is no number.
+  // too large is infinite.
   if (error == std::errc::result_out_of_range && s.find("e-") != std::string_view::npos) return 0.0;
-  if (error != std::errc{} || !std::isfinite(value)) return std::nullopt;
-  return value;
+  return error == std::errc{} ? value : std::copysign(HUGE_VAL, s.starts_with('-') ? -1 : 1);
 }
 
 }  // namespace
@@ -77,7 +76,7 @@ double leadingNumber(TextView text) {
   if (first == TextView::npos) return 0;
   const std::string s = narrowed(text.substr(first));
   const std::size_t length = numberLength(s);
-  return length == 0 ? 0 : valueOf(std::string_view(s).substr(0, length)).value_or(0);
+  return length == 0 ? 0 : valueOf(std::string_view(s).substr(0, length));
 }
 
 Text numberText(double value) {

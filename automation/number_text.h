@@ -8,8 +8,8 @@ namespace mirvane {
 
 /// The number that `text` is, blanks around it allowed: an optional sign, digits with at most one decimal separator and
 /// an optional exponent. The separator is a point or a comma whatever the machine's locale, so that "2,5" means the
-/// same price on every till; digits are never grouped. Nothing when the text is anything else or the number is beyond
-/// a double.
+/// same price on every till; digits are never grouped. Nothing when the text is anything else; a number beyond a double
+/// is infinite.
 std::optional<double> parseNumber(TextView text);
 
 /// The number at the start of `text`, with a point as separator; 0 when there is none.

@@ -28,6 +28,7 @@ double numberOf(const Value& value) {
         } else if constexpr (std::is_same_v<T, Text>) {
           const auto number = parseNumber(held);
           if (!number) mismatch();
+          if (std::isinf(*number)) throw AutomationError(AutomationCode::overflow);
           return *number;
         } else {
           mismatch();

@@ -1,6 +1,5 @@
-#include <oleauto.h>
+#include <ole2.h>
 #include <psapi.h>
-#include <windows.h>
 
 #include <fstream>
 #include <initializer_list>

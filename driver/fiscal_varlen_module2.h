@@ -8,6 +8,8 @@
 
 namespace mirvane {
 
+struct clsTransTotal;
+
 /// The driver of the second-generation device. One source file per subject: link, errors, connection, transactions,
 /// reads. What each member of the driver interface does for the caller is told there; see interface/driver_interface.h.
 class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
@@ -83,13 +85,23 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
   Value executeCashOut(double& Amount, Text& cashOutDesc, std::int16_t& Result, Text& Exresult, bool& SupressError_);
   Value VoidReceipt(std::int16_t& Result, Text& Exresult, bool& SupressError_);
 
-  // ---- Reads (reads.cpp)
+  // ---- Reads (reads.cpp). A record and the outputs change only when Result is 0; a reply with fewer fields than are
+  // wanted raises badIndex after the fields before the gap were taken.
 
+  Value getDate(Text& d, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  Value getTime(Text& d, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  Value getSerialNumber(Text& sN, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  void transactionTotals(clsTransTotal& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
   std::shared_ptr<clsStatus> StatusRead();
   void printerStatusRead(std::int16_t& Result, Text& Exresult, bool& SupressError_);
 
  private:
   class Stopwatch;
+  struct Outcome {
+    std::int16_t& Result;
+    Text& Exresult;
+    bool& SupressError_;
+  };
 
   std::string exchangeSerial(const std::string& frame, std::int16_t& Result, Text& Exresult, std::int16_t timeOut);
   bool exchangeNetwork(const std::string& frame, std::int16_t& Result, Text& Exresult, std::string& reply);
@@ -109,6 +121,8 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
   void cashDocument(TextView code, double amount, const Text& description, std::int16_t& Result, Text& Exresult,
                     bool& SupressError_);
 
+  template <class Fill>
+  void read(const Text& command, const Outcome& outcome, Fill fill);
   clsStatus& refreshedStatus();
 
   Text lastReply_;
@@ -117,6 +131,8 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
     bool dayOpen, transactionOpen, inPayment, flashNearFull;
   } flags_{};
   std::shared_ptr<clsStatus> status_;
+  /// The last one read from this device.
+  Text serialNumber_;
 };
 
 }  // namespace mirvane

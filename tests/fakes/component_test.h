@@ -1,0 +1,113 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "component/component.h"
+#include "driver/fiscal_varlen_module2.h"
+#include "interface/c_port_prop.h"
+#include "interface/module_state.h"
+#include "interface/text.h"
+#include "tests/fakes/fake_line.h"
+
+namespace mirvane::test {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Short = std::int16_t;
+using Long = std::int32_t;
+using Byte = std::uint8_t;
+
+const std::string kWrongDevice = "Λάθος τύπος Φορολ. Εκτυπωτή";
+
+/// Runs `call` and tells the automation error that it raised; 0 for none.
+template <class F>
+std::uint32_t errorOf(F call) {
+  try {
+    call();
+    return 0;
+  } catch (const AutomationError& error) {
+    return static_cast<std::uint32_t>(error.code());
+  }
+}
+constexpr std::uint32_t kMemberNotFound = 0x80020003, kTypeMismatch = 0x80020005, kOverflow = 0x8002000A,
+                        kBadIndex = 0x8002000B, kBadCount = 0x8002000E;
+
+/// The component, freshly started on a machine of fakes. Whoever leaves an object behind fails.
+class ComponentTest : public testing::Test {
+ protected:
+  ComponentTest() {
+    files.setCatalogue(2, {{2, "Τίτλος"}, {180, "Κλειστή θύρα"}, {182, "Ρύθμιση :"}}, 92);
+    moduleState() = ModuleState{};
+    moduleState().platform = &machine;
+    replyFields().clear();
+    startComponent();
+  }
+  ~ComponentTest() override {
+    moduleState() = ModuleState{};
+    EXPECT_EQ(Object::liveCount(), liveBefore_) << "objects leak";
+  }
+
+  /// Calls a member whose last arguments are Result, Exresult and SupressError_.
+  template <class... A>
+  Value run(Object& object, std::string_view member, A&&... arguments) {
+    Result = 77;
+    Exresult = u"before";
+    return object.call(member, std::forward<A>(arguments)..., Result, Exresult, SupressError_);
+  }
+  std::string exresult() const { return toUtf8(Exresult); }
+
+  FakeClock clock;
+  FakeDevice device;
+  FakeSerial serial{device, clock};
+  FakeSockets sockets{device, clock};
+  FakeScreen screen;
+  FakeFiles files;
+  platform::Platform machine{serial, sockets, clock, screen, files};
+
+  Short Result = 77;
+  Text Exresult = u"before";
+  bool SupressError_ = true;
+  Text Pass;
+
+ private:
+  // Freed first: the state of an earlier test.
+  const int liveBefore_ = (moduleState() = ModuleState{}, Object::liveCount());
+};
+
+/// A driver connected to the fake device over COM1.
+class DriverTest : public ComponentTest {
+ protected:
+  DriverTest() { connect(u"COM1"); }
+
+  void connect(TextView port) {
+    moduleState().currentDriver = driver;
+    run(*driver, "Connect_", port);
+    EXPECT_EQ(Result, 0) << exresult();
+  }
+  void connectNetwork() {
+    run(*driver, "DisConnect_", u"");
+    connect(u"10.0.0.5:9100");
+  }
+  /// Sends a command text as a program does.
+  void send(TextView command) {
+    Result = 77;
+    Exresult = u"before";
+    driver->call("SendCommand_", command, Result, Exresult, SupressError_, Pass);
+  }
+  /// Sends a command that is answered with `reply`.
+  void exchange(const std::string& reply) {
+    device.answer(reply);
+    send(u"?/");
+  }
+
+  std::shared_ptr<FiscalVarlenModule2> driver = std::make_shared<FiscalVarlenModule2>();
+};
+
+/// What the driver says of a failure unless it is suppressed.
+inline Box errorBox(int code, const std::string& message) {
+  return {"Λάθος Φορολ. εκτυπωτή (" + std::to_string(code) + ")\r\n" + message, 48, "Varlen Fiscal"};
+}
+
+}  // namespace mirvane::test

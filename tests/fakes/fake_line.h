@@ -1,0 +1,200 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <set>
+
+#include "driver/wire.h"
+#include "tests/fakes/fake_machine.h"
+
+namespace mirvane::test {
+
+/// Bytes, or one datagram, that arrive so many seconds after what came before them.
+struct Chunk {
+  std::string bytes;
+  double after = 0;
+};
+
+inline std::string framed(const std::string& text) { return wire::kStx + text + wire::kEtx; }
+
+/// The far end of a line: keeps the commands that it is sent and answers each with the next reply of the script, and
+/// with a contented one when the script is at its end.
+class FakeDevice {
+ public:
+  FakeDevice& answer(const std::string& reply, double after = 0) { return raw({{framed(reply), after}}); }
+  FakeDevice& silence(int times = 1) { return times == 0 ? *this : raw({}).silence(times - 1); }
+  FakeDevice& raw(std::vector<Chunk> chunks) {
+    script.push_back(std::move(chunks));
+    return *this;
+  }
+
+  std::vector<Chunk> take(const std::string& frame) {
+    const std::string command = frame.substr(1, frame.size() - 4);
+    unsigned sum = 0;
+    for (const char c : command) sum = (sum + static_cast<unsigned char>(c)) % 256;
+    EXPECT_EQ(frame.substr(frame.size() - 3, 2), std::to_string(100 + sum % 100).substr(1))
+        << "checksum of " << command;
+    commands.push_back(toUtf8(fromCodePage(command)));
+    if (during) during();
+    if (script.empty()) return {{framed("00/00/00/")}};
+    auto chunks = script.front();
+    script.pop_front();
+    return chunks;
+  }
+
+  std::vector<std::string> commands;  ///< UTF-8
+  std::deque<std::vector<Chunk>> script;
+  std::function<void()> during;
+};
+
+/// What is on its way to the driver.
+class Inbox {
+ public:
+  explicit Inbox(FakeClock& clock) : clock_(clock) {}
+
+  void add(const std::vector<Chunk>& chunks) {
+    double due = clock_.now;
+    for (const Chunk& chunk : chunks) arriving.push_back({chunk.bytes, due += chunk.after});
+  }
+  bool isDue() const { return !arriving.empty() && arriving.front().after <= clock_.now; }
+  /// Lets time pass until something is there, but no longer than `seconds`.
+  bool wait(double seconds) {
+    if (!isDue()) clock_.advance(arriving.empty() ? seconds : std::min(seconds, arriving.front().after - clock_.now));
+    return isDue();
+  }
+  std::string take() {
+    std::string bytes = std::move(arriving.front().bytes);
+    arriving.pop_front();
+    return bytes;
+  }
+
+  std::deque<Chunk> arriving;  ///< `after` is the moment of arrival
+
+ private:
+  FakeClock& clock_;
+};
+
+struct Sent {
+  std::string bytes;
+  double at;
+};
+
+class FakeSerial : public platform::SerialPort {
+ public:
+  FakeSerial(FakeDevice& device, FakeClock& clock) : inbox(clock), device_(device), clock_(clock) {}
+
+  std::int32_t open(TextView name) override {
+    opened.push_back(toUtf8(name));
+    return ports.contains(toUtf8(name)) ? 40 : -1;
+  }
+  bool setTimeouts(std::int32_t handle, const platform::LineTimeouts& value) override {
+    timeouts = value;
+    return takesTimeouts && handle > 0;
+  }
+  bool configure(std::int32_t handle, std::string_view value) override {
+    settings = value;
+    return takesSettings && handle > 0;
+  }
+  std::size_t write(std::int32_t /*handle*/, std::string_view bytes) override {
+    sent.push_back({std::string(bytes), clock_.now});
+    for (const char byte : bytes) {
+      if (byte == wire::kStx) frame_.clear();
+      frame_ += byte;
+      if (byte == wire::kAck) inbox.add({{afterAck}});
+      if (byte == wire::kEtx) inbox.add(device_.take(frame_));
+    }
+    return bytes.size();
+  }
+  std::string read(std::int32_t handle, std::size_t most) override {
+    EXPECT_LE(most, std::clamp<std::size_t>(waiting(handle), 1, 64)) << "a read of more than is there blocks";
+    while (inbox.isDue() && inbox.arriving.front().bytes.empty()) inbox.take();
+    inbox.wait(0.001 * (timeouts.readConstant + timeouts.readMultiplier * static_cast<double>(most)));
+    most = std::min(most, waiting(handle));
+    while (buffer_.size() - position_ < most) buffer_ = buffer_.substr(position_) + inbox.take(), position_ = 0;
+    position_ += most;
+    return buffer_.substr(position_ - most, most);
+  }
+  std::size_t waiting(std::int32_t /*handle*/) override {
+    std::size_t count = buffer_.size() - position_;
+    for (const Chunk& chunk : inbox.arriving) count += chunk.after <= clock_.now ? chunk.bytes.size() : 0;
+    return count;
+  }
+  bool close(std::int32_t handle) override {
+    closed.push_back(handle);
+    return closes && handle > 0;
+  }
+
+  /// When each attempt of an exchange began.
+  std::vector<double> attempts() const {
+    std::vector<double> times;
+    for (const Sent& piece : sent) {
+      if (piece.bytes.back() == wire::kEnq) times.push_back(piece.at);
+    }
+    return times;
+  }
+
+  std::set<std::string> ports{"COM1"};
+  bool takesTimeouts = true, takesSettings = true, closes = true;
+  std::vector<std::string> opened;
+  platform::LineTimeouts timeouts{};
+  std::string settings;
+  std::vector<Sent> sent;
+  std::vector<std::int32_t> closed;
+  std::string afterAck;
+  Inbox inbox;
+
+ private:
+  FakeDevice& device_;
+  FakeClock& clock_;
+  std::string frame_;
+  std::string buffer_;
+  std::size_t position_ = 0;
+};
+
+class FakeSockets : public platform::DatagramSockets {
+ public:
+  FakeSockets(FakeDevice& device, FakeClock& clock) : inbox(clock), device_(device) {}
+
+  bool startUp() override { return failing != "startUp"; }
+  std::int32_t create() override {
+    calls.emplace_back("create");
+    return failing == "create" ? platform::kInvalidSocket : 50;
+  }
+  bool bind(std::int32_t /*handle*/, std::uint16_t port) override {
+    calls.push_back("bind " + std::to_string(port));
+    return failing != "bind";
+  }
+  bool connect(std::int32_t /*handle*/, const std::string& address, std::uint16_t port) override {
+    calls.push_back("connect " + address + ":" + std::to_string(port));
+    return failing != "connect";
+  }
+  bool send(std::int32_t /*handle*/, std::string_view bytes) override {
+    sent.emplace_back(bytes);
+    if (bytes.empty() || bytes.front() != wire::kStx) return failing != "send";
+    auto chunks = device_.take(std::string(bytes));
+    if (!chunks.empty() && chunks.front().bytes.starts_with(wire::kStx)) chunks.insert(chunks.begin(), {{wire::kAck}});
+    inbox.add(chunks);
+    return failing != "send";
+  }
+  std::optional<std::string> receive(std::int32_t /*handle*/, std::size_t most) override {
+    std::string datagram = inbox.take();
+    return failing == "receive" || datagram.size() > most ? std::nullopt : std::optional(datagram);
+  }
+  bool waitReadable(std::int32_t /*handle*/, std::int16_t seconds) override {
+    waits.push_back(seconds);
+    // A poll takes a moment too, or polling would stop the time.
+    return inbox.isDue() || inbox.wait(seconds > 0 ? seconds : 0.0005);
+  }
+  void shutDown(std::int32_t handle) override { calls.push_back("shutDown " + std::to_string(handle)); }
+
+  std::string failing;
+  std::vector<std::string> calls;
+  std::vector<std::string> sent;
+  std::vector<std::int16_t> waits;
+  Inbox inbox;
+
+ private:
+  FakeDevice& device_;
+};
+
+}  // namespace mirvane::test

@@ -1,0 +1,123 @@
+#include <cmath>
+#include <random>
+
+#include "tests/fakes/component_test.h"
+
+namespace mirvane::test {
+namespace {
+
+class BadInput : public DriverTest {};
+
+TEST_F(BadInput, HugeAndForbiddenTextsReachTheDeviceHarmless) {
+  const Text huge(100000, u'/');
+  send(huge);
+  EXPECT_EQ(device.commands.back(), std::string(100000, '/'));
+  EXPECT_EQ(Result, 0);
+  run(*driver, "ItemSale", huge, 1.0, 1.0, 24.0, 1);
+  EXPECT_EQ(device.commands.back(), "3/S//" + std::string(30, '-') + "///1.000/1.00/1/24.00/1/");
+  run(*driver, "commentPrinterPrint", huge, 1);
+  EXPECT_EQ(device.commands.back(), "P/" + std::string(48, '-') + "/1/");
+  run(*driver, "executeCashIn", 1.0, huge);
+  EXPECT_EQ(device.commands[device.commands.size() - 2], "6/0/1.00/" + std::string(100000, '-') + "/");
+
+  const Text controls = u"a\x02\x03\x05\x06\x15\x18z";
+  send(controls);
+  EXPECT_EQ(device.commands.back(), "a??????z");
+  run(*driver, "ItemSale", controls, 1.0, 1.0, 24.0, 1);
+  EXPECT_EQ(device.commands.back(), "3/S//a??????z///1.000/1.00/1/24.00/1/");
+  run(*driver, "commentDisplayPrint", 1, controls);
+  EXPECT_EQ(device.commands.back(), "2/10/0/0/1/a??????z/");
+  send(TextView(u"a\0b\r\n\t", 6));
+  EXPECT_EQ(device.commands.back(), std::string("a\0b\r\n\t", 6));
+}
+
+TEST_F(BadInput, NumbersThatAreNoneAreRefusedBeforeAnythingIsSent) {
+  for (const double bad : {std::nan(""), HUGE_VAL, -HUGE_VAL}) {
+    double typed = bad;
+    EXPECT_EQ(errorOf([&] { run(*driver, "ItemSale", u"A", bad, 1.0, 24.0, 1); }), kOverflow);
+    EXPECT_EQ(errorOf([&] { run(*driver, "ItemVoid", u"A", 1.0, typed, 24.0, 1); }), kOverflow);
+    EXPECT_EQ(errorOf([&] { run(*driver, "ItemRefund", u"A", 1.0, 1.0, typed, 1); }), kOverflow);
+    EXPECT_EQ(errorOf([&] { run(*driver, "Payment", 2, u"A", typed, 0, 0); }), kOverflow);
+    EXPECT_EQ(errorOf([&] { run(*driver, "executeCashIn", typed, u""); }), kOverflow);
+    EXPECT_EQ(errorOf([&] { run(*driver, "executeCashOut", bad, u""); }), kOverflow);
+  }
+  EXPECT_THAT(device.commands, IsEmpty());
+  EXPECT_FALSE(moduleState().cardPaymentUnderWay);
+  EXPECT_EQ(moduleState().lastItemAmount, 0);
+}
+
+/// Runs everything that reads replies against replies that make no sense.
+TEST_F(BadInput, RepliesOfAnyKindEndInAResult) {
+  std::mt19937 random(7);
+  const std::string alphabet = "0123456789ABCDEFabcdef///  .,-+eE\x01\x7F\x80\xC1\xFF\x06\x15\x02";
+  const auto garbage = [&] {
+    std::string text;
+    for (auto left = random() % 40; left > 0; --left) {
+      text += random() % 8 == 0 ? static_cast<char>(random() % 256) : alphabet[random() % alphabet.size()];
+    }
+    std::erase(text, wire::kEtx);
+    return random() % 2 == 0 ? text : "00/00/00/" + text;
+  };
+  for (const bool isNetwork : {false, true}) {
+    if (isNetwork) connectNetwork();
+    for (int i = 0; i < 3000; ++i) {
+      clock.now = 0;
+      device.script.clear();
+      screen.outcomes.assign(8, {static_cast<Short>(156), u"ended"});
+      sockets.inbox.arriving.clear();
+      const std::string reply = garbage();
+      device.answer(reply).answer(garbage()).answer(garbage()).answer(garbage());
+      const auto error = errorOf([&] {
+        switch (i % 5) {
+          case 0:
+            driver->call("GetVersionInfo", Result, Exresult, SupressError_, Pass);
+            break;
+          case 1:
+            driver->call("Payment", 1, u"A", 1.0, 0, 0, Result, Exresult, SupressError_, u"", true);
+            break;
+          case 2:
+            run(*driver, "printerStatusRead");
+            break;
+          case 3:
+            run(*driver, "VoidReceipt");
+            break;
+          default:
+            send(u"?/");
+        }
+      });
+      EXPECT_EQ(error, 0u) << i << " " << reply;
+      EXPECT_TRUE(Result >= 0 && Result <= 255) << Result << " " << reply;
+    }
+  }
+}
+
+TEST_F(BadInput, ShortAndHalfRepliesOnTheSerialLine) {
+  device.answer("0A");
+  send(u"?/");
+  EXPECT_EQ(Result, 10);
+  EXPECT_EQ(exresult(), "Cannot execute with day open");
+  device
+      .raw({{"\x02"
+             "00/0"}})
+      .silence(2)
+      .raw({{"0/00/\x03"}});
+  send(u"?/");
+  EXPECT_EQ(Result, 0);
+  EXPECT_EQ(exresult(), "00/00/00/");
+  device.raw({{std::string(300, wire::kNak)}, {framed("00/00/00/"), 1}});
+  send(u"?/");
+  EXPECT_EQ(Result, 0);
+  EXPECT_EQ(exresult(), "00/00/00/");
+}
+
+TEST_F(BadInput, ADatagramThatIsTooLongIsToldAndDoesNotCrash) {
+  connectNetwork();
+  device.raw({{std::string(1, wire::kAck)}, {std::string(10001, 'x')}});
+  send(u"?/");
+  EXPECT_EQ(Result, 0);
+  EXPECT_EQ(exresult(), "");
+  EXPECT_EQ(screen.boxes.size(), 1u) << "the endpoint shows its failures always";
+}
+
+}  // namespace
+}  // namespace mirvane::test

@@ -1,0 +1,85 @@
+#include "support/message_catalogue.h"
+#include "tests/fakes/component_test.h"
+
+namespace mirvane::test {
+namespace {
+
+class Catalogue : public ComponentTest {
+ protected:
+  static std::string message(Long number, Byte language = 0) { return toUtf8(langMessage(number, language)); }
+};
+
+TEST_F(Catalogue, FindsTheFieldOfEveryMessageAndLanguage) {
+  for (const int languages : {1, 2, 3, 255}) {
+    std::map<std::size_t, std::string> fields;
+    const auto count = static_cast<std::size_t>(languages);
+    for (std::size_t i = 0; i < 4 * count; ++i) fields[i] = "Μήνυμα " + std::to_string(i);
+    files.setCatalogue(static_cast<Byte>(languages), fields, 4);
+    for (std::size_t i = 0; i < 4 * count; ++i) {
+      EXPECT_EQ(message(static_cast<Long>(i / count) + 1, static_cast<Byte>(i % count)), fields[i]) << languages;
+    }
+    EXPECT_EQ(message(0), "Μήνυμα 0");
+    EXPECT_EQ(message(-2147483647 - 1), "Μήνυμα 0");
+  }
+}
+
+TEST_F(Catalogue, TextsAreCutAndBroken) {
+  const std::pair<std::string, const char*> cases[] = {{"one~two", "one\r\ntwo"},
+                                                       {"~", "\r\n"},
+                                                       {"text\"comment", "text"},
+                                                       {"text  \"comment \" more", "text  "},
+                                                       {"\"all comment", ""},
+                                                       {"  both ends  ", "  both ends"},
+                                                       {"", "Message #7 Lang = 0"},
+                                                       {std::string(100, 'x'), nullptr},
+                                                       {std::string(99, ' ') + "x", nullptr}};
+  for (const auto& [field, text] : cases) {
+    files.setCatalogue(1, {{6, field}}, 8);
+    EXPECT_EQ(message(7), text == nullptr ? field : text) << field;
+  }
+  files.setCatalogue(2, {}, 8);
+  EXPECT_EQ(message(8, 1), "Message #8 Lang = 1");
+  EXPECT_EQ(message(0), "Message #0 Lang = 0");
+}
+
+TEST_F(Catalogue, WhatCannotBeReadIsEmpty) {
+  files.setCatalogue(2, {{0, "a"}, {1, "b"}, {2, "c"}, {3, "d"}, {4, "e"}, {5, "f"}}, 3);
+  EXPECT_EQ(message(4), "");
+  EXPECT_EQ(message(2, 2), "") << "no such language, although more text follows";
+  EXPECT_EQ(message(1, 255), "");
+  for (const Long huge : {10000000, 21474836, 2147483647}) EXPECT_EQ(message(huge), "") << huge;
+  files.contents.clear();
+  EXPECT_EQ(message(2), "");
+  files.contents[FakeFiles::kCatalogue] = std::string(1, '\0') + std::string(500, 'x');
+  EXPECT_EQ(message(1), "") << "a catalogue of no language";
+}
+
+TEST_F(Catalogue, EveryTruncatedFileGivesTheTextOrLess) {
+  files.setCatalogue(2, {{2, "text of the message"}}, 2);
+  const std::string whole = files.contents[FakeFiles::kCatalogue];
+  for (std::size_t size = 0; size <= whole.size(); ++size) {
+    files.contents[FakeFiles::kCatalogue] = whole.substr(0, size);
+    const std::string text = message(2);
+    EXPECT_TRUE(std::string("text of the message").starts_with(text)) << size << ": " << text;
+    if (size <= 203) {
+      EXPECT_EQ(text, "") << size;
+    }
+  }
+  EXPECT_EQ(message(2), "text of the message");
+}
+
+TEST_F(Catalogue, TheComponentsOwnTextsComeWithIt) {
+  moduleState().platform = &platform::hostPlatform();
+  EXPECT_EQ(message(message::kBoxTitle), "Φορολογικός Εκτυπωτής");
+  EXPECT_EQ(message(message::kBoxTitle, kEnglish), "Fiscal printer");
+  EXPECT_EQ(message(message::kPortNotOpen), "Η θύρα της ταμειακής δεν είναι ανοικτή!");
+  EXPECT_EQ(message(message::kPortNotOpen, kEnglish), "The register's port is not open!");
+  EXPECT_EQ(message(message::kPortNotConfigured), "Αδυναμία ρύθμισης της θύρας :");
+  EXPECT_EQ(message(message::kPortNotConfigured, kEnglish), "The port cannot be set up :");
+  EXPECT_EQ(message(message::kVatUnchanged), "Οι συντελεστές ΦΠΑ δεν άλλαξαν");
+  EXPECT_EQ(message(message::kVatUnchanged, kEnglish), "The VAT rates have not changed");
+  EXPECT_EQ(message(1), "Message #1 Lang = 0");
+}
+
+}  // namespace
+}  // namespace mirvane::test
