@@ -3,7 +3,7 @@
 //   library NAME VERSION
 //   enum NAME CONSTANT = VALUE
 //   class NAME: INTERFACE                              a class that can be created, and its default interface
-//   class NAME ID KIND MEMBER(PARAMETERS) -> RESULT    a member of that interface; the class's lines follow it
+//   NAME ID KIND MEMBER(PARAMETERS) -> RESULT    a member of that interface; the class's lines follow it
 //
 // KIND is method, get, put or putref; ID the dispatch id. A parameter is "name: type", followed by " ref" when it is
 // passed by reference in both directions, " optional" and " = default"; the value of a put has no name. A type is void,

@@ -1,0 +1,167 @@
+' both: every kind of argument that a call takes, and that an impossible call sends nothing and changes nothing.
+Option Explicit
+
+Const Library = "VarlenFiscalQ7734."
+Dim module, port, Result, Exresult, Suppress, total
+port = WScript.Arguments(0)
+Suppress = True
+Set module = CreateObject(Library & "fiscalTrevikModule")
+module.Connect_ port, Result, Exresult, Suppress
+Expect "Result of Connect_", 0, Result
+
+Conversions
+PassedByValue
+Outer Result, Exresult
+ImpossibleArguments
+ImpossibleCalls
+NullDriver
+WScript.Echo "ok"
+
+Sub Conversions
+  Dim q, p, rate, dep, category
+  q = "2,5": p = "2.5": rate = "24": dep = "1": category = "3"
+  module.ItemSale "texts", q, p, rate, dep, Result, Exresult, Suppress, "", category
+  Sold "texts that are numbers", "6.25"
+  q = 2: p = 70000: rate = CByte(13)
+  module.ItemSale "integers", q, p, rate, dep, Result, Exresult, Suppress
+  Sold "integers for doubles", "140006.25"
+  module.ItemSale "currency", 1, CCur("1,25"), 13, CLng(2), Result, Exresult, Suppress
+  Sold "currency and a 32-bit integer", "140007.50"
+  module.ItemSale 12, 1, 2.5, 13, CDbl(2), Result, Exresult, -1
+  Sold "a number for a text, a double for an integer, an integer for a flag", "140010.00"
+  module.ItemSale "omitted in the middle", 1, 2, 13, 2, Result, Exresult, True, , 2
+  Sold "an omitted optional", "140012.00"
+  Result = "5": Exresult = 5
+  module.ItemSale "types of the outcome", 1, 1, 13, 1, Result, Exresult, True
+  Sold "an outcome of other types", "140013.00"
+End Sub
+
+' What is passed by value keeps its variable as it was.
+Sub PassedByValue
+  Dim q
+  q = "1"
+  Before
+  module.ItemSale ("parenthesised"), (q), (4.5), 13, 1, (Result), (Exresult), (Suppress)
+  total = "140017.50"
+  Unchanged "parenthesised arguments"
+  Expect "a parenthesised quantity", "1", q
+  module.ItemSale "literals", 1, 0.5, 13, 1, 0, "", True, "note", 1
+  total = "140018.00"
+  Unchanged "literals"
+End Sub
+
+' A variable that a Sub got by reference still takes its result.
+Sub Outer(ByRef code, ByRef text)
+  Inner code, text
+  Expect "Result through two Subs", 103, Result
+  Expect "Exresult through two Subs", "Qty Error", Exresult
+End Sub
+
+Sub Inner(ByRef code, ByRef text)
+  module.ItemSale "nothing", 0, 1, 13, 1, code, text, Suppress
+End Sub
+
+Sub ImpossibleArguments
+  Dim record, odd, value, i
+  Set record = CreateObject(Library & "clsDailyAcc")
+  Before
+  On Error Resume Next
+  odd = Array(Null, "abc", "", "1e", "2.5.1", Array(1), record, Nothing)
+  For i = 0 To UBound(odd)
+    If IsObject(odd(i)) Then Set value = odd(i) Else value = odd(i)
+    module.ItemSale "x", value, 1, 24, 1, Result, Exresult, True: Refused "quantity, odd value " & i, 13
+    module.ItemSale "x", 1, 1, 24, (value), Result, Exresult, True: Refused "department, odd value " & i, 13
+  Next
+  ' So are the variables that could not take their result.
+  For Each i In Array(0, 1, 5, 6, 7)
+    If IsObject(odd(i)) Then Set value = odd(i) Else value = odd(i)
+    module.ItemSale "x", 1, 1, 24, 1, value, Exresult, True: Refused "Result holding odd value " & i, 13
+    module.ItemSale "x", 1, 1, 24, 1, Result, Exresult, value: Refused "Suppress, odd value " & i, 13
+    If i <> 1 Then
+      module.ItemSale value, 1, 1, 24, 1, Result, Exresult, True: Refused "description, odd value " & i, 13
+      module.ItemSale "x", 1, 1, 24, 1, Result, value, True: Refused "Exresult holding odd value " & i, 13
+    End If
+  Next
+  value = 40000
+  module.ItemSale "x", 1, 1, 24, value, Result, Exresult, True: Refused "department 40000", 6
+  module.ItemSale "x", 1, 1, 24, "40000", Result, Exresult, True: Refused "department ""40000""", 6
+  module.ItemSale "x", 1, 1, 24, 1, value, Exresult, True: Refused "Result holding 40000", 6
+  module.ItemSale "x", 1, "1e400", 24, 1, Result, Exresult, True: Refused "price ""1e400""", 6
+  module.transactionTotals record, Result, Exresult, True: Refused "a record of another class", 13
+  module.transactionTotals "record", Result, Exresult, True: Refused "a text for a record", 13
+End Sub
+
+Sub ImpossibleCalls
+  Dim value
+  Before
+  On Error Resume Next
+  module.ItemSale "x", 1, 1, 24, 1, Result, Exresult: Refused "too few arguments", 450
+  module.ItemSale: Refused "no arguments", 450
+  module.ItemSale "x", 1, 1, 24, 1, Result, Exresult, True, "", 1, 1: Refused "too many arguments", 450
+  module.activateDebug 1: Refused "an argument where there are none", 450
+  module.Payment 1, "x", 1, Result, Exresult, True: Refused "the null driver's form of Payment", 450
+  module.noSuchMember 1: Refused "an unknown member", 438
+  value = module.isErrorFixable(14): Refused "a driver's own member", 438
+  module.getFiscalType = 3: Refused "setting a read-only property", 438
+End Sub
+
+' The null driver lacks what only a device can do; an Empty variable stays Empty then.
+Sub NullDriver
+  Dim terminal, value, text
+  module.VoidReceipt Result, Exresult, Suppress
+  module.DisConnect_ port, Result, Exresult, Suppress
+  module.Connect_ "", Result, Exresult, Suppress
+  Expect "Result of Connect_ without a port", 100, Result
+  Set terminal = CreateObject(Library & "clsEFT")
+  total = Empty
+  Before
+  On Error Resume Next
+  Set value = module.adjustment(True): Refused "adjustment", 438
+  module.eftdel terminal, Result, Exresult, True: Refused "eftdel", 438
+  module.setTaxCardNumber "1", Result, Exresult, True, "": Refused "setTaxCardNumber", 438
+  module.Payment 1, "x", 1, 0, 0, Result, Exresult, True: Refused "Payment", 450
+  module.Payment 1, "x", 1, 0, 0, Result, Exresult, True, "", True, False: Refused "Payment with all arguments", 450
+  module.eftdel terminal, value, text, True: Refused "eftdel with Empty variables", 438
+  Expect "types of untouched variables", "Empty Empty", TypeName(value) & " " & TypeName(text)
+End Sub
+
+Sub Before
+  Result = 77: Exresult = "as before"
+End Sub
+
+Sub Sold(what, sum)
+  Expect "Result of " & what, 0, Result
+  Expect "type of the Exresult of " & what, vbString, VarType(Exresult)
+  total = sum
+  CheckTotal what
+  Result = Empty: Exresult = Empty
+End Sub
+
+Sub Refused(what, number)
+  Dim got
+  got = Err.Number
+  Err.Clear
+  Expect "Err.Number of " & what, CLng(number), got
+  Unchanged what
+  Before
+End Sub
+
+Sub Unchanged(what)
+  Expect "Result after " & what, 77, Result
+  Expect "Exresult after " & what, "as before", Exresult
+  If Not IsEmpty(total) Then CheckTotal what
+End Sub
+
+' What the device itself says the receipt amounts to.
+Sub CheckTotal(what)
+  Dim code, reply, fields
+  module.SendCommand_ "9/", code, reply, True, ""
+  fields = Split(reply, "/")
+  Expect "total after " & what, total, fields(9)
+End Sub
+
+Sub Expect(what, expected, actual)
+  If VarType(expected) = VarType(actual) Then If expected = actual Then Exit Sub
+  WScript.Echo "FAIL " & what & ": expected " & TypeName(expected) & " " & expected
+  WScript.Echo "  got " & TypeName(actual) & " " & actual
+End Sub

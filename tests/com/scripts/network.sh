@@ -1,0 +1,2 @@
+# The receipt is that of receipt.vbs.
+source "$here/scripts/receipt.sh"
