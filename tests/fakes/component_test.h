@@ -34,6 +34,25 @@ std::uint32_t errorOf(F call) {
 constexpr std::uint32_t kMemberNotFound = 0x80020003, kTypeMismatch = 0x80020005, kOverflow = 0x8002000A,
                         kBadIndex = 0x8002000B, kBadCount = 0x8002000E;
 
+/// A new object of a public class.
+inline ObjectPtr create(std::string_view className) {
+  for (const PublicClass& entry : publicClasses()) {
+    if (entry.describe().name() == className) return entry.create();
+  }
+  ADD_FAILURE() << className << " cannot be created";
+  return nullptr;
+}
+
+/// What a variable of a parameter's type may hold.
+inline Value sampleFor(const Type& type) {
+  if (type.kind == TypeKind::boolean) return true;
+  if (type.kind == TypeKind::byte) return Byte{41};
+  if (type.kind == TypeKind::integer16) return Short{42};
+  if (type.kind == TypeKind::real) return 43.5;
+  if (type.kind == TypeKind::text) return Text(u"sample");
+  return create(type.name);
+}
+
 /// The component, freshly started on a machine of fakes. Whoever leaves an object behind fails.
 class ComponentTest : public testing::Test {
  protected:

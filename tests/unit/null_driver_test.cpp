@@ -1,5 +1,3 @@
-#include "interface/cls_eft.h"
-#include "interface/cls_param.h"
 #include "interface/fiscal_null_module.h"
 #include "tests/fakes/component_test.h"
 
@@ -10,40 +8,6 @@ const Box kRefusal{kWrongDevice, 4160, "Τίτλος"};
 
 class NullDriver : public ComponentTest {
  protected:
-  /// A variable for each parameter, holding something.
-  static std::vector<Value> variablesFor(const Member& member, bool suppress) {
-    std::vector<Value> variables;
-    for (const Parameter& parameter : member.parameters) {
-      switch (parameter.type.kind) {
-        case TypeKind::boolean:
-          variables.emplace_back(parameter.name == "SupressError_" && suppress);
-          break;
-        case TypeKind::byte:
-          variables.emplace_back(Byte{7});
-          break;
-        case TypeKind::integer16:
-          variables.emplace_back(Short{7});
-          break;
-        case TypeKind::real:
-          variables.emplace_back(7.5);
-          break;
-        case TypeKind::text:
-          variables.emplace_back(Text(u"seven"));
-          break;
-        default:
-          variables.emplace_back(record(parameter.type.name));
-      }
-    }
-    return variables;
-  }
-  static ObjectPtr record(std::string_view name) {
-    if (name == "clsParam") return std::make_shared<clsParam>();
-    if (name == "clsTransTotal") return std::make_shared<clsTransTotal>();
-    if (name == "clsAccumulator") return std::make_shared<clsAccumulator>();
-    if (name == "clsDailyAcc") return std::make_shared<clsDailyAcc>();
-    return std::make_shared<clsEFT>();
-  }
-
   std::shared_ptr<fiscalNullModule> driver = std::make_shared<fiscalNullModule>();
 };
 
@@ -55,13 +19,12 @@ TEST_F(NullDriver, RefusesEveryOperationAlikeAndChangesNothingElse) {
     ++operations;
     for (const bool suppress : {true, false}) {
       screen.boxes.clear();
-      const auto before = variablesFor(member, suppress);
-      auto after = before;
-      const std::vector<Argument> arguments = [&after] {
-        std::vector<Argument> list;
-        for (Value& variable : after) list.emplace_back(Reference(&variable));
-        return list;
-      }();
+      std::vector<Value> before;
+      for (const Parameter& parameter : member.parameters) before.push_back(sampleFor(parameter.type));
+      before[static_cast<std::size_t>(at) + 2] = suppress;
+      std::vector<Value> after = before;
+      std::vector<Argument> arguments;
+      for (Value& variable : after) arguments.emplace_back(Reference(&variable));
       EXPECT_EQ(driver->invoke(member.name, ClassInfo::Access::call, arguments), Value()) << member.name;
       auto expected = before;
       expected[static_cast<std::size_t>(at)] = Short{100};

@@ -10,7 +10,6 @@ Set module = CreateObject(Library & "fiscalTrevikModule")
 Selected
 TwoFacades
 Unselected
-NullDriver
 WScript.Echo "ok"
 
 Sub Selected
@@ -84,23 +83,6 @@ Sub Unselected
   Disconnect "", 0
   Connect port, 0, ""
   Disconnect port, 1
-End Sub
-
-Sub NullDriver
-  Dim driver, daily
-  Set driver = CreateObject(Library & "fiscalNullModule")
-  driver.Payment 1, "ΜΕΤΡΗΤΑ", 2.5, Result, Exresult, Suppress
-  Expect "the null driver's Payment", "100 " & Refusal, Result & " " & Exresult
-  driver.DisConnect_ port, Result, Exresult, Suppress
-  Expect "Result of the null driver's DisConnect_", 0, Result
-  Expect "isCriticalError", True, driver.isCriticalError(0)
-  Expect "bShouldRetry", False, driver.bShouldRetry(14)
-  Expect "isEuro of the null driver", True, driver.StatusRead.isEuro
-  Expect "StatusRead of the null driver is the same", True, driver.StatusRead Is driver.StatusRead
-  Set daily = CreateObject(Library & "clsDailyAcc")
-  daily.VatA = 1: daily.LegalReceiptCount = 2: daily.amtMarkUP = 3
-  driver.getDailyTotals daily, Result, Exresult, Suppress
-  Expect "zeroed day totals", CDbl(0), daily.VatA + daily.LegalReceiptCount + daily.amtMarkUP
 End Sub
 
 Sub Connect(name, code, text)

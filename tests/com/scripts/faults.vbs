@@ -1,4 +1,4 @@
-' emulator: --fault "on 3/S//CODE code 116" --fault "on 3/S//ENDS paper-end" --fault "on 3/S//LATE late 300" --fault "on 3/S//NOISE noise" --fault "on 3/S//LOST lost" --fault "on 3/S//HALF half" --fault "on 3/S//S02 status 02" --fault "on 3/S//S04 status 04" --fault "on 3/S//S10 status 10" --fault "on 3/S//S40 status 40" --fault "on 3/S//S20 status 20" --fault "on 3/S//BUSY busy 14" --fault "on 3/S//NAK nak" --fault "on 3/S//GONE lost" --fault "on 3/S//SILENT 4 silence"
+' emulator: --fault "on 3/S//CODE code 116" --fault "on 3/S//ENDS paper-end" --fault "on 3/S//LATE late 300" --fault "on 3/S//NOISE noise" --fault "on 3/S//LOST lost" --fault "on 3/S//HALF half" --fault "on 3/S//S02 status 02" --fault "on 3/S//S04 status 04" --fault "on 3/S//S10 status 10" --fault "on 3/S//S40 status 40" --fault "on 3/S//S20 status 20" --fault "on 3/S//NAK nak" --fault "on 3/S//GONE lost" --fault "on 3/S//SILENT 4 silence"
 ' What a caller is told of each misbehaviour. Every price is a power of two, so that the receipt's total tells which
 ' items were booked, and that none was booked twice.
 Option Explicit
@@ -26,8 +26,6 @@ module.Connect_ WScript.Arguments(1), Result, Exresult, Suppress
 Sell "NAK", 4096, -207, "Αναμονή Απόκρισης Ταμειακής...", 4089
 Sell "GONE", 8192, 0, "00/00/06/", 12281
 Sell "SILENT", 16384, -3, "H ταμειακή δεν Απαντά!", 12281
-' Busy is what a register gets over by itself.
-Sell "BUSY", 32768, 0, "00/00/06/", 45049
 module.DisConnect_ WScript.Arguments(1), Result, Exresult, Suppress
 WScript.Echo "ok"
 
