@@ -24,7 +24,7 @@ using Value =
 /// A value in the type that a member wants. Empty is 0, "" or False; True is -1 as a number; a real number becomes an
 /// integer rounded half to even; a text is a number when parseNumber takes it.
 /// Raises typeMismatch for what has no such value (Null, an object, a text that is no number) and overflow for a number
-/// beyond the type, infinities and NaN included.
+/// beyond the type, which for an integer infinities and NaN are too.
 template <class T>
 T convertTo(const Value& value);
 

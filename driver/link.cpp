@@ -18,6 +18,7 @@ constexpr std::size_t kLongestWrite = 255;
 constexpr std::size_t kLongestRead = 64;
 // A line that talks without end must eat neither the till's memory nor its time.
 constexpr std::size_t kReplyLimit = std::size_t{1} << 20U;
+constexpr std::size_t kForgottenAtOnce = std::size_t{1} << 16U;  // so that forgetting costs nothing a byte
 constexpr double kLongestDrain = 1;  // seconds
 
 constexpr double kRepeatAfter = 10;         // seconds until an unanswered serial command is repeated
@@ -55,7 +56,7 @@ std::string frameOf(const std::string& command) {
 
 void append(std::string& reply, const std::string& chunk) {
   reply += chunk;
-  if (reply.size() > kReplyLimit) reply.erase(0, reply.size() - kReplyLimit);
+  if (reply.size() > kReplyLimit) reply.erase(0, reply.size() - kReplyLimit + kForgottenAtOnce);
 }
 
 }  // namespace
@@ -205,7 +206,7 @@ std::string FiscalVarlenModule2::collectDatagrams() {
   const double acknowledged = time.now();
   std::string reply;
   for (;;) {
-    while (!reply.ends_with(wire::kEtx) && reply.size() < kReplyLimit && waitForDatagram(kNextDatagramWithin)) {
+    while (!reply.ends_with(wire::kEtx) && reply.size() < kReplyLimit - kForgottenAtOnce && waitForDatagram(kNextDatagramWithin)) {
       append(reply, readBytes());
     }
     if (!reply.empty() && reply != std::string{wire::kNak}) return reply;
