@@ -1,7 +1,9 @@
 #pragma once
 
+#include <array>
 #include <concepts>
 #include <functional>
+#include <initializer_list>
 #include <string_view>
 #include <tuple>
 #include <vector>
@@ -21,26 +23,105 @@ struct Type {
   std::string_view name{};
 };
 
-/// One parameter of a member. Written as its name, or as optional(name[, default]); the type is deduced.
-struct Parameter {
-  Parameter(const char* parameterName) : name(parameterName) {}  // NOLINT(google-explicit-constructor): reads as a list
+/// A parameter as a member table writes it: its name, or optional(name[, default]). Its type is deduced.
+struct ParameterName {
+  using Default = std::variant<std::monostate, bool, std::int16_t>;
+
+  constexpr ParameterName(const char* parameterName, bool mayBeOmitted = false, Default standsFor = {})
+      : name(parameterName), isOptional(mayBeOmitted), defaultValue(standsFor) {}
 
   std::string_view name;
+  bool isOptional;
+  /// What an omitted argument stands for, where that is not just the type's own zero.
+  Default defaultValue;
+};
+
+/// A list of them that stands elsewhere: braces in a call, or an array.
+class ParameterNames {
+ public:
+  /// Not to be kept: the list ends with the call.
+  constexpr ParameterNames(std::initializer_list<ParameterName> list) {
+    begin_ = list.begin();
+    end_ = list.end();
+  }
+  template <std::size_t N>
+  constexpr ParameterNames(const std::array<ParameterName, N>& list) : begin_(list.data()), end_(list.data() + N) {}
+
+  const ParameterName* begin() const { return begin_; }
+  const ParameterName* end() const { return end_; }
+
+ private:
+  const ParameterName* begin_ = nullptr;
+  const ParameterName* end_ = nullptr;
+};
+
+constexpr ParameterName optional(const char* name, ParameterName::Default defaultValue = {}) {
+  return {name, true, defaultValue};
+}
+
+/// One parameter of a member.
+struct Parameter {
+  std::string_view name;
+  bool isOptional = false;
+  Value defaultValue;
   Type type{};
   bool byReference = false;
-  bool isOptional = false;
-  /// What an omitted argument stands for; Empty where only the type's own zero is meant.
-  Value defaultValue{};
 };
 
 using Parameters = std::vector<Parameter>;
 
-inline Parameter optional(const char* name, Value defaultValue = {}) {
-  Parameter parameter(name);
-  parameter.isOptional = true;
-  parameter.defaultValue = std::move(defaultValue);
-  return parameter;
-}
+/// The parameters of a list, or of several that follow one another, their types still to be told.
+Parameters parametersOf(std::initializer_list<ParameterNames> lists);
+
+/// `value` in a type: what a member returns, or takes. Raises as convertTo does, and typeMismatch for an object of
+/// another class.
+Value convertedTo(const Type& type, const Value& value);
+
+/// The arguments of one call, in the types of the member's parameters. A parameter by reference is the caller's own
+/// variable where that has the member's type, otherwise a converted copy that is written back after the call.
+class CallArguments {
+ public:
+  /// Raises badParameterCount for a wrong number of arguments, and what conversion raises, with the argument's
+  /// position. A variable that could not take its result raises typeMismatch here, before the member runs.
+  CallArguments(Arguments given, const Parameters& parameters);
+  CallArguments(const CallArguments&) = delete;
+  CallArguments& operator=(const CallArguments&) = delete;
+
+  /// Argument `i` as the member's parameter type A: a T&, a T, a record's class& or a shared_ptr to a class.
+  template <class A>
+  decltype(auto) get(std::size_t i) {
+    using T = std::remove_reference_t<A>;
+    if constexpr (std::derived_from<T, Object>) {
+      return static_cast<T&>(*object(i));
+    } else if constexpr (requires { typename T::element_type; }) {
+      return std::static_pointer_cast<typename T::element_type>(object(i));
+    } else {
+      return (*std::get<T*>(slots_[i].variable));
+    }
+  }
+
+  /// All of them, each by reference, to be handed on to another member.
+  std::vector<Argument> references() const;
+
+  /// Gives the caller what the member wrote; also to be called when the member failed. What it did not change is left
+  /// as the caller has it, but a variable of any type takes the member's type once the member has run to its end. False
+  /// when a variable could not take its result.
+  bool finish(bool completed);
+
+ private:
+  struct Slot {
+    Argument given;
+    Reference variable;  // the caller's own, or what `copy` holds
+    Value copy;
+    Value before;
+    bool writeBack = false;
+  };
+
+  static void fill(Slot& slot, const Argument& given, const Parameter& parameter);
+  const ObjectPtr& object(std::size_t i) const { return *std::get<ObjectPtr*>(slots_[i].variable); }
+
+  std::vector<Slot> slots_;
+};
 
 /// One row of a member table.
 struct Member {
@@ -50,10 +131,10 @@ struct Member {
   std::int32_t dispatchId;
   Parameters parameters;
   Type result;
-  std::function<Value(Object&, Arguments, const Parameters&)> implementation;
+  std::function<Value(Object&, CallArguments&)> implementation;
 
-  /// Converts the arguments and runs the member on `self`, an object of the table's class.
-  Value invoke(Object& self, Arguments arguments) const { return implementation(self, arguments, parameters); }
+  /// Converts the arguments, runs the member on `self`, an object of the table's class, and gives back what it wrote.
+  Value invoke(Object& self, Arguments given) const;
 };
 
 namespace detail {
@@ -113,126 +194,6 @@ struct TypeOf<E> {
   static constexpr Type value{TypeKind::enumeration, enumerationName(E{})};
 };
 
-template <ObjectClass T>
-std::shared_ptr<T> asClass(const Value& value) {
-  const ObjectPtr object = convertTo<ObjectPtr>(value);
-  auto exact = std::dynamic_pointer_cast<T>(object);
-  if (object != nullptr && exact == nullptr) throw AutomationError(AutomationCode::typeMismatch);
-  return exact;
-}
-
-inline Value valueFor(const Argument& argument, const Parameter& parameter) {
-  return argument.missing() ? parameter.defaultValue : argument.value();
-}
-
-// A parameter by value.
-template <class T>
-class Slot {
- public:
-  Slot(const Argument& argument, const Parameter& parameter) : value_(convertTo<T>(valueFor(argument, parameter))) {}
-  T& get() { return value_; }
-  bool finish(bool /*completed*/) const { return true; }
-
- private:
-  T value_;
-};
-
-template <ObjectClass T>
-class Slot<std::shared_ptr<T>> {
- public:
-  Slot(const Argument& argument, const Parameter& parameter) : value_(asClass<T>(valueFor(argument, parameter))) {}
-  std::shared_ptr<T>& get() { return value_; }
-  bool finish(bool /*completed*/) const { return true; }
-
- private:
-  std::shared_ptr<T> value_;
-};
-
-// A parameter by reference: the caller's own variable where it has the member's type, otherwise a converted copy that
-// is written back after the call.
-template <class T>
-class Slot<T&> {
- public:
-  Slot(const Argument& argument, const Parameter& parameter) : argument_(argument), variable_(argument.variable<T>()) {
-    if (variable_ != nullptr) return;
-    copy_ = convertTo<T>(valueFor(argument, parameter));
-    if (!argument.canTake(Value(copy_))) throw AutomationError(AutomationCode::typeMismatch);
-  }
-  T& get() { return variable_ != nullptr ? *variable_ : copy_; }
-  // False when the variable cannot take the result. What the member did not change is left as the caller has it, but a
-  // variable of any type takes the member's type once the member has run to its end.
-  bool finish(bool completed) const {
-    if (variable_ != nullptr) return true;
-    const bool typeChanges = completed && argument_.isVariant();
-    return (!typeChanges && convertTo<T>(argument_.value()) == copy_) || argument_.store(Value(copy_));
-  }
-
- private:
-  const Argument& argument_;
-  T* variable_;
-  T copy_{};
-};
-
-// A record: filled in place, never replaced.
-template <ObjectClass T>
-class Slot<T&> {
- public:
-  Slot(const Argument& argument, const Parameter& parameter) : record_(asClass<T>(valueFor(argument, parameter))) {
-    if (record_ == nullptr) throw AutomationError(AutomationCode::typeMismatch);
-  }
-  T& get() { return *record_; }
-  bool finish(bool /*completed*/) const { return true; }
-
- private:
-  std::shared_ptr<T> record_;
-};
-
-template <class T>
-Slot<T> makeSlot(Arguments arguments, const Parameters& parameters, std::size_t i) {
-  static const Argument kMissing;
-  try {
-    return Slot<T>(i < arguments.size() ? arguments[i] : kMissing, parameters[i]);
-  } catch (const AutomationError& error) {
-    throw AutomationError(error.code(), static_cast<int>(i));
-  }
-}
-
-void checkCount(Arguments arguments, const Parameters& parameters);
-
-template <class R>
-Value toValue(R&& result) {
-  using Plain = std::remove_cvref_t<R>;
-  if constexpr (Enumeration<Plain>) {
-    return Value(static_cast<std::int32_t>(result));
-  } else {
-    return Value(std::forward<R>(result));
-  }
-}
-
-template <class C, class R, class... A, std::size_t... I>
-Value invokeWith(const auto& implementation, C& self, Arguments arguments, const Parameters& parameters,
-                 std::index_sequence<I...> /*positions*/) {
-  checkCount(arguments, parameters);
-  // Braces: converted in order, so that the first offending argument is the one reported.
-  std::tuple<Slot<A>...> slots{makeSlot<A>(arguments, parameters, I)...};
-  const auto finish = [&slots]([[maybe_unused]] bool completed) {
-    return (static_cast<int>(std::get<I>(slots).finish(completed)) & ... & 1) != 0;
-  };
-  Value result;
-  try {
-    if constexpr (std::is_void_v<R>) {
-      std::invoke(implementation, self, std::get<I>(slots).get()...);
-    } else {
-      result = toValue(std::invoke(implementation, self, std::get<I>(slots).get()...));
-    }
-  } catch (...) {
-    finish(false);  // what was written before the failure belongs to the caller
-    throw;
-  }
-  if (!finish(true)) throw AutomationError(AutomationCode::typeMismatch);
-  return result;
-}
-
 }  // namespace detail
 
 /// One member of an interface that several classes offer: described once, and implemented, refused or forwarded by each
@@ -258,15 +219,28 @@ struct Contract<R(A...)> {
   /// The table row whose member runs `implementation`, a member function of C or a callable that takes a C& first.
   template <class C, class F>
   Member implementedBy(F implementation) const {
-    return Member{name,
-                  kind,
-                  0,
-                  parameters,
-                  detail::TypeOf<R>::value,
-                  [implementation](Object& self, Arguments arguments, const Parameters& rows) {
-                    return detail::invokeWith<C, R, A...>(implementation, static_cast<C&>(self), arguments, rows,
-                                                          std::index_sequence_for<A...>());
-                  }};
+    return row([implementation](Object& self, CallArguments& arguments) {
+      return run(implementation, static_cast<C&>(self), arguments, std::index_sequence_for<A...>());
+    });
+  }
+
+  /// The table row of a member that treats its arguments alike, whatever they are.
+  Member row(std::function<Value(Object&, CallArguments&)> implementation) const {
+    return Member{name, kind, 0, parameters, detail::TypeOf<R>::value, std::move(implementation)};
+  }
+
+ private:
+  template <class C, class F, std::size_t... I>
+  static Value run(const F& implementation, C& self, [[maybe_unused]] CallArguments& arguments,
+                   std::index_sequence<I...> /*positions*/) {
+    if constexpr (std::is_void_v<R>) {
+      std::invoke(implementation, self, arguments.get<A>(I)...);
+      return {};
+    } else if constexpr (Enumeration<R>) {
+      return static_cast<std::int32_t>(std::invoke(implementation, self, arguments.get<A>(I)...));
+    } else {
+      return std::invoke(implementation, self, arguments.get<A>(I)...);
+    }
   }
 };
 

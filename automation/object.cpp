@@ -29,14 +29,6 @@ bool allows(ClassInfo::Access access, MemberKind kind) {
 
 }  // namespace
 
-void detail::checkCount(Arguments arguments, const Parameters& parameters) {
-  bool complete = arguments.size() <= parameters.size();
-  for (std::size_t i = 0; complete && i < parameters.size(); ++i) {
-    complete = parameters[i].isOptional || (i < arguments.size() && !arguments[i].missing());
-  }
-  if (!complete) throw AutomationError(AutomationCode::badParameterCount);
-}
-
 ClassInfo::ClassInfo(std::string_view name, std::vector<Member> members) : name_(name), members_(std::move(members)) {
   std::int32_t last = 0;
   for (Member& member : members_) {

@@ -92,8 +92,9 @@ class ClassBuilder {
  public:
   /// A method; its parameters' types are those of the member function.
   template <class R, class B, class... A>
-  ClassBuilder& method(std::string_view name, R (B::*function)(A...), Parameters parameters = {}) {
-    return add(Contract<R(A...)>(name, MemberKind::method, std::move(parameters)).template implementedBy<C>(function));
+  ClassBuilder& method(std::string_view name, R (B::*function)(A...), ParameterNames parameters = {}) {
+    return add(
+        Contract<R(A...)>(name, MemberKind::method, parametersOf({parameters})).template implementedBy<C>(function));
   }
 
   /// A property over a field.
@@ -121,13 +122,18 @@ class ClassBuilder {
 
   template <class B, class T>
   ClassBuilder& writeOnly(std::string_view name, void (B::*write)(T)) {
-    return add(Contract<void(T)>(name, MemberKind::put, {"value"}).template implementedBy<C>(write));
+    return add(Contract<void(T)>(name, MemberKind::put, parametersOf({{"value"}})).template implementedBy<C>(write));
   }
 
   /// A member of a shared interface.
   template <class Signature, class F>
   ClassBuilder& implement(const Contract<Signature>& contract, F implementation) {
     return add(contract.template implementedBy<C>(implementation));
+  }
+
+  ClassBuilder& add(Member member) {
+    members_.push_back(std::move(member));
+    return *this;
   }
 
   ClassInfo build() { return ClassInfo(C::kName, std::move(members_)); }
@@ -141,11 +147,7 @@ class ClassBuilder {
   template <class T, class B>
   ClassBuilder& addWrite(std::string_view name, T B::*field) {
     const auto write = [field](C& self, T value) { self.*field = std::move(value); };
-    return add(Contract<void(T)>(name, MemberKind::put, {"value"}).template implementedBy<C>(write));
-  }
-  ClassBuilder& add(Member member) {
-    members_.push_back(std::move(member));
-    return *this;
+    return add(Contract<void(T)>(name, MemberKind::put, parametersOf({{"value"}})).template implementedBy<C>(write));
   }
 
   std::vector<Member> members_;

@@ -19,7 +19,7 @@ constexpr std::size_t kLongestRead = 64;
 // A line that talks without end must eat neither the till's memory nor its time.
 constexpr std::size_t kReplyLimit = std::size_t{1} << 20U;
 constexpr std::size_t kForgottenAtOnce = std::size_t{1} << 16U;  // so that forgetting costs nothing a byte
-constexpr double kLongestDrain = 1;  // seconds
+constexpr double kLongestDrain = 1;                              // seconds
 
 constexpr double kRepeatAfter = 10;         // seconds until an unanswered serial command is repeated
 constexpr double kNetworkAnswerWithin = 1;  // seconds for the first datagram
@@ -206,7 +206,8 @@ std::string FiscalVarlenModule2::collectDatagrams() {
   const double acknowledged = time.now();
   std::string reply;
   for (;;) {
-    while (!reply.ends_with(wire::kEtx) && reply.size() < kReplyLimit - kForgottenAtOnce && waitForDatagram(kNextDatagramWithin)) {
+    while (!reply.ends_with(wire::kEtx) && reply.size() < kReplyLimit - kForgottenAtOnce &&
+           waitForDatagram(kNextDatagramWithin)) {
       append(reply, readBytes());
     }
     if (!reply.empty() && reply != std::string{wire::kNak}) return reply;

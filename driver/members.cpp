@@ -17,8 +17,10 @@ const ClassInfo& FiscalVarlenModule2::describe() {
         .property("lastResult", &Driver::lastResult)
         .property("lastexResult", &Driver::lastexResult)
         .readOnly("lastReply", &Driver::lastReply)
-        .method("Send_", &Driver::Send_, withResult({"CmdString"}, {"Pass", optional("timeOut")}))
-        .method("SendCommand_", &Driver::SendCommand_, withResult({"CmdString"}, {"Pass", optional("timeOut")}))
+        .method("Send_", &Driver::Send_,
+                {"CmdString", "Result", "Exresult", "SupressError_", "Pass", optional("timeOut")})
+        .method("SendCommand_", &Driver::SendCommand_,
+                {"CmdString", "Result", "Exresult", "SupressError_", "Pass", optional("timeOut")})
         .implement(contract::GetVersionInfo, &Driver::GetVersionInfo)
         .implement(contract::Connect_, &Driver::Connect_)
         .implement(contract::DisConnect_, &Driver::DisConnect_)

@@ -25,16 +25,13 @@ using String = Text&;
 using Flag = bool&;
 using Byte = std::uint8_t&;
 
-/// The names of the result variables, to be put into a parameter list.
-inline Parameters withResult(Parameters before, const Parameters& after = {}) {
-  before.insert(before.end(), {"Result", "Exresult", "SupressError_"});
-  before.insert(before.end(), after.begin(), after.end());
-  return before;
-}
+/// The variables that every operation reports through.
+inline constexpr std::array<ParameterName, 3> kResult = {"Result", "Exresult", "SupressError_"};
 
+/// An operation: its own parameters, the result variables, and what stands behind those.
 template <class Signature>
-Contract<Signature> method(std::string_view name, Parameters before = {}, const Parameters& after = {}) {
-  return {name, MemberKind::method, withResult(std::move(before), after)};
+Contract<Signature> method(std::string_view name, ParameterNames before = {}, ParameterNames after = {}) {
+  return {name, MemberKind::method, parametersOf({before, kResult, after})};
 }
 
 using Plain = Value(Integer, String, Flag);
@@ -65,8 +62,10 @@ inline const auto DisConnect_ = method<WithText>("DisConnect_", {"PORT"});
 
 // ---- Receipt
 
-inline const Parameters kItemParameters = {"itemDesc", "itemQuan", "itemUnitPrice", "itemVatRate", "itemDep"};
-inline const Parameters kItemOptions = {optional("itemComment"), optional("itemCategory", std::int16_t{1})};
+inline constexpr std::array<ParameterName, 5> kItemParameters = {"itemDesc", "itemQuan", "itemUnitPrice", "itemVatRate",
+                                                                 "itemDep"};
+inline constexpr std::array<ParameterName, 2> kItemOptions = {optional("itemComment"),
+                                                              optional("itemCategory", std::int16_t{1})};
 
 /// Prints an item line, opening a receipt when none is open. itemVatRate must be one of the device's rates.
 inline const auto ItemSale = method<ItemLine>("ItemSale", kItemParameters, kItemOptions);
@@ -81,8 +80,8 @@ inline const auto Payment = method<Value(Integer, String, Real, Integer, String,
 /// Pays, by card terminal eftposNum of type eftposType where these are greater than 0, and closes the receipt when
 /// nothing is left to pay. The form of the drivers.
 using CardPayment = Value(Integer, String, Real, Integer, Integer, Integer, String, Flag, String, Flag, Flag);
-inline const Parameters kCardPaymentParameters = {"paymentNumber", "paymentDesc", "paymentAmount", "eftposNum",
-                                                  "eftposType"};
+inline constexpr std::array<ParameterName, 5> kCardPaymentParameters = {"paymentNumber", "paymentDesc", "paymentAmount",
+                                                                        "eftposNum", "eftposType"};
 inline const auto DriverPayment = method<CardPayment>(
     "Payment", kCardPaymentParameters, {optional("paymentDesc2"), optional("bReadEJ"), optional("inPrePayment")});
 
@@ -112,10 +111,11 @@ inline const auto VoidReceipt = method<Plain>("VoidReceipt");
 inline const auto getDate = method<WithText>("getDate", {"d"});
 inline const auto getTime = method<WithText>("getTime", {"d"});
 inline const auto getSerialNumber = method<WithText>("getSerialNumber", {"sN"});
-inline const Parameters kFiveLines = {"line1",     "line1Size", "line2",     "line2Size", "line3",
-                                      "line3Size", "line4",     "line4Size", "line5",     "line5Size"};
-inline const Parameters kThreeLines = {"line1", "line1Size", "line2", "line2Size", "line3", "line3Size"};
-inline const Parameters kFiveRates = {"VatA", "VatB", "VatC", "VatD", "VatE"};
+inline constexpr std::array<ParameterName, 10> kFiveLines = {
+    "line1", "line1Size", "line2", "line2Size", "line3", "line3Size", "line4", "line4Size", "line5", "line5Size"};
+inline constexpr std::array<ParameterName, 6> kThreeLines = {"line1",     "line1Size", "line2",
+                                                             "line2Size", "line3",     "line3Size"};
+inline constexpr std::array<ParameterName, 5> kFiveRates = {"VatA", "VatB", "VatC", "VatD", "VatE"};
 inline const auto getHeader = method<FiveLines>("getHeader", kFiveLines);
 inline const auto setHeader = method<FiveLines>("setHeader", kFiveLines);
 inline const auto getFooter = method<ThreeLines>("getFooter", kThreeLines);
@@ -147,7 +147,7 @@ inline const auto setVATNumber =
     method<void(String, Integer, String, Flag, String)>("setVATNumber", {"sVat"}, {"Pass"});
 inline const auto setTaxCardNumber =
     method<void(String, Integer, String, Flag, String)>("setTaxCardNumber", {"nTaxCard"}, {"Pass"});
-inline const Parameters kServer = {"bActiveSend", "sWeb", "sPort", "sAES"};
+inline constexpr std::array<ParameterName, 4> kServer = {"bActiveSend", "sWeb", "sPort", "sAES"};
 inline const auto setServer =
     method<void(std::uint8_t, Text, Text, Text, Integer, String, Flag, String)>("setServer", kServer, {"Pass"});
 inline const auto getServer =
@@ -165,11 +165,11 @@ inline const auto eftdel = method<WithRecord<clsEFT>>("eftdel", {"c"});
 /// Longest logo line in characters.
 inline const Contract<std::int16_t()> logoLineDescLength{"logoLineDescLength", MemberKind::get, {}};
 /// Whether a Result tells of a state that the device ends by itself, so that waiting helps.
-inline const Contract<Classifier> bFixableError{"bFixableError", MemberKind::method, {"iErr"}};
-inline const Contract<Classifier> isErrorFixable{"isErrorFixable", MemberKind::method, {"iErr"}};
+inline const Contract<Classifier> bFixableError{"bFixableError", MemberKind::method, parametersOf({{"iErr"}})};
+inline const Contract<Classifier> isErrorFixable{"isErrorFixable", MemberKind::method, parametersOf({{"iErr"}})};
 /// Whether the command that ended with this Result may be sent again once the state has passed.
-inline const Contract<Classifier> bShouldRetry{"bShouldRetry", MemberKind::method, {"iErr"}};
+inline const Contract<Classifier> bShouldRetry{"bShouldRetry", MemberKind::method, parametersOf({{"iErr"}})};
 /// Whether a Result tells that the register cannot go on without help.
-inline const Contract<Classifier> isCriticalError{"isCriticalError", MemberKind::method, {"iErr"}};
+inline const Contract<Classifier> isCriticalError{"isCriticalError", MemberKind::method, parametersOf({{"iErr"}})};
 
 }  // namespace mirvane::contract

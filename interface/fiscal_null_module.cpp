@@ -1,6 +1,6 @@
 #include "interface/fiscal_null_module.h"
 
-#include <tuple>
+#include <algorithm>
 
 #include "interface/driver_interface.h"
 #include "interface/module_state.h"
@@ -11,33 +11,22 @@ namespace {
 
 constexpr std::int16_t kNoDriver = 100;
 
-// Where Result stands among the arguments: the one place with an integer, a text and a flag in a row.
-template <class... A>
-consteval std::size_t resultPosition() {
-  constexpr std::size_t kCount = sizeof...(A);
-  constexpr bool isInteger[] = {std::is_same_v<A, std::int16_t&>...};
-  constexpr bool isText[] = {std::is_same_v<A, Text&>...};
-  constexpr bool isFlag[] = {std::is_same_v<A, bool&>...};
-  for (std::size_t i = 0; i + 2 < kCount; ++i) {
-    if (isInteger[i] && isText[i + 1] && isFlag[i + 2]) return i;
-  }
-  throw "the member takes no Result, Exresult and SupressError_";
+// The row of a member that is only refused.
+template <class Signature>
+Member refusal(const Contract<Signature>& contract) {
+  const auto isResult = [](const Parameter& parameter) { return parameter.name == "Result"; };
+  const auto result = std::find_if(contract.parameters.begin(), contract.parameters.end(), isResult);
+  const auto at = static_cast<std::size_t>(result - contract.parameters.begin());
+  return contract.row([at](Object& /*self*/, CallArguments& arguments) -> Value {
+    fiscalNullModule::refuse(arguments.get<std::int16_t&>(at), arguments.get<Text&>(at + 1),
+                             arguments.get<bool&>(at + 2));
+    return {};
+  });
 }
 
-template <class R, class... A>
-auto refusal(const Contract<R(A...)>& /*signature*/) {
-  return [](fiscalNullModule& /*self*/, A... arguments) -> R {
-    constexpr std::size_t kAt = resultPosition<A...>();
-    const auto all = std::tie(arguments...);
-    fiscalNullModule::refuse(std::get<kAt>(all), std::get<kAt + 1>(all), std::get<kAt + 2>(all));
-    return R();
-  };
-}
-
-// One row for each member that is only refused.
 template <class... Signatures>
 void refuseAll(ClassBuilder<fiscalNullModule>& table, const Contract<Signatures>&... members) {
-  (table.implement(members, refusal(members)), ...);
+  (table.add(refusal(members)), ...);
 }
 
 }  // namespace

@@ -7,39 +7,27 @@
 namespace mirvane {
 namespace {
 
-template <class R>
-R resultAs(const Value& result) {
-  if constexpr (std::is_void_v<R>) {
-    return;
-  } else {
-    return convertTo<R>(result);
-  }
-}
-
-template <class R>
-requires detail::ObjectClass<typename R::element_type> R resultAs(const Value& result) {
-  return detail::asClass<typename R::element_type>(result);
-}
-
-// Passes a member on to the current driver's member of the name `to`, with references to the caller's own variables.
-template <class R, class... A>
-auto forwardTo(std::string_view to, const Contract<R(A...)>& /*signature*/) {
-  return [to](fiscalTrevikModule& /*self*/, A... arguments) -> R {
-    return resultAs<R>(currentDriver()->call(to, arguments...));
+// The row of a member that passes all its arguments on, as references, to the current driver's member of the name `to`.
+template <class Signature>
+Member forwardTo(std::string_view to, const Contract<Signature>& contract) {
+  Member row = contract.row({});
+  row.implementation = [to, result = row.result](Object& /*self*/, CallArguments& arguments) {
+    return convertedTo(result, currentDriver()->invoke(to, ClassInfo::Access::callOrRead, arguments.references()));
   };
+  return row;
 }
 
 template <class... Signatures>
 void forward(ClassBuilder<fiscalTrevikModule>& table, const Contract<Signatures>&... members) {
-  (table.implement(members, forwardTo(members.name, members)), ...);
+  (table.add(forwardTo(members.name, members)), ...);
 }
 
 // As forward, where the facade's name for the driver's member is another one.
 template <class Signature>
-void forwardAs(ClassBuilder<fiscalTrevikModule>& table, std::string_view name, Contract<Signature> member) {
-  const std::string_view to = member.name;
-  member.name = name;
-  table.implement(member, forwardTo(to, member));
+void forwardAs(ClassBuilder<fiscalTrevikModule>& table, std::string_view name, const Contract<Signature>& member) {
+  Member row = forwardTo(member.name, member);
+  row.name = name;
+  table.add(std::move(row));
 }
 
 }  // namespace
@@ -61,7 +49,7 @@ Value fiscalTrevikModule::DisConnect_(Text& PORT, std::int16_t& Result, Text& Ex
 std::shared_ptr<clsStatus> fiscalTrevikModule::StatusRead() {
   const ObjectPtr driver = moduleState().currentDriver;
   if (driver == nullptr) return std::make_shared<clsStatus>();
-  return detail::asClass<clsStatus>(driver->call("StatusRead"));
+  return std::dynamic_pointer_cast<clsStatus>(convertTo<ObjectPtr>(driver->call("StatusRead")));
 }
 
 void fiscalTrevikModule::setDepartment(std::int16_t& /*depID*/, Text& /*depDescription*/, std::int16_t& /*depCategory*/,
@@ -80,7 +68,8 @@ const ClassInfo& fiscalTrevikModule::describe() {
   static const ClassInfo info = [] {
     using namespace contract;
     using Facade = fiscalTrevikModule;
-    static const Contract<std::shared_ptr<clsAdjust>(Flag)> kAdjustment{"adjustment", MemberKind::get, {"onLastItem"}};
+    static const Contract<std::shared_ptr<clsAdjust>(Flag)> kAdjustment{"adjustment", MemberKind::get,
+                                                                        parametersOf({{"onLastItem"}})};
     // The facade always passes all arguments on, so its own defaults reach the driver.
     static const auto kPayment =
         method<CardPayment>("Payment", kCardPaymentParameters,

@@ -46,7 +46,7 @@ std::string fixedText(double value, int decimals, Ties ties) {
   const int leading = std::max(0, -decimal.point) + 1;
   digits.insert(0, static_cast<std::size_t>(leading), '0');
   int whole = decimal.point + leading;  // digits in front of the point
-  const auto kept = static_cast<std::size_t>(whole + decimals);
+  const std::size_t kept = static_cast<std::size_t>(whole) + static_cast<std::size_t>(decimals);
   if (kept < digits.size()) {
     const bool tie = digits[kept] == '5' && digits.find_first_not_of('0', kept + 1) == std::string::npos;
     const bool up = tie && ties == Ties::toEven ? (digits[kept - 1] - '0') % 2 == 1 : digits[kept] >= '5';

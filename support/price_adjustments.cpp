@@ -114,17 +114,17 @@ Value clsAdjust::amountDiscount(Text& actionDesc, double& dblAmount, std::int16_
 }
 
 const ClassInfo& clsAdjust::describe() {
-  static const ClassInfo info = [] {
-    const auto parameters = [](const char* value) {
-      return Parameters{"actionDesc", value, "Result", "Exresult", "SupressError_", optional("exComment")};
-    };
-    return ClassBuilder<clsAdjust>()
-        .method("percentMarkUP", &clsAdjust::percentMarkUP, parameters("dblPercent"))
-        .method("percentDiscount", &clsAdjust::percentDiscount, parameters("dblPercent"))
-        .method("amountMarkUp", &clsAdjust::amountMarkUp, parameters("dblAmount"))
-        .method("amountDiscount", &clsAdjust::amountDiscount, parameters("dblAmount"))
-        .build();
-  }();
+  static const ClassInfo info =
+      ClassBuilder<clsAdjust>()
+          .method("percentMarkUP", &clsAdjust::percentMarkUP,
+                  {"actionDesc", "dblPercent", "Result", "Exresult", "SupressError_", optional("exComment")})
+          .method("percentDiscount", &clsAdjust::percentDiscount,
+                  {"actionDesc", "dblPercent", "Result", "Exresult", "SupressError_", optional("exComment")})
+          .method("amountMarkUp", &clsAdjust::amountMarkUp,
+                  {"actionDesc", "dblAmount", "Result", "Exresult", "SupressError_", optional("exComment")})
+          .method("amountDiscount", &clsAdjust::amountDiscount,
+                  {"actionDesc", "dblAmount", "Result", "Exresult", "SupressError_", optional("exComment")})
+          .build();
   return info;
 }
 

@@ -1,5 +1,6 @@
 #!/bin/bash
-# Runs the scripts of tests/com/scripts against the registered DLL under Wine, each with a device of its own.
+# Runs the scripts of tests/com/scripts, and those of examples, against the registered DLL under Wine, each with a
+# device of its own.
 #
 #   tests/com/run_com_tests.sh [PATTERN]      PATTERN picks scripts by name, as in "receipt*"
 #
@@ -10,14 +11,14 @@
 #   emulator: ARGUMENT... start its device with these arguments (last on the line; quotes work as in a shell)
 #
 # A file of the same name that ends in ".sh" runs beside the script, to look at its windows and answer them: it has the
-# verbs of wine.sh, the folder $WORK, and fails the case when it fails.
+# verbs of tools/wine.sh, the folder $WORK, and fails the case when it fails.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 repo=$(cd "$here/../.." && pwd)
 results="$repo/build/com"
 WORK=$results
 rm -rf "$results"
-source "$here/wine.sh"
+source "$repo/tools/wine.sh"
 trap clean_up EXIT
 trap 'exit 130' INT TERM
 failures=0
@@ -99,7 +100,7 @@ registration() {
 
 # type_library BITS: what a program finds in the registered type library is what it was promised.
 type_library() {
-  in_wine "$(windows_path "$repo/build/win$1/tests/type-library-dump.exe")" >"$WORK/dump" 2>"$WORK/complaint" ||
+  in_wine "$(windows_path "$repo/build/win$1/tools/type-library-dump.exe")" >"$WORK/dump" 2>"$WORK/complaint" ||
     die "$(<"$WORK/complaint")"
   tr -d '\r' <"$WORK/dump" >"$WORK/type_library"
   diff -u "$here/type_library.golden" "$WORK/type_library" ||
@@ -149,9 +150,11 @@ done
 if [[ type_library == $pattern ]]; then
   for bits in 32 64; do run_case "type_library.$bits" type_library "$bits"; done
 fi
-for script in "$here"/scripts/*.vbs "$here"/scripts/*.js; do
+for script in "$here"/scripts/*.{vbs,js} "$repo"/examples/*/*.{vbs,js}; do
   name=$(basename "$script")
+  [[ $script == "$here"/* ]] || name="example.$name"
   # An unmatched wildcard stays as it is.
+  # shellcheck disable=SC2053
   [[ -e $script && $name == $pattern ]] || continue
   run_case "$name.32" com_script 32 "$script"
   [[ $(head -n 1 "$script") != *both* ]] || run_case "$name.64" com_script 64 "$script"

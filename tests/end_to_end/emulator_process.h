@@ -1,7 +1,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,8 +10,6 @@
 #include <sstream>
 #include <string>
 #include <vector>
-
-extern char** environ;
 
 namespace mirvane::test {
 
@@ -32,12 +29,13 @@ class EmulatorProcess {
 
     int pipeEnds[2];
     if (pipe(pipeEnds) != 0) std::abort();
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, pipeEnds[1], STDOUT_FILENO);
-    posix_spawn_file_actions_addclose(&actions, pipeEnds[0]);
-    EXPECT_EQ(posix_spawn(&process_, program, &actions, nullptr, arguments.data(), environ), 0) << program;
-    posix_spawn_file_actions_destroy(&actions);
+    process_ = fork();
+    if (process_ == 0) {
+      dup2(pipeEnds[1], STDOUT_FILENO);
+      close(pipeEnds[0]);
+      execv(program, arguments.data());
+      _exit(127);
+    }
     close(pipeEnds[1]);
     for (char byte = 0; read(pipeEnds[0], &byte, 1) == 1 && byte != '\n';) ready_ += byte;
     close(pipeEnds[0]);
@@ -46,16 +44,11 @@ class EmulatorProcess {
   EmulatorProcess(const EmulatorProcess&) = delete;
   EmulatorProcess& operator=(const EmulatorProcess&) = delete;
   ~EmulatorProcess() {
-    stop();
     std::remove(paperFile_.c_str());
-  }
-
-  void stop() {
     if (process_ <= 0) return;
     int status = 0;
     kill(process_, SIGTERM);
     waitpid(process_, &status, 0);
-    process_ = 0;
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the emulator ended with " << status;
   }
 

@@ -31,26 +31,22 @@ std::uint32_t errorOf(F call) {
     return static_cast<std::uint32_t>(error.code());
   }
 }
-constexpr std::uint32_t kMemberNotFound = 0x80020003, kTypeMismatch = 0x80020005, kOverflow = 0x8002000A,
-                        kBadIndex = 0x8002000B, kBadCount = 0x8002000E;
+constexpr std::uint32_t kMemberNotFound = 0x80020003, kTypeMismatch = 0x80020005, kOverflow = 0x8002000A;
 
 /// A new object of a public class.
 inline ObjectPtr create(std::string_view className) {
-  for (const PublicClass& entry : publicClasses()) {
-    if (entry.describe().name() == className) return entry.create();
-  }
-  ADD_FAILURE() << className << " cannot be created";
-  return nullptr;
+  const auto nameOf = [](const PublicClass& entry) { return entry.describe().name(); };
+  return std::ranges::find(publicClasses(), className, nameOf)->create();
 }
 
-/// What a variable of a parameter's type may hold.
-inline Value sampleFor(const Type& type) {
-  if (type.kind == TypeKind::boolean) return true;
-  if (type.kind == TypeKind::byte) return Byte{41};
-  if (type.kind == TypeKind::integer16) return Short{42};
-  if (type.kind == TypeKind::real) return 43.5;
-  if (type.kind == TypeKind::text) return Text(u"sample");
-  return create(type.name);
+inline void put(Object& object, std::string_view property, Value value) {
+  const Argument argument[] = {Argument(std::move(value))};
+  object.invoke(property, ClassInfo::Access::write, argument);
+}
+
+/// What a driver's StatusRead is.
+inline std::shared_ptr<clsStatus> statusOf(Object& driver) {
+  return std::dynamic_pointer_cast<clsStatus>(std::get<ObjectPtr>(driver.call("StatusRead")));
 }
 
 /// The component, freshly started on a machine of fakes. Whoever leaves an object behind fails.

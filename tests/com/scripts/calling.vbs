@@ -117,10 +117,7 @@ Sub NullDriver
   Before
   On Error Resume Next
   Set value = module.adjustment(True): Refused "adjustment", 438
-  module.eftdel terminal, Result, Exresult, True: Refused "eftdel", 438
-  module.setTaxCardNumber "1", Result, Exresult, True, "": Refused "setTaxCardNumber", 438
   module.Payment 1, "x", 1, 0, 0, Result, Exresult, True: Refused "Payment", 450
-  module.Payment 1, "x", 1, 0, 0, Result, Exresult, True, "", True, False: Refused "Payment with all arguments", 450
   module.eftdel terminal, value, text, True: Refused "eftdel with Empty variables", 438
   Expect "types of untouched variables", "Empty Empty", TypeName(value) & " " & TypeName(text)
 End Sub

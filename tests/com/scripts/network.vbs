@@ -1,4 +1,4 @@
-' both: the receipt of receipt.vbs over the network, in part over the serial port, and the endpoint by itself.
+' both: the receipt of receipt.vbs over the network and in part over the serial port.
 Option Explicit
 
 Dim module, address, Result, Exresult, Suppress
@@ -23,30 +23,7 @@ module.commentPrinterPrint "Ευχαριστούμε!", 1, Result, Exresult, Sup
 module.Payment 1, "ΜΕΤΡΗΤΑ", 20, 0, 0, Result, Exresult, Suppress
 Expect "Result of Payment", 0, Result
 Disconnect address
-Endpoint
 WScript.Echo "ok"
-
-Sub Endpoint
-  Dim client, parts, text, count
-  Set client = CreateObject("VarlenFiscalQ7734.cTCPIP")
-  parts = Split(address, ":")
-  client.RemoteHostIP = parts(0)
-  client.RemotePort = parts(1)
-  Expect "OpenConnection", 0, client.OpenConnection(0)
-  Expect "an open SocketHnd is 0", False, client.SocketHnd = 0
-  Expect "IsDataAvailable at once", False, client.IsDataAvailable(0)
-  Expect "ReceiveData of nothing", False, client.ReceiveData(text, count)
-  Expect "types after ReceiveData of nothing", "Empty Empty", TypeName(text) & " " & TypeName(count)
-  ' The register acknowledges a frame, here the question for its version.
-  Expect "SendData", True, client.SendData(Chr(5))
-  Expect "SendData of a frame", True, client.SendData(Chr(2) & "v/65" & Chr(3))
-  Expect "IsDataAvailable", True, client.IsDataAvailable
-  Expect "ReceiveData", True, client.ReceiveData(text, count)
-  Expect "the acknowledgement", Chr(6), Left(text, 1)
-  Expect "the count", CLng(Len(text)), count
-  client.ShutdownConnection
-  Expect "a closed SocketHnd", CLng(0), client.SocketHnd
-End Sub
 
 Sub Connect(name)
   Result = Empty: Exresult = Empty

@@ -3,9 +3,7 @@ Option Explicit
 
 Const Library = "VarlenFiscalQ7734."
 Types
-Display
 LinkProperties
-BinaryDigits
 WScript.Echo "ok"
 
 ' A property has one type, whatever it was given.
@@ -30,17 +28,6 @@ Sub Types
   Expect "VatA after refusals", CDbl(3), daily.VatA
 End Sub
 
-' Kept inverted: the absolute value of 1 minus what is given.
-Sub Display
-  Dim settings, pair
-  Set settings = CreateObject(Library & "clsParam")
-  Expect "a new useLCDdisplay", CByte(0), settings.useLCDdisplay
-  For Each pair In Array(Array(0, 1), Array(1, 0), Array(2, 1), Array(255, 254))
-    settings.useLCDdisplay = pair(0)
-    Expect "useLCDdisplay after " & pair(0), CByte(pair(1)), settings.useLCDdisplay
-  Next
-End Sub
-
 Sub LinkProperties
   Dim link, first, other
   Set link = CreateObject(Library & "cPortProp")
@@ -60,22 +47,6 @@ Sub LinkProperties
   Set link.TCPClass = Nothing
   Expect "TCPClass after Nothing is Nothing", False, link.TCPClass Is Nothing
   Expect "TCPClass after Nothing is the earlier one", False, other Is link.TCPClass
-End Sub
-
-Sub BinaryDigits
-  Dim number, pair
-  Set number = CreateObject(Library & "dec2Bin")
-  Expect "type of a new Bin_", vbEmpty, VarType(number.Bin_)
-  For Each pair In Array(Array(0, "0"), Array(1, "1"), Array(2, "10"), Array(6, "110"), Array(255, "11111111"), _
-    Array(32767, "111111111111111"), Array(-3, "1"))
-    number.Decimal_ = pair(0)
-    Expect "Bin_ of " & pair(0), pair(1), number.Bin_
-  Next
-  On Error Resume Next
-  number.Decimal_ = 40000: Refused "Decimal_ = 40000", 6
-  pair = number.Decimal_: Refused "reading Decimal_", 438
-  number.Bin_ = "1": Refused "setting Bin_", 438
-  Expect "Bin_ after refusals", "1", number.Bin_
 End Sub
 
 Sub Refused(what, number)

@@ -1,0 +1,148 @@
+#include "automation/member.h"
+
+#include <type_traits>
+
+#include "automation/object.h"
+
+namespace mirvane {
+namespace {
+
+// Calls `f` with the C++ type that a parameter of this kind has, as a std::type_identity.
+template <class F>
+auto withType(TypeKind kind, F f) {
+  switch (kind) {
+    case TypeKind::boolean:
+      return f(std::type_identity<bool>());
+    case TypeKind::byte:
+      return f(std::type_identity<std::uint8_t>());
+    case TypeKind::integer16:
+      return f(std::type_identity<std::int16_t>());
+    case TypeKind::integer32:
+    case TypeKind::enumeration:
+      return f(std::type_identity<std::int32_t>());
+    case TypeKind::real:
+      return f(std::type_identity<double>());
+    case TypeKind::text:
+      return f(std::type_identity<Text>());
+    case TypeKind::object:
+      return f(std::type_identity<ObjectPtr>());
+    case TypeKind::none:
+    case TypeKind::variant:
+      break;
+  }
+  return f(std::type_identity<Value>());
+}
+
+// What a copy holds, as a variable of its own type.
+Reference inside(Value& copy, TypeKind kind) {
+  return withType(kind, [&copy]<class T>(std::type_identity<T>) -> Reference {
+    if constexpr (std::is_same_v<T, Value>) {
+      return &copy;
+    } else {
+      return &std::get<T>(copy);
+    }
+  });
+}
+
+void requireCount(Arguments given, const Parameters& parameters) {
+  bool complete = given.size() <= parameters.size();
+  for (std::size_t i = 0; complete && i < parameters.size(); ++i) {
+    complete = parameters[i].isOptional || (i < given.size() && !given[i].missing());
+  }
+  if (!complete) throw AutomationError(AutomationCode::badParameterCount);
+}
+
+}  // namespace
+
+Parameters parametersOf(std::initializer_list<ParameterNames> lists) {
+  Parameters parameters;
+  for (const ParameterNames& list : lists) {
+    for (const ParameterName& row : list) {
+      Parameter& parameter = parameters.emplace_back();
+      parameter.name = row.name;
+      parameter.isOptional = row.isOptional;
+      std::visit([&parameter](auto preset) { parameter.defaultValue = preset; }, row.defaultValue);
+    }
+  }
+  return parameters;
+}
+
+Value convertedTo(const Type& type, const Value& value) {
+  if (type.kind == TypeKind::none) return {};
+  Value converted =
+      withType(type.kind, [&value]<class T>(std::type_identity<T>) -> Value { return convertTo<T>(value); });
+  if (type.kind == TypeKind::object && !type.name.empty()) {
+    const auto& object = std::get<ObjectPtr>(converted);
+    if (object != nullptr && object->classInfo().name() != type.name) {
+      throw AutomationError(AutomationCode::typeMismatch);
+    }
+  }
+  return converted;
+}
+
+CallArguments::CallArguments(Arguments given, const Parameters& parameters) {
+  requireCount(given, parameters);
+  slots_.resize(parameters.size());
+  for (std::size_t i = 0; i < slots_.size(); ++i) {
+    try {
+      fill(slots_[i], i < given.size() ? given[i] : Argument(), parameters[i]);
+    } catch (const AutomationError& error) {
+      throw AutomationError(error.code(), static_cast<int>(i));
+    }
+  }
+}
+
+void CallArguments::fill(Slot& slot, const Argument& given, const Parameter& parameter) {
+  const TypeKind kind = parameter.type.kind;
+  const bool isRecord = kind == TypeKind::object;
+  slot.given = given;
+  slot.writeBack = false;
+  if (parameter.byReference && !isRecord) {
+    const bool inPlace = withType(kind, [&]<class T>(std::type_identity<T>) {
+      T* const variable = given.variable<T>();
+      slot.variable = variable;
+      return variable != nullptr;
+    });
+    if (inPlace) return;
+    slot.writeBack = true;
+  }
+  slot.copy = convertedTo(parameter.type, given.missing() ? parameter.defaultValue : given.value());
+  slot.variable = inside(slot.copy, kind);
+  // A record is filled in place, so there has to be one.
+  const bool nothingToFill = parameter.byReference && isRecord && std::get<ObjectPtr>(slot.copy) == nullptr;
+  if (nothingToFill || (slot.writeBack && !given.canTake(slot.copy))) {
+    throw AutomationError(AutomationCode::typeMismatch);
+  }
+  if (slot.writeBack) slot.before = slot.copy;
+}
+
+std::vector<Argument> CallArguments::references() const {
+  std::vector<Argument> all;
+  all.reserve(slots_.size());
+  for (const Slot& slot : slots_) all.emplace_back(slot.variable);
+  return all;
+}
+
+bool CallArguments::finish(bool completed) {
+  bool taken = true;
+  for (const Slot& slot : slots_) {
+    const bool typeChanges = completed && slot.given.isVariant();
+    if (slot.writeBack && (typeChanges || slot.copy != slot.before)) taken = slot.given.store(slot.copy) && taken;
+  }
+  return taken;
+}
+
+Value Member::invoke(Object& self, Arguments given) const {
+  CallArguments arguments(given, parameters);
+  Value value;
+  try {
+    value = implementation(self, arguments);
+  } catch (...) {
+    arguments.finish(false);  // what was written before the failure belongs to the caller
+    throw;
+  }
+  if (!arguments.finish(true)) throw AutomationError(AutomationCode::typeMismatch);
+  return value;
+}
+
+}  // namespace mirvane
