@@ -5,7 +5,6 @@
 #include <functional>
 #include <initializer_list>
 #include <string_view>
-#include <tuple>
 #include <vector>
 
 #include "automation/argument.h"

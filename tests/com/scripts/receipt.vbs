@@ -1,4 +1,4 @@
-' both: a whole receipt, with a plain variable, Empty at first, for every by-reference argument.
+' both: a whole receipt, half over each line, with a plain variable, Empty at first, for every by-reference argument.
 Option Explicit
 
 Dim module, port, Result, Exresult, Suppress, version, number, text, amount, terminal, kind
@@ -16,6 +16,12 @@ Expect "an Empty Pass", "", version
 
 Sell "Καφές ελληνικός", 2, 1.8, 24, 1, "σκέτος", 1
 Sell "Τυρόπιτα", 3, 2.2, 13, 2, Empty, Empty
+' The other half over the network; the register is the same.
+module.DisConnect_ port, Result, Exresult, Suppress
+Expect "Result of DisConnect_", 1, Result
+port = WScript.Arguments(1)
+module.Connect_ port, Result, Exresult, Suppress
+Succeeded "Connect_ over the network"
 Sell "Νερό / λίτρα", 1.5, 0.5, 13, 2, "", 2
 Sell "Βιβλίο", 1, 9.9, 6, 3, Empty, 1
 module.ItemVoid "Τυρόπιτα", 1, 2.2, 13, 2, Result, Exresult, Suppress

@@ -1,2 +1,0 @@
-# The receipt is that of receipt.vbs.
-source "$here/scripts/receipt.sh"
