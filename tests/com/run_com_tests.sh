@@ -123,6 +123,10 @@ com_script() {
     (source "$beside") &
     companion=$!
   fi
+  if [[ $script == "$here"/*.vbs ]]; then
+    cat "$script" "$here/expect.vbs" >"$WORK/$(basename "$script")"
+    script="$WORK/$(basename "$script")"
+  fi
   wine_limit=60 run_script "$bits" "$script" COM5 "$(emulator_address device)" \
     "$(windows_path "$WORK/device.paper")" >"$WORK/printed" || verdict=$?
   cat "$WORK/printed"

@@ -23,9 +23,3 @@ module.ItemSale "Καφές", 0, 1, 24, 1, Result, Exresult, False
 Expect "a failure", "103 Qty Error", Result & " " & Exresult
 module.DisConnect_ WScript.Arguments(0), Result, Exresult, False
 WScript.Echo "ok"
-
-Sub Expect(what, expected, actual)
-  If VarType(expected) = VarType(actual) Then If expected = actual Then Exit Sub
-  WScript.Echo "FAIL " & what & ": expected " & TypeName(expected) & " " & expected
-  WScript.Echo "  got " & TypeName(actual) & " " & actual
-End Sub

@@ -156,9 +156,3 @@ Sub CheckTotal(what)
   fields = Split(reply, "/")
   Expect "total after " & what, total, fields(9)
 End Sub
-
-Sub Expect(what, expected, actual)
-  If VarType(expected) = VarType(actual) Then If expected = actual Then Exit Sub
-  WScript.Echo "FAIL " & what & ": expected " & TypeName(expected) & " " & expected
-  WScript.Echo "  got " & TypeName(actual) & " " & actual
-End Sub

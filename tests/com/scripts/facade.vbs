@@ -104,9 +104,3 @@ Sub Sell(code, text)
   Expect "Result of ItemSale", code, Result
   Expect "Exresult of ItemSale", text, Exresult
 End Sub
-
-Sub Expect(what, expected, actual)
-  If VarType(expected) = VarType(actual) Then If expected = actual Then Exit Sub
-  WScript.Echo "FAIL " & what & ": expected " & TypeName(expected) & " " & expected
-  WScript.Echo "  got " & TypeName(actual) & " " & actual
-End Sub

@@ -55,9 +55,3 @@ Sub Succeeded(what)
   Expect "type of the Exresult of " & what, "String", TypeName(Exresult)
   Result = Empty: Exresult = Empty
 End Sub
-
-Sub Expect(what, expected, actual)
-  If VarType(expected) = VarType(actual) Then If expected = actual Then Exit Sub
-  WScript.Echo "FAIL " & what & ": expected " & TypeName(expected) & " " & expected
-  WScript.Echo "  got " & TypeName(actual) & " " & actual
-End Sub

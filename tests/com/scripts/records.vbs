@@ -55,9 +55,3 @@ Sub Refused(what, number)
   Err.Clear
   Expect "Err.Number of " & what, CLng(number), got
 End Sub
-
-Sub Expect(what, expected, actual)
-  If VarType(expected) = VarType(actual) Then If expected = actual Then Exit Sub
-  WScript.Echo "FAIL " & what & ": expected " & TypeName(expected) & " " & expected
-  WScript.Echo "  got " & TypeName(actual) & " " & actual
-End Sub
