@@ -107,6 +107,13 @@ type_library() {
     die "type_library.golden (-) is the contract that programs rely on, the library (+) breaks it: mend the library"
 }
 
+# typed_caller BITS
+typed_caller() {
+  in_wine "$(windows_path "$repo/build/win$1/tests/typed-caller.exe")" >"$WORK/raw"
+  tr -d '\r' <"$WORK/raw" | tee "$WORK/printed"
+  script_passed "$WORK/printed"
+}
+
 # ---- Scripts
 
 # com_script BITS FILE
@@ -153,6 +160,9 @@ for bits in 32 64; do
 done
 if [[ type_library == $pattern ]]; then
   for bits in 32 64; do run_case "type_library.$bits" type_library "$bits"; done
+fi
+if [[ typed_caller == $pattern ]]; then
+  for bits in 32 64; do run_case "typed_caller.$bits" typed_caller "$bits"; done
 fi
 for script in "$here"/scripts/*.{vbs,js} "$repo"/examples/*/*.{vbs,js}; do
   name=$(basename "$script")

@@ -55,5 +55,15 @@ TEST_F(Records, ConvertedOnSetting) {
   }
 }
 
+TEST_F(Records, ThePortPropertiesAlwaysHaveANetworkEndpoint) {
+  const auto properties = std::make_shared<cPortProp>();
+  const Value first = properties->call("TCPClass");
+  ASSERT_NE(std::get<ObjectPtr>(first), nullptr);
+  EXPECT_EQ(properties->call("TCPClass"), first);
+  put(*properties, "TCPClass", ObjectPtr());
+  EXPECT_NE(std::get<ObjectPtr>(properties->call("TCPClass")), nullptr);
+  EXPECT_EQ(errorOf([&] { put(*properties, "TCPClass", ObjectPtr(properties)); }), kTypeMismatch);
+}
+
 }  // namespace
 }  // namespace mirvane::test
