@@ -127,5 +127,13 @@ TEST_F(Facade, ForwardsWithTheCallersOwnVariables) {
   }
 }
 
+TEST_F(Facade, DisconnectingReleasesTheDriverAndKeepsTheType) {
+  run(*facade, "Connect_", u"COM1");
+  run(*facade, "DisConnect_", u"COM1");
+  EXPECT_EQ(Result, 1);
+  EXPECT_EQ(moduleState().currentDriver, nullptr);
+  EXPECT_EQ(facade->call("getFiscalType"), Value(Long{3}));
+}
+
 }  // namespace
 }  // namespace mirvane::test
