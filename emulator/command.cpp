@@ -16,7 +16,11 @@ Fields::Fields(std::string_view command) : code_(command.substr(0, command.find(
   }
 }
 
-Code Fields::check(const std::vector<FieldRule>& rules) {
+Code Fields::check(const std::vector<FieldRule>& rules, bool endsOpen) {
+  if (!endsOpen) {
+    if (!pieces_.back().empty()) return Code::kFieldCount;
+    pieces_.pop_back();
+  }
   if (pieces_.size() != rules.size()) return Code::kFieldCount;
   for (std::size_t i = 0; i < rules.size(); ++i) {
     if (pieces_[i].size() > rules[i].longest) return Code::kFieldTooLong;
@@ -29,17 +33,21 @@ Code Fields::check(const std::vector<FieldRule>& rules) {
     const int decimals = kind == FieldRule::Kind::kAmount ? 2 : kind == FieldRule::Kind::kQuantity ? 3 : 0;
     const auto number = parseFixed(pieces_[i], decimals);
     if (!number || *number > kGreatest || *number < -kGreatest) return Code::kFieldRange;
+    if (kind == FieldRule::Kind::kFlag && *number != 0 && *number != 1) return Code::kFieldRange;
     numbers_[i] = *number;
   }
   return Code::kOk;
 }
 
+bool isBlank(TextView text) { return text.find_first_not_of(u' ') == TextView::npos; }
+
 const Command* findCommand(const Fields& fields, Code& code) {
   code = Code::kUnknownRequest;
-  for (const auto* table : {&receiptCommands(), &printerCommands(), &readCommands()}) {
+  for (const auto* table :
+       {&receiptCommands(), &printerCommands(), &readCommands(), &configCommands(), &reportCommands()}) {
     for (const Command& command : *table) {
       if (command.code != fields.code()) continue;
-      if (command.selector.empty() || (fields.size() > 0 && fields.bytes(0) == command.selector)) return &command;
+      if (command.selector.empty() || fields.bytes(0) == command.selector) return &command;
       code = Code::kFieldRange;
     }
   }

@@ -12,7 +12,7 @@ namespace mirvane::emulator {
 
 /// What a field of a command may hold.
 struct FieldRule {
-  enum class Kind { kText, kWhole, kAmount, kQuantity } kind;
+  enum class Kind { kText, kWhole, kFlag, kAmount, kQuantity } kind;
   std::size_t longest;
   bool mayBeEmpty;
 };
@@ -20,6 +20,8 @@ struct FieldRule {
 namespace field {
 constexpr FieldRule text(std::size_t longest) { return {FieldRule::Kind::kText, longest, true}; }
 constexpr FieldRule whole(std::size_t longest) { return {FieldRule::Kind::kWhole, longest, false}; }
+/// 0 or 1.
+constexpr FieldRule flag() { return {FieldRule::Kind::kFlag, 3, false}; }
 constexpr FieldRule wholeOrEmpty(std::size_t longest) { return {FieldRule::Kind::kWhole, longest, true}; }
 constexpr FieldRule amount() { return {FieldRule::Kind::kAmount, 11, false}; }
 constexpr FieldRule quantity() { return {FieldRule::Kind::kQuantity, 10, false}; }
@@ -28,20 +30,20 @@ constexpr FieldRule quantity() { return {FieldRule::Kind::kQuantity, 10, false};
 /// The fields of a command behind its code, numbered from 0. They have passed the rules of their command.
 class Fields {
  public:
-  /// `command` up to and without its last "/".
+  /// `command` holds a "/".
   explicit Fields(std::string_view command);
 
   std::string_view code() const { return code_; }
   std::string_view bytes(std::size_t i) const { return pieces_[i]; }
-  std::size_t size() const { return pieces_.size(); }
 
-  /// Count, then lengths, then types.
-  Code check(const std::vector<FieldRule>& rules);
+  /// Count, then lengths, then types. A "/" closes the last field too, unless the command `endsOpen`.
+  Code check(const std::vector<FieldRule>& rules, bool endsOpen);
 
   Text text(std::size_t i) const { return fromCodePage(pieces_[i]); }
   /// A whole number, cents or thousandths, as the field's rule says; 0 for an empty field.
   std::int64_t number(std::size_t i) const { return numbers_[i]; }
   int whole(std::size_t i) const { return static_cast<int>(numbers_[i]); }
+  bool flag(std::size_t i) const { return numbers_[i] != 0; }
 
  private:
   std::string_view code_;
@@ -56,6 +58,7 @@ class ReplyFields {
     bytes_.append(bytes).push_back('/');
     return *this;
   }
+  ReplyFields& text(TextView value) { return text(toCodePage(value)); }
   ReplyFields& amount(Cents value) { return text(formatCents(value)); }
   ReplyFields& whole(std::int64_t value) { return text(std::to_string(value)); }
 
@@ -74,12 +77,18 @@ struct Command {
   /// Refused while the printer cannot print.
   bool prints;
   Code (*run)(Register& machine, const Fields& fields, ReplyFields& reply);
+  /// No "/" closes its last field.
+  bool endsOpen = false;
 };
 
 // The commands, by subject; each table stands with its handlers.
 const std::vector<Command>& receiptCommands();
 const std::vector<Command>& printerCommands();
 const std::vector<Command>& readCommands();
+const std::vector<Command>& configCommands();
+const std::vector<Command>& reportCommands();
+
+bool isBlank(TextView text);
 
 /// The row for `fields`. When there is none, `code` tells whether the command or only its selector is unknown.
 const Command* findCommand(const Fields& fields, Code& code);

@@ -6,16 +6,23 @@ namespace {
 Code printComment(Register& machine, const Fields& fields, ReplyFields&) {
   const int size = fields.whole(1);
   if (size < 0 || size > 4) return Code::kFieldRange;
+  // What is printed now would be missing in the journal that stands for the day.
+  if (machine.journal.isClosing()) return Code::kClosing;
   machine.paper.sized(fields.text(0), size, false);
   return Code::kOk;
 }
 
-Code showText(Register& machine, const Fields& fields, ReplyFields&) {
-  const int line = fields.whole(3);
+Code show(Register& machine, int line, const Text& text) {
   if (line < 1 || line > std::ssize(machine.display)) return Code::kFieldRange;
-  machine.display[static_cast<std::size_t>(line) - 1] = fields.text(4);
+  if (machine.fiscal.settings.usesDisplay) machine.display[static_cast<std::size_t>(line) - 1] = text;
   return Code::kOk;
 }
+
+Code showText(Register& machine, const Fields& fields, ReplyFields&) {
+  return show(machine, fields.whole(3), fields.text(4));
+}
+
+Code showMessage(Register& machine, const Fields& fields, ReplyFields&) { return show(machine, 1, fields.text(1)); }
 
 Code feed(Register& machine, const Fields& fields, ReplyFields&) {
   if (fields.whole(0) < 1) return Code::kFieldRange;
@@ -29,11 +36,10 @@ Code openDrawer(Register& machine, const Fields&, ReplyFields&) {
 }
 
 Code cut(Register& machine, const Fields& fields, ReplyFields&) {
-  if (fields.bytes(1) != "0" && fields.bytes(1) != "1") return Code::kFieldRange;
-  // A receipt leaves the printer in one piece.
-  if (machine.fiscal.receipt || machine.fiscal.cashDocument) return Code::kTransactionOpen;
-  machine.paper.cut(fields.bytes(1) == "1");
-  return Code::kOk;
+  // A document leaves the printer in one piece.
+  const Code code = machine.fiscal.documentProblem();
+  if (code == Code::kOk) machine.paper.cut(fields.flag(1));
+  return code;
 }
 
 }  // namespace
@@ -45,9 +51,12 @@ const std::vector<Command>& printerCommands() {
       {"P", "", {text(Paper::kColumns), whole(1)}, true, printComment},
       // -, -, -, line, text
       {"2", "10", {whole(2), whole(1), whole(1), whole(1), text(20)}, false, showText},
+      // -, text
+      {"7", "1", {whole(1), text(20)}, false, showMessage},
+      {"7", "2", {whole(1), text(20)}, false, showMessage},
       {"F", "", {whole(2)}, true, feed},
       {"p", "1", {whole(1)}, false, openDrawer},
-      {"p", "2", {whole(1), text(1)}, true, cut},
+      {"p", "2", {whole(1), flag()}, true, cut},
   };
   return kCommands;
 }

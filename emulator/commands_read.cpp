@@ -26,7 +26,32 @@ Code tellSerialNumber(Register& machine, const Fields&, ReplyFields& reply) {
 
 Code tellTime(Register& machine, const Fields&, ReplyFields& reply) {
   const platform::LocalTime now = machine.clock();
-  reply.text(toCodePage(printedDate(now))).text(toCodePage(printedTime(now)));
+  reply.text(printedDate(now)).text(printedTime(now));
+  return Code::kOk;
+}
+
+Code tellDepartment(Register& machine, const Fields& fields, ReplyFields& reply) {
+  const Department* department = groupAt(machine.fiscal.departments, fields.whole(0));
+  if (!department) return Code::kDepartment;
+  reply.text(department->description).whole(fields.whole(0)).whole(department->category);
+  reply.amount(department->amount).whole(department->count);
+  return Code::kOk;
+}
+
+Code tellCategory(Register& machine, const Fields& fields, ReplyFields& reply) {
+  const SalesGroup* category = groupAt(machine.fiscal.categories, fields.whole(0));
+  if (!category) return Code::kCategory;
+  reply.text(category->description).amount(category->amount).whole(category->count);
+  return Code::kOk;
+}
+
+Code tellDayTotals(Register& machine, const Fields&, ReplyFields& reply) {
+  const DayTotals& day = machine.fiscal.day;
+  for (const Cents gross : day.gross) reply.amount(gross);
+  reply.amount(sumOf(day.gross)).whole(day.receipts).whole(day.cashDocuments);
+  reply.amount(day.voids).amount(day.refunds).amount(day.cancelled);
+  for (const Cents payment : day.payments) reply.amount(payment);
+  reply.amount(day.discounts).amount(day.markUps);
   return Code::kOk;
 }
 
@@ -34,8 +59,14 @@ Code tellTime(Register& machine, const Fields&, ReplyFields& reply) {
 
 const std::vector<Command>& readCommands() {
   static const std::vector<Command> kCommands = {
-      {"v", "", {}, false, tellVersion},      {"?", "", {}, false, tellStatus}, {"9", "", {}, false, tellReceiptTotals},
-      {"a", "", {}, false, tellSerialNumber}, {"t", "", {}, false, tellTime},
+      {"v", "", {}, false, tellVersion},
+      {"?", "", {}, false, tellStatus},
+      {"9", "", {}, false, tellReceiptTotals},
+      {"a", "", {}, false, tellSerialNumber},
+      {"t", "", {}, false, tellTime},
+      {"0", "", {}, false, tellDayTotals},
+      {"D", "", {field::whole(3)}, false, tellDepartment},
+      {"k", "", {field::whole(3)}, false, tellCategory},
   };
   return kCommands;
 }

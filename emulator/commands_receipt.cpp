@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "emulator/command.h"
 #include "emulator/receipt_printer.h"
 
@@ -6,11 +8,12 @@ namespace {
 
 /// Why no receipt can go on: kOk when one is open.
 Code receiptProblem(const FiscalState& fiscal) {
-  if (fiscal.cashDocument) return fiscal.cashDocument->isIn ? Code::kCashInOpen : Code::kCashOutOpen;
-  return fiscal.receipt ? Code::kOk : Code::kTransactionNotOpen;
+  const Code code = fiscal.documentProblem();
+  if (code == Code::kTransactionOpen) return Code::kOk;
+  return code == Code::kOk ? Code::kTransactionNotOpen : code;
 }
 
-Code readItem(const FiscalState& fiscal, const Fields& fields, Item& item) {
+Code readItem(FiscalState& fiscal, const Fields& fields, Item& item) {
   constexpr std::string_view kOperations = "SVR";
   const std::size_t operation = kOperations.find(fields.bytes(0));
   if (fields.bytes(0).size() != 1 || operation == std::string_view::npos) return Code::kSaleOperation;
@@ -22,13 +25,13 @@ Code readItem(const FiscalState& fiscal, const Fields& fields, Item& item) {
           fields.whole(7),
           0,
           fields.whole(9)};
-  if (item.description.find_first_not_of(u' ') == Text::npos) return Code::kBlankDescription;
+  if (isBlank(item.description)) return Code::kBlankDescription;
   if (item.quantity <= 0) return Code::kQuantity;
   if (item.price < 0) return Code::kPrice;
-  if (item.department < 1 || item.department > std::ssize(fiscal.departments)) return Code::kDepartment;
+  if (!groupAt(fiscal.departments, item.department)) return Code::kDepartment;
   while (item.vat < kVatCategories && fiscal.vatRates[item.vat] != fields.number(8)) ++item.vat;
   if (item.vat == kVatCategories) return Code::kVatRate;
-  if (item.category < 1 || item.category > std::ssize(fiscal.categories)) return Code::kCategory;
+  if (!groupAt(fiscal.categories, item.category)) return Code::kCategory;
   return Code::kOk;
 }
 
@@ -37,22 +40,42 @@ Code addItem(Register& machine, const Fields& fields, ReplyFields&) {
   Item item{};
   Code code = readItem(fiscal, fields, item);
   if (code != Code::kOk) return code;
+  if (machine.journal.isClosing()) return Code::kClosing;
   code = receiptProblem(fiscal);
   const bool opens = code == Code::kTransactionNotOpen && item.kind != ItemKind::kVoid;
   if (code != Code::kOk && !opens) return code;
 
   Receipt fresh(fiscal.lastReceiptNumber + 1);
   Receipt& receipt = opens ? fresh : *fiscal.receipt;
-  code = receipt.add(item, fiscal.limits.receipt, fiscal.limits.day - sumOf(fiscal.day.gross));
+  code = receipt.add(item, fiscal.limits.receipt, fiscal.dayRest());
   if (code != Code::kOk) return code;
   if (opens) {
     fiscal.receipt = std::move(fresh);
     fiscal.isDayOpen = true;
     ++fiscal.lastReceiptNumber;
+    machine.journal.beginReceipt();
     printReceiptStart(machine);
   }
   printItem(machine, item);
   return Code::kOk;
+}
+
+Code adjust(Register& machine, const Fields& fields, ReplyFields&) {
+  FiscalState& fiscal = machine.fiscal;
+  Code code = receiptProblem(fiscal);
+  if (code != Code::kOk) return code;
+  const int kind = fields.whole(0);
+  if (kind < 1 || kind > 4) return Code::kAdjustmentKind;
+  Adjustment adjustment{kind <= 2, kind % 2 == 1, fields.whole(1), fields.text(2), fields.text(3), fields.number(4)};
+  for (std::size_t i = 0; i < kVatCategories; ++i) adjustment.shares[i] = fields.number(5 + i);
+  const Cents least = *std::min_element(adjustment.shares.begin(), adjustment.shares.end());
+  if (adjustment.amount < 0 || least < 0) return Code::kFieldRange;
+  if (adjustment.amount == 0) return Code::kZeroAdjustment;
+  if (!adjustment.isOnItem && adjustment.department != 1) return Code::kAdjustmentPlace;
+  const Cents before = fiscal.receipt->total();
+  code = fiscal.receipt->adjust(adjustment, fiscal.limits.receipt, fiscal.dayRest());
+  if (code == Code::kOk) printAdjustment(machine, before);
+  return code;
 }
 
 Code pay(Register& machine, const Fields& fields, ReplyFields&) {
@@ -86,6 +109,8 @@ Code close(Register& machine, const Fields&, ReplyFields&) {
   if (!fiscal.receipt->inPayment()) return Code::kNotInPayment;
   if (fiscal.receipt->remaining() > 0) return Code::kInPayment;
   printReceiptEnd(machine);
+  if (fiscal.settings.opensDrawerOnTotal) ++machine.drawerOpenings;
+  signReceipt(machine);
   fiscal.closeReceipt();
   return Code::kOk;
 }
@@ -104,12 +129,12 @@ Code cancel(Register& machine, const Fields&, ReplyFields&) {
 
 Code openCashDocument(Register& machine, const Fields& fields, ReplyFields&) {
   FiscalState& fiscal = machine.fiscal;
-  const Code code = receiptProblem(fiscal);
-  if (code == Code::kOk) return Code::kTransactionOpen;
-  if (code != Code::kTransactionNotOpen) return code;
+  const Code code = fiscal.documentProblem();
+  if (code != Code::kOk) return code;
   if (fields.number(1) < 0) return Code::kFieldRange;
   if (fields.number(1) == 0) return Code::kPaymentAmount;
   if (fields.number(1) > fiscal.limits.receipt) return Code::kAmountLimit;
+  if (machine.journal.isClosing()) return Code::kClosing;
   fiscal.cashDocument = CashDocument{fields.bytes(0) == "0", fields.number(1)};
   fiscal.isDayOpen = true;
   printCashDocument(machine, fields.text(2));
@@ -127,6 +152,13 @@ const std::vector<Command>& receiptCommands() {
        {text(1), text(0), text(30), text(30), text(0), quantity(), amount(), whole(3), amount(), whole(3)},
        true,
        addItem},
+      // kind, place, description, comment, amount, shares of the VAT categories
+      {"4",
+       "",
+       {whole(2), whole(3), text(Paper::kColumns), text(Paper::kColumns), amount(), amount(), amount(), amount(),
+        amount(), amount()},
+       true,
+       adjust},
       {"5", "99", {whole(2), whole(1), whole(1), whole(1)}, false, tellRemaining},
       // number, description, second description, amount, card terminal, kind of card transaction
       {"5", "", {whole(2), text(30), text(30), amount(), wholeOrEmpty(3), wholeOrEmpty(3)}, true, pay},

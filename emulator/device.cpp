@@ -25,13 +25,11 @@ Code printerProblem(std::uint8_t status) {
 Code run(Register& machine, std::string_view command, std::uint8_t printerStatus, ReplyFields& reply) {
   if (std::any_of(command.begin(), command.end(), isControl)) return Code::kFieldRange;
   if (command.find('/') == std::string_view::npos) return Code::kUnknownRequest;
-  const bool isClosed = command.ends_with('/');
-  Fields fields(command.substr(0, command.size() - (isClosed ? 1 : 0)));
+  Fields fields(command);
   Code code = Code::kOk;
   const Command* row = findCommand(fields, code);
   if (!row) return code;
-  if (!isClosed) return Code::kFieldCount;
-  code = fields.check(row->fields);
+  code = fields.check(row->fields, row->endsOpen);
   if (code == Code::kOk && row->prints) code = printerProblem(printerStatus);
   return code == Code::kOk ? row->run(machine, fields, reply) : code;
 }
@@ -45,7 +43,12 @@ platform::LocalTime systemTime() {
 }
 
 Device::Device(Paper::Sink paper, LocalClock clock)
-    : machine_{FiscalState(), Paper(std::move(paper)), std::move(clock), {}} {}
+    : machine_{{},
+               Paper([this, sink = std::move(paper)](TextView line) {
+                 machine_.journal.record(line);
+                 if (sink) sink(line);
+               }),
+               std::move(clock)} {}
 
 std::string Device::execute(std::string_view command, std::uint8_t printerStatus) {
   ReplyFields reply;

@@ -22,6 +22,8 @@ platform::LocalTime systemTime();
 class Device {
  public:
   explicit Device(Paper::Sink paper = {}, LocalClock clock = systemTime);
+  Device(const Device&) = delete;
+  Device& operator=(const Device&) = delete;
 
   /// Carries out `command` (code page 1253, without frame and checksum) and returns the reply, likewise bare:
   /// "RR/PP/FF/" and, after success, the command's own fields, each closed by "/". A refused command changes nothing.
@@ -34,6 +36,7 @@ class Device {
 
   /// For looking at the register and for preparing it.
   FiscalState& fiscal() { return machine_.fiscal; }
+  Journal& journal() { return machine_.journal; }
   /// What the customer sees.
   const Display& display() const { return machine_.display; }
   int drawerOpenings() const { return machine_.drawerOpenings; }

@@ -14,9 +14,9 @@ Text numbered(TextView name, int number) {
   return Text(name).append(u" ").append(fromCodePage(std::to_string(number)));
 }
 
-void book(SalesGroup& group, const Item& item) {
-  group.amount += item.amount();
-  group.count += item.kind == ItemKind::kSale ? 1 : -1;
+template <class Group>
+void clear(std::vector<Group>& groups) {
+  for (SalesGroup& group : groups) group.amount = group.count = 0;
 }
 
 }  // namespace
@@ -26,7 +26,7 @@ FiscalState::FiscalState()
               {u"ΕΞΟΜΟΙΩΤΗΣ ΤΑΜΕΙΑΚΗΣ - ΔΕΝ ΕΙΝΑΙ ΑΠΟΔΕΙΞΗ", 1},
               {u"ΟΔΟΣ ΠΑΡΑΔΕΙΓΜΑΤΟΣ 12, 105 57 ΑΘΗΝΑ", 1},
               {u"ΤΗΛ. 210 0000000", 1},
-              {u"ΑΦΜ 000000000  ΔΟΥ Α' ΑΘΗΝΩΝ", 1}}},
+              {u"ΔΟΥ Α' ΑΘΗΝΩΝ", 1}}},
       footer{{{u"ΕΥΧΑΡΙΣΤΟΥΜΕ", 1}, {}, {}}} {
   for (int i = 1; i <= kDepartments; ++i) departments.push_back({{numbered(u"ΤΜΗΜΑ", i)}, 1});
   for (int i = 1; i <= kCategories; ++i) categories.push_back({numbered(u"ΚΑΤΗΓΟΡΙΑ", i)});
@@ -40,8 +40,11 @@ void FiscalState::closeReceipt() {
   for (const Item& item : receipt->items()) {
     if (item.kind == ItemKind::kVoid) day.voids -= item.amount();
     if (item.kind == ItemKind::kRefund) day.refunds -= item.amount();
-    book(departments[static_cast<std::size_t>(item.department) - 1], item);
-    book(categories[static_cast<std::size_t>(item.category) - 1], item);
+    book(item, item.amount(), item.kind == ItemKind::kSale ? 1 : -1);
+  }
+  for (const Adjustment& adjustment : receipt->adjustments()) {
+    (adjustment.isDiscount ? day.discounts : day.markUps) += adjustment.amount;
+    if (adjustment.isOnItem) book(receipt->items()[adjustment.item], adjustment.change(), 0);
   }
   // Change goes back in cash, whatever was tendered.
   day.payments[0] -= receipt->change();
@@ -49,18 +52,51 @@ void FiscalState::closeReceipt() {
     day.payments[payment.isCard() ? 1 : static_cast<std::size_t>(payment.number) - 1] += payment.amount;
   }
   ++day.receipts;
+  endReceipt();
+}
+
+void FiscalState::book(const Item& item, Cents amount, int count) {
+  for (SalesGroup* group :
+       {static_cast<SalesGroup*>(groupAt(departments, item.department)), groupAt(categories, item.category)}) {
+    group->amount += amount;
+    group->count += count;
+  }
+}
+
+void FiscalState::endReceipt() {
   receipt.reset();
+  nextFooter.reset();
 }
 
 void FiscalState::cancelReceipt() {
   day.cancelled += receipt->total();
-  receipt.reset();
+  endReceipt();
 }
 
 void FiscalState::closeCashDocument() {
   (cashDocument->isIn ? day.cashIn : day.cashOut) += cashDocument->amount;
   ++day.cashDocuments;
   cashDocument.reset();
+}
+
+void FiscalState::closeDay() {
+  ++closures;
+  grandTotal += sumOf(day.gross);
+  day = {};
+  clear(departments);
+  clear(categories);
+  lastReceiptNumber = 0;
+  isDayOpen = false;
+}
+
+Code FiscalState::documentProblem() const {
+  if (cashDocument) return cashDocument->isIn ? Code::kCashInOpen : Code::kCashOutOpen;
+  return receipt ? Code::kTransactionOpen : Code::kOk;
+}
+
+Code FiscalState::dayProblem() const {
+  const Code code = documentProblem();
+  return code == Code::kOk && isDayOpen ? Code::kDayOpen : code;
 }
 
 std::uint8_t FiscalState::status() const {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "emulator/receipt.h"
+#include "emulator/settings.h"
 
 namespace mirvane::emulator {
 
@@ -27,11 +28,17 @@ struct Department : SalesGroup {
   int category = 1;
 };
 
+/// The group with `number`, which counts from 1; none when there is no such group.
+template <class Group>
+Group* groupAt(std::vector<Group>& groups, int number) {
+  return number >= 1 && number <= std::ssize(groups) ? &groups[static_cast<std::size_t>(number) - 1] : nullptr;
+}
+
 /// What the day has added up. VAT is worked out per receipt and category, and the day's VAT is the sum of its
 /// receipts', so that a report agrees to the cent with the receipts that it closes.
 struct DayTotals {
   VatSums gross{}, vat{};
-  Cents voids = 0, refunds = 0, cancelled = 0;
+  Cents voids = 0, refunds = 0, cancelled = 0, discounts = 0, markUps = 0;
   /// Cash, cards, cheques, without the change.
   std::array<Cents, 3> payments{};
   Cents cashIn = 0, cashOut = 0;
@@ -56,6 +63,12 @@ struct FiscalState {
   std::string serialNumber = "MVE25000017";
   std::array<PrintedLine, 5> header;
   std::array<PrintedLine, 3> footer;
+  /// Ends the open or the next receipt in place of the footer.
+  std::optional<std::array<Text, 3>> nextFooter;
+  /// Of the business; printed below the header.
+  std::string vatNumber = "000000000";
+  Settings settings;
+  ServerSettings server;
   /// Categories A to E, in hundredths of a percent.
   std::array<std::int64_t, kVatCategories> vatRates{2400, 1300, 600, 3600, 0};
   /// Number 1 stands at index 0.
@@ -65,6 +78,10 @@ struct FiscalState {
 
   /// Days closed so far; receipts carry the number of the closure to come.
   int closures = 0;
+  /// Gross sales of all closed days.
+  Cents grandTotal = 0;
+  /// The latest closure's report, as it was printed.
+  std::vector<Text> lastReport;
   bool isDayOpen = false;
   DayTotals day;
   /// Given to receipts when they open, anew every day; a cancelled receipt keeps its number.
@@ -76,8 +93,20 @@ struct FiscalState {
   void closeReceipt();
   void cancelReceipt();
   void closeCashDocument();
+  /// Begins a new day.
+  void closeDay();
+  /// Why nothing can be done that waits for the end of a document: kOk when none is open.
+  Code documentProblem() const;
+  /// Why nothing can be changed that stands for a whole day: kOk between days.
+  Code dayProblem() const;
+  /// What receipts may still sell today.
+  Cents dayRest() const { return limits.day - sumOf(day.gross); }
   /// The fiscal status byte.
   std::uint8_t status() const;
+
+ private:
+  void book(const Item& item, Cents amount, int count);
+  void endReceipt();
 };
 
 }  // namespace mirvane::emulator

@@ -1,3 +1,4 @@
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <fstream>
@@ -21,6 +22,9 @@ constexpr const char* kHelp =
     "  --paced                  take the time that a line of 115200 bits per second takes\n"
     "  --script FILE            misbehave as the rules in FILE tell\n"
     "  --fault RULE             misbehave as RULE tells: --fault \"on 5/ lost\"\n"
+    "  --journal FOLDER         keep the files of each closing's journal in FOLDER\n"
+    "  --journal-piece BYTES    hand the journal over in pieces of so many bytes (1000), at most 60000\n"
+    "  --pad-journal BYTES      fill the journal's printed text up to so many bytes\n"
     "  --help                   show this text\n"
     "When it listens it prints one line: ready, and the addresses.\n";
 
@@ -35,10 +39,27 @@ struct Options {
   };
   std::vector<Address> addresses;
   std::string paper;
+  Journal::Options journal;
   bool isQuiet = false;
   bool isPaced = false;
   bool wantsHelp = false;
 };
+
+/// Tells whether the folder's new file holds all of `file`.
+bool keepJournal(const std::string& folder, const Journal::File& file) {
+  std::ofstream output(folder + "/" + file.name, std::ios::binary);
+  output << file.bytes << std::flush;
+  return output.good();
+}
+
+std::size_t parseSize(const std::string& option, const std::string& text, std::size_t least, std::size_t most) {
+  std::size_t size = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), size);
+  if (error != std::errc() || end != text.data() + text.size() || size < least || size > most) {
+    throw UsageError(option + " takes " + std::to_string(least) + " to " + std::to_string(most) + ", not " + text);
+  }
+  return size;
+}
 
 Options parse(const std::vector<std::string>& arguments, Faults& faults) {
   Options options;
@@ -56,6 +77,13 @@ Options parse(const std::vector<std::string>& arguments, Faults& faults) {
       options.addresses.push_back({option, value(option)});
     } else if (option == "--paper") {
       options.paper = value(option);
+    } else if (option == "--journal") {
+      options.journal.keep = [folder = value(option)](const Journal::File& file) { return keepJournal(folder, file); };
+    } else if (option == "--journal-piece") {
+      // With its frame, a piece must fit a datagram.
+      options.journal.pieceSize = parseSize(option, value(option), 1, 60'000);
+    } else if (option == "--pad-journal") {
+      options.journal.padding = parseSize(option, value(option), 0, 1'000'000'000);
     } else if (option == "--quiet") {
       options.isQuiet = true;
     } else if (option == "--paced") {
@@ -118,6 +146,8 @@ int run(const std::vector<std::string>& arguments) {
     if (!options.isQuiet) std::cout << text << std::flush;
     if (paper.is_open()) paper << text << std::flush;
   });
+
+  device.journal().options = options.journal;
 
   const sigset_t mask = catchSignals();
   std::vector<std::unique_ptr<Transport>> transports;

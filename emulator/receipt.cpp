@@ -11,7 +11,7 @@ Code Receipt::add(const Item& item, Cents receiptLimit, Cents dayLimit) {
   const Cents amount = item.amount();
   if (inPayment()) return Code::kInPayment;
   if (amount == 0) return Code::kZeroPrice;
-  if (items_.size() == kMostItems) return Code::kNoMoreSales;
+  if (isFull()) return Code::kNoMoreSales;
   const bool isCategoryNegative = vatSums_[item.vat] + amount < 0;
   if (item.kind == ItemKind::kVoid && isCategoryNegative) return Code::kInvalidVoid;
   if (item.kind == ItemKind::kRefund && total() + amount < 0) return Code::kNegativeTotal;
@@ -20,6 +20,33 @@ Code Receipt::add(const Item& item, Cents receiptLimit, Cents dayLimit) {
   if (total() + amount > dayLimit) return Code::kDayLimit;
   vatSums_[item.vat] += amount;
   items_.push_back(item);
+  latestAmount_ = amount;
+  return Code::kOk;
+}
+
+Code Receipt::adjust(const Adjustment& adjustment, Cents receiptLimit, Cents dayLimit) {
+  if (inPayment()) return Code::kInPayment;
+  if (isFull()) return Code::kNoMoreSales;
+  Adjustment taken = adjustment;
+  if (taken.isOnItem) {
+    const bool isPlaced =
+        !items_.empty() && items_.back().kind == ItemKind::kSale && items_.back().department == taken.department;
+    if (!isPlaced) return Code::kAdjustmentPlace;
+    if (taken.shares != VatSums{}) return Code::kAdjustmentShares;
+    if (taken.isDiscount && taken.amount > latestAmount_) return Code::kAdjustmentLimit;
+    taken.item = items_.size() - 1;
+    taken.shares[items_.back().vat] = taken.amount;
+  }
+  if (sumOf(taken.shares) != taken.amount) return Code::kAdjustmentShares;
+  VatSums sums = vatSums_;
+  for (std::size_t i = 0; i < kVatCategories; ++i) sums[i] += taken.isDiscount ? -taken.shares[i] : taken.shares[i];
+  if (sumOf(sums) < 0) return Code::kAdjustmentInTotal;
+  if (*std::min_element(sums.begin(), sums.end()) < 0) return Code::kAdjustmentInVat;
+  if (!taken.isDiscount && sumOf(sums) > receiptLimit) return Code::kReceiptLimit;
+  if (!taken.isDiscount && sumOf(sums) > dayLimit) return Code::kDayLimit;
+  vatSums_ = sums;
+  if (taken.isOnItem) latestAmount_ += taken.change();
+  adjustments_.push_back(std::move(taken));
   return Code::kOk;
 }
 

@@ -30,6 +30,24 @@ struct Item {
   Cents amount() const { return kind == ItemKind::kSale ? lineAmount(quantity, price) : -lineAmount(quantity, price); }
 };
 
+/// A discount or a mark-up, of the latest item or of the subtotal.
+struct Adjustment {
+  bool isDiscount;
+  bool isOnItem;
+  /// That the latest item must be of, when it is on an item.
+  int department;
+  Text description, comment;
+  /// Above 0.
+  Cents amount;
+  /// How the VAT categories share it, none below 0; all 0 when it is on an item, whose category takes it.
+  VatSums shares{};
+  /// The item that it is on.
+  std::size_t item = 0;
+
+  /// What it adds to the receipt.
+  Cents change() const { return isDiscount ? -amount : amount; }
+};
+
 struct Payment {
   /// 1 cash, 2 and 4 card, 3 cheque.
   int number;
@@ -43,18 +61,20 @@ struct Payment {
 /// An open receipt. Prices contain the VAT. A refused operation changes nothing.
 class Receipt {
  public:
-  static constexpr std::size_t kMostItems = 500;
+  static constexpr std::size_t kMostLines = 500;
 
   explicit Receipt(int number) : number_(number) {}
 
   /// A void takes back what this receipt sold, so no VAT category may fall below zero by it; nor by a refund, which
   /// may not make the whole receipt negative either. The limits are those of the total and of what the day can take.
   Code add(const Item& item, Cents receiptLimit, Cents dayLimit);
+  Code adjust(const Adjustment& adjustment, Cents receiptLimit, Cents dayLimit);
   /// More than what remains gives change, from anything but a card. Once begun, payment ends only by paying all.
   Code pay(const Payment& payment);
 
   int number() const { return number_; }
   const std::vector<Item>& items() const { return items_; }
+  const std::vector<Adjustment>& adjustments() const { return adjustments_; }
   const std::vector<Payment>& payments() const { return payments_; }
   const VatSums& vatSums() const { return vatSums_; }
   Cents total() const { return sumOf(vatSums_); }
@@ -63,10 +83,14 @@ class Receipt {
   Cents change() const { return change_; }
   bool inPayment() const { return !payments_.empty(); }
   bool isCardTaken() const;
+  bool isFull() const { return items_.size() + adjustments_.size() >= kMostLines; }
 
  private:
   int number_;
   std::vector<Item> items_;
+  /// The latest item's amount with its adjustments.
+  Cents latestAmount_ = 0;
+  std::vector<Adjustment> adjustments_;
   std::vector<Payment> payments_;
   VatSums vatSums_{};
   Cents paid_ = 0;

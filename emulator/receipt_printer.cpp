@@ -19,14 +19,26 @@ TextView paymentName(const Payment& payment) {
   return payment.description.empty() ? kNames[payment.number - 1] : TextView(payment.description);
 }
 
+void printLine(Paper& paper, const PrintedLine& line) {
+  if (!line.text.empty()) paper.sized(line.text, line.size, true);
+}
+
+void printFooter(Register& machine) {
+  const FiscalState& fiscal = machine.fiscal;
+  if (fiscal.receipt && fiscal.nextFooter) {
+    for (const Text& line : *fiscal.nextFooter) printLine(machine.paper, {line});
+  } else {
+    for (const PrintedLine& line : fiscal.footer) printLine(machine.paper, line);
+  }
+}
+
 void printEnd(Register& machine, TextView lastLine) {
   const platform::LocalTime now = machine.clock();
   machine.paper.pair(printedDate(now) + u" " + printedTime(now), fromCodePage(machine.fiscal.serialNumber));
-  for (const PrintedLine& line : machine.fiscal.footer) {
-    if (!line.text.empty()) machine.paper.sized(line.text, line.size, true);
-  }
+  if (machine.fiscal.settings.printsFooter) printFooter(machine);
   machine.paper.centred(lastLine);
   machine.paper.feed(2);
+  if (machine.fiscal.receipt && machine.fiscal.settings.usesCutter) machine.paper.cut(true);
 }
 
 void printVatAnalysis(Register& machine) {
@@ -35,7 +47,7 @@ void printVatAnalysis(Register& machine) {
     const Cents gross = fiscal.receipt->vatSums()[i];
     if (gross == 0) continue;
     const Cents vat = includedVat(gross, fiscal.vatRates[i]);
-    machine.paper.pair(Text(u"ΦΠΑ ") + kVatLetters[i] + u" " + withComma(formatFixed(fiscal.vatRates[i], 2)) + u"%",
+    machine.paper.pair(printedVat(fiscal, i),
                        u"ΚΑΘΑΡΗ ΑΞΙΑ " + printedAmount(gross - vat) + u"  ΦΟΡΟΣ " + printedAmount(vat));
   }
 }
@@ -57,17 +69,22 @@ Text printedTime(const platform::LocalTime& time) {
   return paddedNumber(time.hour, 2) + u":" + paddedNumber(time.minute, 2) + u":" + paddedNumber(time.second, 2);
 }
 
-void printHeader(Register& machine) {
-  for (const PrintedLine& line : machine.fiscal.header) {
-    if (!line.text.empty()) machine.paper.sized(line.text, line.size, true);
-  }
+Text printedVat(const FiscalState& fiscal, std::size_t category) {
+  return Text(u"ΦΠΑ ") + kVatLetters[category] + u" " + withComma(formatFixed(fiscal.vatRates[category], 2)) + u"%";
+}
+
+void printHeader(Paper& paper, const FiscalState& fiscal) {
+  for (const PrintedLine& line : fiscal.header) printLine(paper, line);
+  paper.centred(u"ΑΦΜ " + fromCodePage(fiscal.vatNumber));
 }
 
 void printReceiptStart(Register& machine) {
-  printHeader(machine);
+  printHeader(machine.paper, machine.fiscal);
   machine.paper.centred(u"ΝΟΜΙΜΗ ΑΠΟΔΕΙΞΗ - ΕΝΑΡΞΗ");
   machine.paper.pair(u"ΑΠΟΔΕΙΞΗ " + paddedNumber(machine.fiscal.receipt->number(), 4),
                      u"Ζ " + paddedNumber(machine.fiscal.closures + 1, 4));
+  const Text& cashier = machine.fiscal.settings.cashier;
+  if (!cashier.empty()) machine.paper.line(u"ΧΕΙΡΙΣΤΗΣ " + cashier);
   machine.paper.rule();
 }
 
@@ -78,6 +95,17 @@ void printItem(Register& machine, const Item& item) {
   }
   machine.paper.pair(item.description, withLetter(item.amount(), item.vat));
   if (!item.comment.empty()) machine.paper.line(u"  " + item.comment);
+}
+
+void printAdjustment(Register& machine, Cents before) {
+  const Receipt& receipt = *machine.fiscal.receipt;
+  const Adjustment& adjustment = receipt.adjustments().back();
+  if (!adjustment.isOnItem) machine.paper.pair(u"ΥΠΟΣΥΝΟΛΟ", printedAmount(before) + u"  ");
+  const TextView name = adjustment.isDiscount ? u"ΕΚΠΤΩΣΗ" : u"ΑΥΞΗΣΗ";
+  machine.paper.pair(adjustment.description.empty() ? name : TextView(adjustment.description),
+                     adjustment.isOnItem ? withLetter(adjustment.change(), receipt.items()[adjustment.item].vat)
+                                         : printedAmount(adjustment.change()) + u"  ");
+  if (!adjustment.comment.empty()) machine.paper.line(u"  " + adjustment.comment);
 }
 
 void printPayment(Register& machine) {
@@ -95,8 +123,15 @@ void printReceiptEnd(Register& machine) {
   const Receipt& receipt = *machine.fiscal.receipt;
   if (receipt.change() > 0) machine.paper.pair(u"ΡΕΣΤΑ", printedAmount(receipt.change()) + u"  ");
   machine.paper.rule();
-  printVatAnalysis(machine);
+  if (machine.fiscal.settings.printsVatDetail) printVatAnalysis(machine);
   printEnd(machine, u"ΝΟΜΙΜΗ ΑΠΟΔΕΙΞΗ - ΛΗΞΗ");
+}
+
+void signReceipt(Register& machine) {
+  const Receipt& receipt = *machine.fiscal.receipt;
+  const platform::LocalTime now = machine.clock();
+  machine.journal.signReceipt(paddedNumber(receipt.number(), 4) + u" " + printedDate(now) + u" " + printedTime(now) +
+                              u" " + printedAmount(receipt.total()));
 }
 
 void printReceiptCancelled(Register& machine) {
@@ -107,7 +142,7 @@ void printReceiptCancelled(Register& machine) {
 
 void printCashDocument(Register& machine, TextView description) {
   const CashDocument& document = *machine.fiscal.cashDocument;
-  printHeader(machine);
+  printHeader(machine.paper, machine.fiscal);
   machine.paper.centred(document.isIn ? u"ΕΙΣΠΡΑΞΗ" : u"ΠΛΗΡΩΜΗ");
   machine.paper.rule();
   machine.paper.pair(description, printedAmount(document.amount) + u"  ");

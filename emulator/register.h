@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "emulator/fiscal_state.h"
+#include "emulator/journal.h"
 #include "emulator/paper.h"
 #include "platform/ports.h"
 
@@ -19,8 +20,9 @@ struct Register {
   FiscalState fiscal;
   Paper paper;
   LocalClock clock;
-  Display display;
+  Display display{};
   int drawerOpenings = 0;
+  Journal journal{};
 };
 
 }  // namespace mirvane::emulator

@@ -1,0 +1,194 @@
+#include <algorithm>
+#include <set>
+#include <span>
+
+#include "emulator/command.h"
+
+namespace mirvane::emulator {
+namespace {
+
+void tellLines(std::span<const PrintedLine> lines, ReplyFields& reply) {
+  for (const PrintedLine& line : lines) reply.whole(line.size).text(line.text);
+}
+
+Code readLines(const Fields& fields, std::span<PrintedLine> lines) {
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    lines[i] = {fields.text(2 * i + 1), fields.whole(2 * i)};
+    if (lines[i].size < 1 || lines[i].size > 4) return Code::kFieldRange;
+  }
+  return Code::kOk;
+}
+
+Code tellHeader(Register& machine, const Fields&, ReplyFields& reply) {
+  tellLines(machine.fiscal.header, reply);
+  return Code::kOk;
+}
+
+Code setHeader(Register& machine, const Fields& fields, ReplyFields&) {
+  Code code = machine.fiscal.dayProblem();
+  if (code != Code::kOk) return code;
+  auto header = machine.fiscal.header;
+  code = readLines(fields, header);
+  if (code != Code::kOk) return code;
+  const auto isEmpty = [](const PrintedLine& line) { return isBlank(line.text); };
+  if (std::all_of(header.begin(), header.end(), isEmpty)) return Code::kEmptyHeader;
+  machine.fiscal.header = header;
+  return Code::kOk;
+}
+
+Code tellFooter(Register& machine, const Fields&, ReplyFields& reply) {
+  tellLines(machine.fiscal.footer, reply);
+  return Code::kOk;
+}
+
+Code setFooter(Register& machine, const Fields& fields, ReplyFields&) {
+  Code code = machine.fiscal.documentProblem();
+  if (code != Code::kOk) return code;
+  auto footer = machine.fiscal.footer;
+  code = readLines(fields, footer);
+  if (code == Code::kOk) machine.fiscal.footer = footer;
+  return code;
+}
+
+Code setNextFooter(Register& machine, const Fields& fields, ReplyFields&) {
+  const std::array<Text, 3> lines{fields.text(0), fields.text(1), fields.text(2)};
+  machine.fiscal.nextFooter.reset();
+  if (lines != std::array<Text, 3>{}) machine.fiscal.nextFooter = lines;
+  return Code::kOk;
+}
+
+Code tellVatRates(Register& machine, const Fields&, ReplyFields& reply) {
+  for (const std::int64_t rate : machine.fiscal.vatRates) reply.text(formatFixed(rate, 2));
+  return Code::kOk;
+}
+
+Code setVatRates(Register& machine, const Fields& fields, ReplyFields&) {
+  const Code code = machine.fiscal.dayProblem();
+  if (code != Code::kOk) return code;
+  std::array<std::int64_t, kVatCategories> rates{};
+  for (std::size_t i = 0; i < kVatCategories; ++i) {
+    rates[i] = fields.number(i);
+    if (rates[i] < 0 || rates[i] > 9999) return Code::kFieldRange;
+  }
+  // An item names its rate, and that must tell its category.
+  if (std::set(rates.begin(), rates.end()).size() < rates.size()) return Code::kSameVatRate;
+  machine.fiscal.vatRates = rates;
+  return Code::kOk;
+}
+
+Code setDepartment(Register& machine, const Fields& fields, ReplyFields&) {
+  Department* department = groupAt(machine.fiscal.departments, fields.whole(0));
+  if (!department) return Code::kDepartment;
+  if (isBlank(fields.text(1))) return Code::kBlankDescription;
+  if (!groupAt(machine.fiscal.categories, fields.whole(2))) return Code::kCategory;
+  department->description = fields.text(1);
+  department->category = fields.whole(2);
+  return Code::kOk;
+}
+
+Code setCategory(Register& machine, const Fields& fields, ReplyFields&) {
+  SalesGroup* category = groupAt(machine.fiscal.categories, fields.whole(0));
+  if (!category) return Code::kCategory;
+  if (isBlank(fields.text(1))) return Code::kBlankDescription;
+  category->description = fields.text(1);
+  return Code::kOk;
+}
+
+Code tellSettings(Register& machine, const Fields&, ReplyFields& reply) {
+  const Settings& settings = machine.fiscal.settings;
+  reply.whole(settings.printerId).text(settings.printerDescription).text(settings.cashier);
+  reply.whole(settings.opensDrawerOnTotal).whole(settings.printsVatDetail).whole(settings.printsFooter);
+  reply.whole(settings.topLogo).whole(settings.usesCutter).whole(settings.usesDisplay);
+  return Code::kOk;
+}
+
+Code setSettings(Register& machine, const Fields& fields, ReplyFields&) {
+  if (fields.whole(0) < 0 || fields.whole(8) < 0 || fields.whole(9) < 0) return Code::kFieldRange;
+  machine.fiscal.settings = {fields.whole(0), fields.text(1),  fields.text(2),  fields.flag(3),
+                             fields.flag(4),  fields.flag(5),  fields.flag(6),  fields.flag(7),
+                             fields.whole(8), fields.whole(9), fields.flag(10), fields.flag(11)};
+  return Code::kOk;
+}
+
+Code setVatNumber(Register& machine, const Fields& fields, ReplyFields&) {
+  const Code code = machine.fiscal.dayProblem();
+  if (code != Code::kOk) return code;
+  const std::string_view number = fields.bytes(8);
+  if (number.size() != 9 || number.find_first_not_of("0123456789") != std::string_view::npos) return Code::kVatNumber;
+  machine.fiscal.vatNumber = number;
+  return Code::kOk;
+}
+
+Code setServer(Register& machine, const Fields& fields, ReplyFields&) {
+  const std::string_view url = fields.bytes(1);
+  const std::string_view port = fields.bytes(2);
+  const std::string_view key = fields.bytes(3);
+  if (port.empty() && !url.empty()) return Code::kFieldTooShort;
+  if (!port.empty() && (fields.number(2) < 1 || fields.number(2) > 65535)) return Code::kFieldRange;
+  const bool isKey = key.size() == 64 && key.find_first_not_of("0123456789ABCDEFabcdef") == std::string_view::npos;
+  if (!key.empty() && !isKey) return Code::kServerKey;
+  machine.fiscal.server = {fields.flag(0), std::string(url), std::string(port), std::string(key),
+                           std::string(fields.bytes(7))};
+  return Code::kOk;
+}
+
+Code tellServer(Register& machine, const Fields&, ReplyFields& reply) {
+  const ServerSettings& server = machine.fiscal.server;
+  reply.whole(server.isActive).text(server.url).text(server.port).text(server.key);
+  reply.text("").text("").text("").text(server.qrUrl);
+  return Code::kOk;
+}
+
+/// A dialogue about the server leaves nothing behind that would have to end.
+Code endServerDialogue(Register&, const Fields&, ReplyFields&) { return Code::kOk; }
+
+std::vector<FieldRule> sizedLines(std::size_t count) {
+  std::vector<FieldRule> rules;
+  for (std::size_t i = 0; i < count; ++i) rules.insert(rules.end(), {field::whole(2), field::text(Paper::kColumns)});
+  return rules;
+}
+
+/// Eighteen fields, all empty but the ninth.
+std::vector<FieldRule> vatNumberFields() {
+  std::vector<FieldRule> rules(18, field::text(0));
+  // Longer than any VAT number, so that a wrong one is refused as such.
+  rules[8] = field::text(20);
+  return rules;
+}
+
+}  // namespace
+
+const std::vector<Command>& configCommands() {
+  using namespace field;
+  constexpr FieldRule kLine = text(Paper::kColumns);
+  constexpr FieldRule kEmpty = text(0);
+  constexpr FieldRule kUrl = text(200);
+  constexpr FieldRule kName = text(35);
+  static const std::vector<Command> kCommands = {
+      {"h", "", {}, false, tellHeader},
+      {"H", "", sizedLines(5), false, setHeader},
+      {"{", "", {}, false, tellFooter},
+      {"Y", "", sizedLines(3), false, setFooter},
+      {"m", "", {kLine, kLine, kLine}, false, setNextFooter, true},
+      {"e", "", {}, false, tellVatRates},
+      {"b", "", {amount(), amount(), amount(), amount(), amount()}, false, setVatRates},
+      // number, description, category
+      {"d", "", {whole(3), kName, whole(3)}, false, setDepartment},
+      {"K", "", {whole(3), kName}, false, setCategory},
+      {"s", "", {}, false, tellSettings},
+      // printer, its description, cashier, flags, top and bottom logo, flags
+      {"S",
+       "",
+       {whole(5), text(8), text(20), flag(), flag(), flag(), flag(), flag(), whole(5), whole(5), flag(), flag()},
+       false,
+       setSettings},
+      {"B", "", vatNumberFields(), false, setVatNumber},
+      // active, address, port, key, -, -, -, address for QR codes
+      {"]", "", {flag(), kUrl, wholeOrEmpty(5), text(200), kEmpty, kEmpty, kEmpty, kUrl}, false, setServer},
+      {",", "0", {whole(1)}, false, tellServer},
+      {",", "1", {whole(1)}, false, endServerDialogue},
+  };
+  return kCommands;
+}
+
+}  // namespace mirvane::emulator
