@@ -17,6 +17,8 @@ const char* describe(AutomationCode code) {
       return "Subscript out of range";
     case AutomationCode::badParameterCount:
       return "Wrong number of arguments";
+    case AutomationCode::objectNotSet:
+      return "Object variable not set";
   }
   return "Automation error";
 }

@@ -13,6 +13,7 @@ enum class AutomationCode : std::uint32_t {
   overflow = 0x8002000A,
   badIndex = 0x8002000B,
   badParameterCount = 0x8002000E,
+  objectNotSet = 0x800A005B,  // a member of Nothing
 };
 
 /// Raised to the caller of a member instead of a result: the call itself was impossible, as opposed to an operation

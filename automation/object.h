@@ -44,9 +44,9 @@ class Object : public std::enable_shared_from_this<Object> {
 
   virtual const ClassInfo& classInfo() const = 0;
 
-  /// Invokes a member by name. Raises memberNotFound when the class has none that can be accessed so, and the errors of
-  /// argument conversion before the member runs.
-  Value invoke(std::string_view member, ClassInfo::Access access, Arguments arguments);
+  /// Invokes a member by name; kDefaultMember is the one that stands for the object. Raises memberNotFound when the
+  /// class has none that can be accessed so, and the errors of argument conversion before the member runs.
+  virtual Value invoke(std::string_view member, ClassInfo::Access access, Arguments arguments);
 
   /// Calls or reads a member by name. Variables are passed by reference and records as themselves; temporaries by
   /// value.
@@ -55,6 +55,8 @@ class Object : public std::enable_shared_from_this<Object> {
     const std::array<Argument, sizeof...(A)> list{argumentFor(std::forward<A>(arguments))...};
     return invoke(member, ClassInfo::Access::callOrRead, list);
   }
+
+  static constexpr std::string_view kDefaultMember{};
 
   /// Objects alive in the whole process.
   static int liveCount();

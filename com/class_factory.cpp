@@ -1,8 +1,19 @@
 #include "com/class_factory.h"
 
 #include "com/dispatch.h"
+#include "com/foreign_object.h"
+#include "interface/module_state.h"
 
 namespace mirvane::com {
+namespace {
+
+bool startOnce() {
+  startComponent();
+  moduleState().createObject = &createForeignObject;
+  return true;
+}
+
+}  // namespace
 
 HRESULT ClassFactory::QueryInterface(REFIID iid, void** object) {
   if (object == nullptr) return E_POINTER;
@@ -18,7 +29,7 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object)
   *object = nullptr;
   if (outer != nullptr) return CLASS_E_NOAGGREGATION;
   return guarded([&] {
-    static const bool kStarted = (startComponent(), true);
+    static const bool kStarted = startOnce();
     static_cast<void>(kStarted);
     return wrap(class_.create())->QueryInterface(iid, object);
   });

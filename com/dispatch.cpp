@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "com/foreign_object.h"
 #include "com/type_library.h"
 #include "com/variants.h"
 #include "component/component.h"
@@ -251,6 +252,7 @@ class Wrapper final : public ComObject<IDispatch, IProvideClassInfo, OwnObject> 
 }  // namespace
 
 ComPtr<IDispatch> wrap(const ObjectPtr& object) {
+  if (const auto* foreign = dynamic_cast<const ForeignObject*>(object.get())) return foreign->dispatch();
   if (object->adapter == nullptr) return ComPtr<IDispatch>(new Wrapper(object));
   auto* wrapper = static_cast<Wrapper*>(object->adapter);
   wrapper->AddRef();
@@ -258,10 +260,13 @@ ComPtr<IDispatch> wrap(const ObjectPtr& object) {
 }
 
 ObjectPtr unwrap(IUnknown* pointer) {
-  void* own = nullptr;
-  if (pointer == nullptr || FAILED(pointer->QueryInterface(kOwnObject, &own))) return nullptr;
-  const ComPtr<OwnObject> reference(static_cast<OwnObject*>(own));
-  return reference->object();
+  void* found = nullptr;
+  if (pointer == nullptr) return nullptr;
+  if (SUCCEEDED(pointer->QueryInterface(kOwnObject, &found))) {
+    return ComPtr<OwnObject>(static_cast<OwnObject*>(found))->object();
+  }
+  if (FAILED(pointer->QueryInterface(IID_IDispatch, &found))) return nullptr;
+  return std::make_shared<ForeignObject>(ComPtr<IDispatch>(static_cast<IDispatch*>(found)));
 }
 
 }  // namespace mirvane::com

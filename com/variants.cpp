@@ -16,15 +16,6 @@ constexpr std::array<VARTYPE, std::variant_size_v<Value>> kTypes = {VT_EMPTY, VT
 
 [[noreturn]] void mismatch() { throw AutomationError(AutomationCode::typeMismatch); }
 
-// A VARIANT of our own.
-class Variant : public VARIANT {
- public:
-  Variant() : VARIANT() { VariantInit(this); }
-  Variant(const Variant&) = delete;
-  Variant& operator=(const Variant&) = delete;
-  ~Variant() { VariantClear(this); }
-};
-
 void check(HRESULT outcome) {
   if (outcome == E_OUTOFMEMORY) throw std::bad_alloc();
   if (FAILED(outcome)) mismatch();
@@ -34,49 +25,6 @@ Value objectOf(IUnknown* pointer) {
   ObjectPtr object = unwrap(pointer);
   if (object == nullptr && pointer != nullptr) mismatch();
   return object;
-}
-
-// What a VARIANT holds that refers to no variable.
-Value valueOf(const VARIANT& given) {
-  switch (given.vt) {
-    case VT_EMPTY:
-      return {};
-    case VT_NULL:
-      return Null();
-    case VT_BOOL:
-      return given.boolVal != VARIANT_FALSE;
-    case VT_UI1:
-      return std::uint8_t{given.bVal};
-    case VT_I2:
-      return std::int16_t{given.iVal};
-    case VT_I4:
-    case VT_INT:
-      return static_cast<std::int32_t>(given.lVal);
-    case VT_R8:
-      return given.dblVal;
-    case VT_BSTR:
-      return Text(reinterpret_cast<const char16_t*>(given.bstrVal), SysStringLen(given.bstrVal));
-    case VT_DISPATCH:
-    case VT_UNKNOWN:
-      return objectOf(given.punkVal);
-    case VT_I1:
-    case VT_UI2:
-    case VT_UI4:
-    case VT_UINT:
-    case VT_I8:
-    case VT_UI8:
-    case VT_R4:
-    case VT_CY:
-    case VT_DATE:
-    case VT_DECIMAL: {
-      Variant number;
-      VARIANT source = given;
-      check(VariantChangeType(&number, &source, 0, VT_R8));
-      return number.dblVal;
-    }
-    default:
-      mismatch();
-  }
 }
 
 // The nearest number that the variable holds. A negative one keeps its bits in an unsigned variable, so that a failure
@@ -156,6 +104,50 @@ BSTR toBstr(TextView text) {
   BSTR copy = SysAllocStringLen(reinterpret_cast<const OLECHAR*>(text.data()), static_cast<UINT>(text.size()));
   if (copy == nullptr) throw std::bad_alloc();
   return copy;
+}
+
+Text textOf(BSTR text) { return {reinterpret_cast<const char16_t*>(text), SysStringLen(text)}; }
+
+Value valueOf(const VARIANT& given) {
+  switch (given.vt) {
+    case VT_EMPTY:
+      return {};
+    case VT_NULL:
+      return Null();
+    case VT_BOOL:
+      return given.boolVal != VARIANT_FALSE;
+    case VT_UI1:
+      return std::uint8_t{given.bVal};
+    case VT_I2:
+      return std::int16_t{given.iVal};
+    case VT_I4:
+    case VT_INT:
+      return static_cast<std::int32_t>(given.lVal);
+    case VT_R8:
+      return given.dblVal;
+    case VT_BSTR:
+      return textOf(given.bstrVal);
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      return objectOf(given.punkVal);
+    case VT_I1:
+    case VT_UI2:
+    case VT_UI4:
+    case VT_UINT:
+    case VT_I8:
+    case VT_UI8:
+    case VT_R4:
+    case VT_CY:
+    case VT_DATE:
+    case VT_DECIMAL: {
+      Variant number;
+      VARIANT source = given;
+      check(VariantChangeType(&number, &source, 0, VT_R8));
+      return number.dblVal;
+    }
+    default:
+      mismatch();
+  }
 }
 
 void toVariant(const Value& value, VARIANT& result) {

@@ -17,7 +17,7 @@ class CallArgument {
   CallArgument(const CallArgument&) = delete;
   CallArgument& operator=(const CallArgument&) = delete;
 
-  /// Takes the caller's VARIANT. Raises typeMismatch for what no member can take, such as an array or a foreign object.
+  /// Takes the caller's VARIANT. Raises typeMismatch for what no member can take, such as an array.
   void read(VARIANT& given);
 
   /// Missing as long as nothing was read, and when the caller left it out expressly. Refers to this object.
@@ -40,10 +40,23 @@ class CallArgument {
   std::variant<bool, double, Text, ObjectPtr, Value> copy_;
 };
 
+/// A VARIANT of our own.
+class Variant : public VARIANT {
+ public:
+  Variant() : VARIANT() { VariantInit(this); }
+  Variant(const Variant&) = delete;
+  Variant& operator=(const Variant&) = delete;
+  ~Variant() { VariantClear(this); }
+};
+
+/// What a VARIANT holds that refers to no variable. Raises typeMismatch for what is no Value, such as an array.
+Value valueOf(const VARIANT& given);
+
 /// Puts a value into a VARIANT that holds nothing. Raises bad_alloc.
 void toVariant(const Value& value, VARIANT& result);
 
 /// A text as a BSTR; raises bad_alloc.
 BSTR toBstr(TextView text);
+Text textOf(BSTR text);
 
 }  // namespace mirvane::com

@@ -15,6 +15,7 @@
 #include "interface/fiscal_null_module.h"
 #include "interface/fiscal_trevik_module.h"
 #include "legacy/older_families.h"
+#include "support/electronic_journal.h"
 #include "support/price_adjustments.h"
 #include "support/tcp_client.h"
 
@@ -46,6 +47,7 @@ constexpr std::array kPublicClasses = {
     publicClass<dec2Bin>("{80D8648C-B206-4396-B453-B73FEED2595C}", "{84A2769F-73A8-4648-ADBC-6F2F25A81BCF}"),
     publicClass<cTCPIP>("{8F06B02E-E8BE-4882-83C4-209E46D6F9B6}", "{48F8A3CA-682D-4C57-817D-B50FC7BF0F11}"),
     publicClass<clsAdjust>("{0A8CA803-7002-4AA9-8F9D-7DEB86745104}", "{B7B87008-F397-490A-A749-6E1F41D3327B}"),
+    publicClass<FiscalJournal>("{E0492EBE-0DE7-4EE3-BF52-D89C3901E146}", "{C406E56C-58C7-44A9-A043-D062349C19B5}"),
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "interface/cls_status.h"
@@ -8,10 +9,16 @@
 
 namespace mirvane {
 
+struct clsAccumulator;
+struct clsDailyAcc;
+struct clsParam;
 struct clsTransTotal;
+class FiscalJournal;
+class ReplyFields;
 
 /// The driver of the second-generation device. One source file per subject: link, errors, connection, transactions,
-/// reads. What each member of the driver interface does for the caller is told there; see interface/driver_interface.h.
+/// reports, reads, configuration. What each member of the driver interface does for the caller is told there; see
+/// interface/driver_interface.h.
 class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
  public:
   static constexpr std::string_view kName = "FiscalVarlenModule2";
@@ -85,15 +92,67 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
   Value executeCashOut(double& Amount, Text& cashOutDesc, std::int16_t& Result, Text& Exresult, bool& SupressError_);
   Value VoidReceipt(std::int16_t& Result, Text& Exresult, bool& SupressError_);
 
+  // ---- Reports (reports.cpp). The Z report and its reprint never show the box of a device error.
+
+  /// Closes the fiscal day once its journal is on the disk; the device is asked for the journal up to three times, with
+  /// pauses of three seconds. Without the journal nothing is closed: the box and the outcome tell it, but to a caller
+  /// with SupressError_ the missing report alone. A file error raises typeMismatch.
+  Value issueZReport(std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  /// The last Z report once more; the whole closing when the device has a journal that was not taken yet.
+  Value issueZReprintReport(std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  Value issueXReport(std::int16_t& Result, Text& Exresult, bool& SupressError_);
+
   // ---- Reads (reads.cpp). A record and the outputs change only when Result is 0; a reply with fewer fields than are
   // wanted raises badIndex after the fields before the gap were taken.
 
   Value getDate(Text& d, std::int16_t& Result, Text& Exresult, bool& SupressError_);
   Value getTime(Text& d, std::int16_t& Result, Text& Exresult, bool& SupressError_);
   Value getSerialNumber(Text& sN, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  Value getHeader(Text& line1, std::int16_t& line1Size, Text& line2, std::int16_t& line2Size, Text& line3,
+                  std::int16_t& line3Size, Text& line4, std::int16_t& line4Size, Text& line5, std::int16_t& line5Size,
+                  std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  Value getFooter(Text& line1, std::int16_t& line1Size, Text& line2, std::int16_t& line2Size, Text& line3,
+                  std::int16_t& line3Size, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  Value getVatCategories(double& VatA, double& VatB, double& VatC, double& VatD, double& VatE, std::int16_t& Result,
+                         Text& Exresult, bool& SupressError_);
   void transactionTotals(clsTransTotal& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  void getSalesPerDepartment(clsAccumulator& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  void getSalesPerCategory(clsAccumulator& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  void getDailyTotals(clsDailyAcc& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  void settingsRead(clsParam& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
   std::shared_ptr<clsStatus> StatusRead();
   void printerStatusRead(std::int16_t& Result, Text& Exresult, bool& SupressError_);
+
+  // ---- Configuration (configuration.cpp). Ranges are the device's business: it answers with its code.
+
+  Value setHeader(Text& line1, std::int16_t& line1Size, Text& line2, std::int16_t& line2Size, Text& line3,
+                  std::int16_t& line3Size, Text& line4, std::int16_t& line4Size, Text& line5, std::int16_t& line5Size,
+                  std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  Value setFooter(Text& line1, std::int16_t& line1Size, Text& line2, std::int16_t& line2Size, Text& line3,
+                  std::int16_t& line3Size, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  Value setTempFooter(Text& line1, Text& line2, Text& line3, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  /// Sends nothing when the device has these rates already; Exresult tells so.
+  Value setVatCategories(double& VatA, double& VatB, double& VatC, double& VatD, double& VatE, std::int16_t& Result,
+                         Text& Exresult, bool& SupressError_);
+  void setDepartment(std::int16_t& depID, Text& depDescription, std::int16_t& depCategory, std::int16_t& Result,
+                     Text& Exresult, bool& SupressError_);
+  void setCategory(std::int16_t& catID, Text& catDescription, std::int16_t& Result, Text& Exresult,
+                   bool& SupressError_);
+  void settingsWrite(clsParam& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  /// Prints the number in any case; the outcome is that of the last paper feed.
+  void setVATNumber(Text& sVat, std::int16_t& Result, Text& Exresult, bool& SupressError_, Text& Pass);
+  /// The tax authority's server. sWeb: data URL, "|" and QR URL.
+  void setServer(std::uint8_t bActiveSend, Text sWeb, Text sPort, Text sAES, std::int16_t& Result, Text& Exresult,
+                 bool& SupressError_, Text& Pass);
+  void getServer(std::uint8_t& bActiveSend, Text& sWeb, Text& sPort, Text& sAES, std::int16_t& Result, Text& Exresult,
+                 bool& SupressError_, Text& Pass);
+  /// The device's commands for these are not known, so nothing is sent and they are refused as the device refuses what
+  /// it does not know.
+  void setTaxCardNumber(Text& nTaxCard, std::int16_t& Result, Text& Exresult, bool& SupressError_, Text& Pass);
+  Value sentBitmapData(Text& BMPfileName, std::int16_t& BitmapID, std::int16_t& Result, Text& Exresult,
+                       bool& SupressError_);
+  Value setReceiptBitmap(std::int16_t& BitmapID, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  Value setReceiptBitmapSize(std::int16_t& sizeOf, std::int16_t& Result, Text& Exresult, bool& SupressError_);
 
  private:
   class Stopwatch;
@@ -121,9 +180,14 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
   void cashDocument(TextView code, double amount, const Text& description, std::int16_t& Result, Text& Exresult,
                     bool& SupressError_);
 
-  template <class Fill>
-  void read(const Text& command, const Outcome& outcome, Fill fill);
+  bool journalStepFails(Text& message);
+  bool journalIsTaken(Text& message);
+
+  void read(const Text& command, const Outcome& outcome, const std::function<void(const ReplyFields&)>& fill);
   clsStatus& refreshedStatus();
+
+  void endServerDialogue();
+  void refuseUnknown(std::int16_t& Result, Text& Exresult, bool SupressError_);
 
   Text lastReply_;
   /// State as of the last reply's status bytes.
@@ -131,6 +195,7 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
     bool dayOpen, transactionOpen, inPayment, flashNearFull;
   } flags_{};
   std::shared_ptr<clsStatus> status_;
+  std::shared_ptr<FiscalJournal> journal_;
   /// The last one read from this device.
   Text serialNumber_;
 };

@@ -35,6 +35,9 @@ struct ModuleState {
   std::int16_t lastItemDep = 0;
   double lastItemAmount = 0;
 
+  /// Whether the last journal step of this process failed.
+  bool journalStepFailed = false;
+
   /// Whether a card payment (payment number 2 or 4) is under way.
   bool cardPaymentUnderWay = false;
   bool traceActive = false;
@@ -42,6 +45,9 @@ struct ModuleState {
   platform::Platform* platform = &platform::hostPlatform();
   /// The driver classes in probe order.
   std::vector<DriverCandidate> candidates;
+  /// Makes an object of another component by its programmatic identifier, Nothing when there is none; null where no
+  /// other components can be.
+  ObjectPtr (*createObject)(TextView programmaticId) = nullptr;
 };
 
 ModuleState& moduleState();

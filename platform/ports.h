@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -96,6 +97,19 @@ constexpr std::uint32_t kCritical = 16;
 constexpr std::uint32_t kExclamation = 48;
 constexpr std::uint32_t kInformationSystemModal = 4160;
 
+/// The window that shows a journal while it comes from the device. It closes when it is destroyed.
+class JournalView {
+ public:
+  virtual ~JournalView() = default;
+
+  /// The text that follows belongs to this file.
+  virtual void beginFile(TextView name) = 0;
+  /// `count`: the characters of the whole journal received so far, this piece included.
+  virtual void append(TextView piece, std::size_t count) = 0;
+  /// Lets the program's windows do what is pending.
+  virtual void processEvents() = 0;
+};
+
 /// Whoever stands in front of the till.
 class Screen {
  public:
@@ -106,6 +120,7 @@ class Screen {
   /// Lets the operator wait for the device to end the state that `code` and `message` tell of. Code 0 means that it
   /// is ready again.
   virtual DeviceOutcome waitForDevice(std::int16_t code, TextView message) = 0;
+  virtual std::unique_ptr<JournalView> showJournal() = 0;
   /// One line of the debug trace.
   virtual void traceLine(TextView line) = 0;
 };
@@ -119,6 +134,12 @@ class Files {
   virtual Text componentFolder() = 0;
   /// The whole file, or nothing when it cannot be read.
   virtual std::optional<std::string> read(TextView path) = 0;
+  /// Makes the folder and those above it where they are missing; `folder` ends in a separator. False when it is not
+  /// there afterwards.
+  virtual bool makeFolder(TextView folder) = 0;
+  /// Makes `bytes` the whole content of the file, on the disk before it returns. Whatever happens meanwhile, the file
+  /// is whole: the new one, or after a failure (false) the old one or none.
+  virtual bool replace(TextView path, std::string_view bytes) = 0;
 };
 
 struct Platform {

@@ -59,7 +59,9 @@ std::string memberText(const Member& member) {
   std::string text = "[id(" + std::to_string(member.dispatchId) + ")";
   if (member.kind == MemberKind::get) text += ", propget";
   if (member.kind == MemberKind::put) {
-    text += member.parameters.back().type.kind == TypeKind::object ? ", propputref" : ", propput";
+    // A property of one class is set; one of any object is assigned to.
+    const Type& type = member.parameters.back().type;
+    text += type.kind == TypeKind::object && !type.name.empty() ? ", propputref" : ", propput";
   }
   text += "] " + typeName(member.result) + " " + std::string(member.name) + "(";
   std::string_view separator;

@@ -94,6 +94,8 @@ std::string typeText(ITypeInfo& info, const TYPEDESC& type) {
       return "BSTR";
     case VT_VARIANT:
       return "VARIANT";
+    case VT_DISPATCH:
+      return "Object";
     case VT_USERDEFINED:
       return namedType(info, type, TKIND_ENUM);
     case VT_PTR:

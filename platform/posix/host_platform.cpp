@@ -1,6 +1,12 @@
 #include "platform/posix/host_platform.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
@@ -42,6 +48,32 @@ class PosixClock : public Clock {
   }
 };
 
+// "c:\\folder" is the folder "c:/folder" in the current one.
+std::string localPath(TextView path) {
+  std::string name = toUtf8(path);
+  std::replace(name.begin(), name.end(), '\\', '/');
+  return name;
+}
+
+// One line of progress, written over again and again.
+class TerminalJournal : public JournalView {
+ public:
+  ~TerminalJournal() override {
+    if (!line_.empty()) std::cerr << std::endl;
+  }
+  void beginFile(TextView name) override { file_ = toUtf8(name); }
+  void append(TextView /*piece*/, std::size_t count) override {
+    const std::size_t width = line_.size();
+    line_ = file_ + "  " + std::to_string(count);
+    std::cerr << '\r' << line_ << std::string(width - std::min(width, line_.size()), ' ') << std::flush;
+  }
+  void processEvents() override {}
+
+ private:
+  std::string file_;
+  std::string line_;
+};
+
 // A terminal: what would be a box is a line.
 class TerminalScreen : public Screen {
  public:
@@ -49,6 +81,7 @@ class TerminalScreen : public Screen {
     std::cerr << toUtf8(title) << ": " << toUtf8(prompt) << std::endl;
   }
   DeviceOutcome waitForDevice(std::int16_t code, TextView message) override { return {code, Text(message)}; }
+  std::unique_ptr<JournalView> showJournal() override { return std::make_unique<TerminalJournal>(); }
   void traceLine(TextView line) override {
     if (traceSink()) traceSink()(line);
   }
@@ -61,14 +94,36 @@ class PosixFiles : public Files {
     return fromUtf8(std::filesystem::read_symlink("/proc/self/exe", error).parent_path().string());
   }
   std::optional<std::string> read(TextView path) override {
-    std::string name = toUtf8(path);
-    for (char& c : name) {
-      if (c == '\\') c = '/';
-    }
-    std::ifstream file(name, std::ios::binary);
+    std::ifstream file(localPath(path), std::ios::binary);
     std::string content{std::istreambuf_iterator<char>(file), {}};
     if (!file) return std::nullopt;
     return content;
+  }
+  bool makeFolder(TextView folder) override {
+    std::error_code error;
+    std::filesystem::create_directories(localPath(folder), error);
+    return std::filesystem::is_directory(localPath(folder), error);
+  }
+  bool replace(TextView path, std::string_view bytes) override {
+    const std::string name = localPath(path);
+    const std::string temporary = name + ".tmp";
+    if (writeToDisk(temporary, bytes) && std::rename(temporary.c_str(), name.c_str()) == 0) return true;
+    std::remove(temporary.c_str());
+    return false;
+  }
+
+ private:
+  static bool writeToDisk(const std::string& name, std::string_view bytes) {
+    const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (file < 0) return false;
+    while (!bytes.empty()) {
+      const auto count = write(file, bytes.data(), bytes.size());
+      if (count < 0 && errno == EINTR) continue;
+      if (count <= 0) break;
+      bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    const bool onDisk = bytes.empty() && fsync(file) == 0;
+    return close(file) == 0 && onDisk;
   }
 };
 

@@ -1,4 +1,10 @@
+// clang-format off
+#include <windows.h>
+#include <imagehlp.h>  // which does not include the former itself
+// clang-format on
+
 #include "platform/windows/datagram_sockets.h"
+#include "platform/windows/journal_window.h"
 #include "platform/windows/serial_port.h"
 #include "platform/windows/windows.h"
 
@@ -45,6 +51,8 @@ class WindowsScreen : public Screen {
 
   DeviceOutcome waitForDevice(std::int16_t code, TextView message) override { return {code, Text(message)}; }
 
+  std::unique_ptr<JournalView> showJournal() override { return showJournalWindow(); }
+
   void traceLine(TextView line) override { OutputDebugStringW((toWide(line) + L"\n").c_str()); }
 };
 
@@ -72,6 +80,40 @@ class WindowsFiles : public Files {
     CloseHandle(file);
     if (!good) return std::nullopt;
     return bytes;
+  }
+
+  bool makeFolder(TextView folder) override { return MakeSureDirectoryPathExists(toAnsi(folder).c_str()) != FALSE; }
+
+  bool replace(TextView path, std::string_view bytes) override {
+    const std::wstring name = toWide(path);
+    const std::wstring temporary = name + L".tmp";
+    if (writeToDisk(temporary, bytes) &&
+        MoveFileExW(temporary.c_str(), name.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE) {
+      return true;
+    }
+    DeleteFileW(temporary.c_str());
+    return false;
+  }
+
+ private:
+  static std::string toAnsi(TextView text) {
+    constexpr std::size_t kMostBytes = 3;  // a character takes so many where the system's code page is UTF-8
+    const std::wstring wide = toWide(text);
+    std::string bytes(wide.size() * kMostBytes, '\0');
+    bytes.resize(
+        static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, 0, wide.data(), static_cast<int>(wide.size()),
+                                                     bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr)));
+    return bytes;
+  }
+
+  static bool writeToDisk(const std::wstring& name, std::string_view bytes) {
+    const HANDLE file =
+        CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    DWORD count = 0;
+    const bool onDisk = WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) != FALSE &&
+                        count == bytes.size() && FlushFileBuffers(file) != FALSE;
+    return CloseHandle(file) != FALSE && onDisk;
   }
 };
 

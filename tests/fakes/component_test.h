@@ -31,7 +31,8 @@ std::uint32_t errorOf(F call) {
     return static_cast<std::uint32_t>(error.code());
   }
 }
-constexpr std::uint32_t kMemberNotFound = 0x80020003, kTypeMismatch = 0x80020005, kOverflow = 0x8002000A;
+constexpr std::uint32_t kMemberNotFound = 0x80020003, kTypeMismatch = 0x80020005, kOverflow = 0x8002000A,
+                        kBadIndex = 0x8002000B, kObjectNotSet = 0x800A005B;
 
 /// A new object of a public class.
 inline ObjectPtr create(std::string_view className) {
@@ -72,6 +73,12 @@ class ComponentTest : public testing::Test {
     return object.call(member, std::forward<A>(arguments)..., Result, Exresult, SupressError_);
   }
   std::string exresult() const { return toUtf8(Exresult); }
+  /// Result and Exresult, as in "20 Z closure time limit".
+  std::string outcome() const { return std::to_string(Result) + " " + exresult(); }
+  /// The box that a caller is shown who has not suppressed it.
+  std::vector<Box> unlessSuppressed(const Box& box) const {
+    return SupressError_ ? std::vector<Box>{} : std::vector{box};
+  }
 
   FakeClock clock;
   FakeDevice device;
@@ -104,6 +111,27 @@ class DriverTest : public ComponentTest {
   void connectNetwork() {
     run(*driver, "DisConnect_", u"");
     connect(u"10.0.0.5:9100");
+  }
+  /// Calls a member of the driver and returns the commands that it sends. The operator has seen nothing before.
+  template <class... A>
+  std::vector<std::string> call(std::string_view member, A&&... arguments) {
+    device.commands.clear();
+    screen.boxes.clear();
+    run(*driver, member, std::forward<A>(arguments)...);
+    return device.commands;
+  }
+  /// The same for one that takes Pass.
+  template <class... A>
+  std::vector<std::string> callWithPass(std::string_view member, A&&... arguments) {
+    device.commands.clear();
+    screen.boxes.clear();
+    Result = 77;
+    driver->call(member, std::forward<A>(arguments)..., Result, Exresult, SupressError_, Pass);
+    return device.commands;
+  }
+  /// The device's next replies, in UTF-8, behind one and the same code and status bytes.
+  void answers(const std::vector<std::string>& replies, const std::string& status = "00/00/00/") {
+    for (const std::string& fields : replies) device.answer(toCodePage(fromUtf8(status + fields)));
   }
   /// Sends a command text as a program does.
   void send(TextView command) {

@@ -22,7 +22,10 @@ class FakeClock : public platform::Clock {
     const int seconds = static_cast<int>(secondsSinceMidnight());
     return {2024, 3, 25, seconds / 3600, seconds / 60 % 60, seconds % 60};
   }
-  void sleep(std::uint32_t milliseconds) override { advance(milliseconds / 1000.0); }
+  void sleep(std::uint32_t milliseconds) override {
+    ++sleeps[milliseconds];
+    advance(milliseconds / 1000.0);
+  }
   void advance(double seconds) {
     now += seconds;
     if (now > 7200) throw std::logic_error("still waiting after two hours");
@@ -30,6 +33,8 @@ class FakeClock : public platform::Clock {
 
   double startOfDay = 12 * 3600 + 34 * 60 + 56;
   double now = 0;
+  /// How often somebody slept so many milliseconds.
+  std::map<std::uint32_t, int> sleeps;
 };
 
 struct Box {
@@ -53,13 +58,35 @@ class FakeScreen : public platform::Screen {
     outcomes.pop_front();
     return outcome;
   }
+  std::unique_ptr<platform::JournalView> showJournal() override;
   void traceLine(TextView line) override { trace.push_back(toUtf8(line)); }
 
   std::vector<Box> boxes;
+  /// What journal windows did: "show", a file's name, "+" and a piece with the count, "close".
+  std::vector<std::string> journal;
   std::vector<std::string> waits;
   std::deque<platform::DeviceOutcome> outcomes;
   std::vector<std::string> trace;
+  int eventRounds = 0;
 };
+
+class FakeJournalView : public platform::JournalView {
+ public:
+  explicit FakeJournalView(FakeScreen& screen) : screen_(screen) { screen_.journal.emplace_back("show"); }
+  ~FakeJournalView() override { screen_.journal.emplace_back("close"); }
+  void beginFile(TextView name) override { screen_.journal.push_back(toUtf8(name)); }
+  void append(TextView piece, std::size_t count) override {
+    screen_.journal.push_back("+" + toUtf8(piece) + " " + std::to_string(count));
+  }
+  void processEvents() override { ++screen_.eventRounds; }
+
+ private:
+  FakeScreen& screen_;
+};
+
+inline std::unique_ptr<platform::JournalView> FakeScreen::showJournal() {
+  return std::make_unique<FakeJournalView>(*this);
+}
 
 class FakeFiles : public platform::Files {
  public:
@@ -67,6 +94,15 @@ class FakeFiles : public platform::Files {
   std::optional<std::string> read(TextView path) override {
     const auto file = contents.find(Text(path));
     return file == contents.end() ? std::nullopt : std::optional(file->second);
+  }
+  bool makeFolder(TextView folder) override {
+    folders.push_back(toUtf8(folder));
+    return !folder.starts_with(unwritable);
+  }
+  bool replace(TextView path, std::string_view bytes) override {
+    if (path.starts_with(unwritable)) return false;
+    contents[Text(path)] = bytes;
+    return true;
   }
   /// A catalogue of so many languages; `fields` (UTF-8) stand one after the other, message by message.
   void setCatalogue(std::uint8_t languages, const std::map<std::size_t, std::string>& fields, std::size_t messages) {
@@ -81,8 +117,20 @@ class FakeFiles : public platform::Files {
     contents[kCatalogue] = file;
   }
 
+  /// The files below a folder, by the rest of their paths.
+  std::map<std::string, std::string> below(const std::string& folder) const {
+    std::map<std::string, std::string> files;
+    for (const auto& [path, bytes] : contents) {
+      if (toUtf8(path).starts_with(folder)) files[toUtf8(path).substr(folder.size())] = bytes;
+    }
+    return files;
+  }
+
   static constexpr const char16_t* kCatalogue = u"C:\\till\\Lang.dat";
   std::map<Text, std::string> contents;
+  std::vector<std::string> folders;
+  /// Below this folder nothing can be written.
+  Text unwritable = u"?";
 };
 
 }  // namespace mirvane::test

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "platform/ports.h"
+
+namespace mirvane::platform {
+
+/// Shows a journal in a window of its own. The windows of this thread take no input until it closes.
+std::unique_ptr<JournalView> showJournalWindow();
+
+}  // namespace mirvane::platform

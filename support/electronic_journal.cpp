@@ -1,0 +1,239 @@
+#include "support/electronic_journal.h"
+
+#include <algorithm>
+
+#include "automation/number_text.h"
+#include "interface/module_state.h"
+#include "interface/text.h"
+
+namespace mirvane {
+namespace {
+
+constexpr TextView kBoxName = u"quorndll_webupdate.box";
+constexpr TextView kFixedFolders = u"c:\\bbox\\$\\;c:\\bboxBackUp\\$\\";
+
+constexpr std::uint32_t kPollMilliseconds = 5;
+// The device is still preparing its journal.
+constexpr std::int16_t kPreparing = 81;
+
+constexpr std::size_t kSerialNumberLength = 11;
+constexpr std::size_t kZNumberLength = 4;
+
+constexpr TextView kSummarySuffix = u"_s.txt";
+
+// Programs have learned to take a type mismatch for a file error: the box that should have told of it always failed so.
+[[noreturn]] void failOnFile() { throw AutomationError(AutomationCode::typeMismatch); }
+
+bool isFolderName(TextView name) { return name.find_first_not_of(u". ") != TextView::npos; }
+
+// The name comes from the device or from a program: it must not lead out of the journal folders. Nor must the parts of
+// it that become folders; an empty one adds none.
+void requirePlain(TextView name) {
+  const auto isForbidden = [](char16_t c) { return c < u' ' || c == u'/' || c == u'\\' || c == u':'; };
+  const TextView serialNumber = name.substr(0, kSerialNumberLength);
+  const TextView zNumber = name.substr(serialNumber.size(), kZNumberLength);
+  if (std::any_of(name.begin(), name.end(), isForbidden) || !isFolderName(name) || !isFolderName(serialNumber) ||
+      (!zNumber.empty() && !isFolderName(zNumber))) {
+    failOnFile();
+  }
+}
+
+Text subPath(TextView fileName, TextView zNumber) {
+  return Text(fileName.substr(0, kSerialNumberLength)).append(u"\\").append(zNumber);
+}
+
+void save(const Text& folder, const Text& name, TextView data) {
+  platform::Files& files = moduleState().platform->files;
+  if (!files.makeFolder(folder) || !files.replace(folder + name, toCodePage(data) + "\r\n")) failOnFile();
+}
+
+// One exchange with the device.
+struct Reply {
+  std::int16_t result = 0;
+  Text text;
+  std::vector<Text> pieces;
+
+  const Text& piece(std::size_t i) const {
+    if (i >= pieces.size()) throw AutomationError(AutomationCode::badIndex);
+    return pieces[i];
+  }
+  std::int16_t zNumber(double later = 0) const {
+    return convertTo<std::int16_t>(Value(convertTo<double>(Value(piece(3))) + later));
+  }
+};
+
+Reply ask(TextView command) {
+  const ObjectPtr driver = currentDriver();
+  Reply reply;
+  Text sent(command);
+  bool silent = true;
+  Text noPass;
+  driver->call("SendCommand_", sent, reply.result, reply.text, silent, noPass);
+  // From the reply itself: a status condition such as paper end puts its own text in place of it.
+  if (reply.result == 0) reply.pieces = split(convertTo<Text>(driver->call("lastReply")), u'/');
+  return reply;
+}
+
+Reply askUntilPrepared(TextView command) {
+  for (;;) {
+    Reply reply = ask(command);
+    if (reply.result != kPreparing) return reply;
+    moduleState().platform->clock.sleep(kPollMilliseconds);
+  }
+}
+
+std::int32_t outcome(const Reply& reply, Text& errorDesc) {
+  errorDesc = numberText(std::int32_t{reply.result});
+  if (reply.result != 0) errorDesc += u"~" + reply.text;
+  return reply.result;
+}
+
+// The journal as it comes.
+struct Download {
+  // Null when the operator is not shown it.
+  std::unique_ptr<platform::JournalView> view;
+  Text fileName;
+  Text text;
+  std::size_t count = 0;
+
+  // Polls until the device has no more; `whenComplete` takes each file that is. The reply that ended it.
+  template <class WhenComplete>
+  Reply run(WhenComplete whenComplete) {
+    for (;;) {
+      moduleState().platform->clock.sleep(kPollMilliseconds);
+      processEvents();
+      Reply reply = ask(u"Q/");
+      processEvents();
+      if (reply.result != 0) return reply;
+      if (reply.pieces.size() < 6) continue;
+      const Text& state = reply.pieces[3];
+      if (state == u"0") {
+        fileName = reply.pieces[5];
+        if (view) view->beginFile(fileName);
+      } else if (state == u"1") {
+        take(reply.pieces[4]);
+      } else if (state == u"2") {
+        whenComplete();
+      } else if (state == u"3") {
+        return reply;
+      }
+    }
+  }
+
+ private:
+  void take(TextView piece) {
+    text += piece;
+    count += piece.size();
+    if (view) view->append(piece, count);
+  }
+  void processEvents() {
+    if (view) view->processEvents();
+  }
+};
+
+}  // namespace
+
+ObjectPtr FiscalJournal::bBox() {
+  const auto create = moduleState().createObject;
+  if (box_ == nullptr && create != nullptr) box_ = create(kBoxName);
+  return box_;
+}
+
+void FiscalJournal::setbBox(ObjectPtr value) {
+  const ObjectPtr box = bBox();
+  if (box == nullptr) throw AutomationError(AutomationCode::objectNotSet);
+  const Argument argument[] = {Argument(Value(std::move(value)))};
+  box->invoke(kDefaultMember, ClassInfo::Access::write, argument);
+}
+
+std::vector<Text> FiscalJournal::folders(TextView subPath) {
+  Text list(kFixedFolders);
+  if (const ObjectPtr box = bBox()) {
+    Text notUsed;
+    list.clear();
+    box->call("GetDllPath", notUsed, list);
+    box_ = nullptr;  // the next file asks anew
+  }
+  std::vector<Text> all = split(list, u';');
+  std::erase(all, Text());
+  for (Text& folder : all) {
+    for (std::size_t at = 0; (at = folder.find(u'$', at)) != Text::npos; at += subPath.size()) {
+      folder.replace(at, 1, subPath);
+    }
+  }
+  if (all.empty()) failOnFile();  // nowhere to put the file
+  return all;
+}
+
+std::int32_t FiscalJournal::EJFileSave(Text& Filename, Text& Filedata, Text& FileSign) {
+  requirePlain(Filename);
+  const TextView name = Filename;
+  const TextView zNumber = name.substr(std::min(kSerialNumberLength, name.size()), kZNumberLength);
+  for (const Text& folder : folders(subPath(name, zNumber))) {
+    save(folder, Filename + u"_a.txt", Filedata);
+    save(folder, Filename + u"_b.txt", FileSign);
+  }
+  return 0;
+}
+
+std::int32_t FiscalJournal::eEJFileSave(Text& Filename, Text& Filedata, std::int16_t& nZRep) {
+  requirePlain(Filename);
+  Text digits = numberText(std::int32_t{nZRep});
+  const std::size_t sign = nZRep < 0 ? 1 : 0;
+  digits.insert(sign, kZNumberLength - std::min(kZNumberLength, digits.size() - sign), u'0');
+  for (const Text& folder : folders(subPath(Filename, digits))) save(folder, Filename, Filedata);
+  Filedata.clear();
+  return 0;
+}
+
+std::int32_t FiscalJournal::eMakeZreport(Text& errorDesc, bool& bExecZReport, bool& bWithForm) {
+  const Reply day = askUntilPrepared(bExecZReport ? u"A/" : u"#/");
+  if (day.result != 0) return outcome(day, errorDesc);
+  std::int16_t zNumber = day.zNumber(bExecZReport ? 0 : 1);
+
+  const bool withForm = bWithForm;
+  Download journal;
+  if (withForm) {
+    journal.view = moduleState().platform->screen.showJournal();
+  } else {
+    ask(u"7/1/ΑΝΑΓΝΩΣΗ ΦΟΡΟΛ/");
+  }
+  const Reply end = journal.run([&] {
+    eEJFileSave(journal.fileName, journal.text, zNumber);
+    if (!withForm) ask(u"7/2/OK/");
+  });
+  if (end.result == 0 && journal.fileName.ends_with(kSummarySuffix) && !journal.text.empty()) {
+    eEJFileSave(journal.fileName, journal.text, zNumber);
+  }
+  return outcome(end, errorDesc);
+}
+
+std::int32_t FiscalJournal::MakeZreport(Text& errorDesc) {
+  const Reply name = askUntilPrepared(u")/");
+  if (name.result != 0) return outcome(name, errorDesc);
+  Text fileName = name.piece(3);
+  const Reply day = askUntilPrepared(u"A/");
+  if (day.result != 0) return outcome(day, errorDesc);
+  Text signature = day.piece(4);
+
+  Download journal;
+  journal.view = moduleState().platform->screen.showJournal();
+  const Reply end = journal.run([] {});
+  if (end.result == 0) EJFileSave(fileName, journal.text, signature);
+  return outcome(end, errorDesc);
+}
+
+const ClassInfo& FiscalJournal::describe() {
+  static const ClassInfo info =
+      ClassBuilder<FiscalJournal>()
+          .property("bBox", &FiscalJournal::bBox, &FiscalJournal::setbBox)
+          .method("MakeZreport", &FiscalJournal::MakeZreport, {"errorDesc"})
+          .method("eMakeZreport", &FiscalJournal::eMakeZreport,
+                  {"errorDesc", optional("bExecZReport", true), optional("bWithForm", true)})
+          .method("EJFileSave", &FiscalJournal::EJFileSave, {"Filename", "Filedata", "FileSign"})
+          .method("eEJFileSave", &FiscalJournal::eEJFileSave, {"Filename", "Filedata", "nZRep"})
+          .build();
+  return info;
+}
+
+}  // namespace mirvane
