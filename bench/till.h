@@ -21,6 +21,8 @@ class Till {
   virtual void sell() = 0;
   /// A late-bound call that sends nothing.
   virtual void callNothing() = 0;
+  /// Takes the journal of the open day into the files below c:\bbox, with its window.
+  virtual void readJournal() = 0;
   /// What the process holds in memory, in bytes.
   virtual std::size_t memory() = 0;
   /// Size of the component's file; 0 where it is part of the program.

@@ -23,15 +23,12 @@ VARIANT reference(VARTYPE type, void* variable) {
 class ComTill : public Till {
  public:
   ComTill() {
-    CLSID id{};
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    if (FAILED(CLSIDFromProgID(L"VarlenFiscalQ7734.fiscalTrevikModule", &id)) ||
-        FAILED(
-            CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, reinterpret_cast<void**>(&facade_)))) {
-      fail("the DLL is not registered");
-    }
+    facade_ = create(L"VarlenFiscalQ7734.fiscalTrevikModule");
+    journal_ = create(L"VarlenFiscalQ7734.FiscalJournal");
   }
   ~ComTill() override {
+    journal_->Release();
     facade_->Release();
     CoUninitialize();
   }
@@ -64,7 +61,13 @@ class ComTill : public Till {
          0);
     SysFreeString(description);
   }
-  void callNothing() override { invoke(L"getFiscalType", DISPATCH_PROPERTYGET, {}); }
+  void readJournal() override {
+    VARIANT no{};
+    no.vt = VT_BOOL;
+    const VARIANT outcome = invoke(*journal_, L"eMakeZreport", DISPATCH_METHOD, {text(), no});
+    if (outcome.lVal != 0) fail(toUtf8({reinterpret_cast<const char16_t*>(text_), SysStringLen(text_)}));
+  }
+  void callNothing() override { invoke(*facade_, L"getFiscalType", DISPATCH_PROPERTYGET, {}); }
   std::size_t memory() override {
     PROCESS_MEMORY_COUNTERS counters{};
     GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
@@ -82,25 +85,37 @@ class ComTill : public Till {
   VARIANT text() { return reference(VT_BSTR, &text_); }
   VARIANT silent() { return reference(VT_BOOL, &silent_); }
 
-  void invoke(const wchar_t* member, WORD access, std::initializer_list<VARIANT> arguments) {
+  static IDispatch* create(const wchar_t* name) {
+    CLSID id{};
+    IDispatch* object = nullptr;
+    if (FAILED(CLSIDFromProgID(name, &id)) ||
+        FAILED(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, reinterpret_cast<void**>(&object)))) {
+      fail("the DLL is not registered");
+    }
+    return object;
+  }
+  // What is returned is a number or nothing.
+  static VARIANT invoke(IDispatch& object, const wchar_t* member, WORD access,
+                        std::initializer_list<VARIANT> arguments) {
     auto* name = const_cast<wchar_t*>(member);
     DISPID id = 0;
     std::vector<VARIANT> reversed(std::rbegin(arguments), std::rend(arguments));
     DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
     VARIANT returned{};
-    if (FAILED(facade_->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id)) ||
-        FAILED(facade_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, access, &parameters, &returned, nullptr, nullptr))) {
+    if (FAILED(object.GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id)) ||
+        FAILED(object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, access, &parameters, &returned, nullptr, nullptr))) {
       fail("a call failed");
     }
-    VariantClear(&returned);
+    return returned;
   }
   void call(const wchar_t* member, std::initializer_list<VARIANT> arguments, short expected) {
-    invoke(member, DISPATCH_METHOD, arguments);
+    invoke(*facade_, member, DISPATCH_METHOD, arguments);
     if (result_ == expected) return;
     fail(std::to_string(result_) + " " + toUtf8({reinterpret_cast<const char16_t*>(text_), SysStringLen(text_)}));
   }
 
   IDispatch* facade_ = nullptr;
+  IDispatch* journal_ = nullptr;
   short result_ = 0;
   BSTR text_ = nullptr;
   VARIANT_BOOL silent_ = VARIANT_TRUE;

@@ -5,6 +5,7 @@
 #include "bench/till.h"
 #include "component/component.h"
 #include "interface/fiscal_trevik_module.h"
+#include "support/electronic_journal.h"
 
 namespace mirvane::bench {
 namespace {
@@ -38,6 +39,10 @@ class NativeTill : public Till {
     facade_->call("ItemSale", description, quantity, price, rate, department, result_, text_, silent_);
     check("ItemSale", 0);
   }
+  void readJournal() override {
+    bool closesDay = false;
+    if (journal_.eMakeZreport(text_, closesDay, withForm_) != 0) fail(toUtf8(text_));
+  }
   void callNothing() override { facade_->call("getFiscalType"); }
   std::size_t memory() override {
     std::size_t pages = 0;
@@ -52,6 +57,8 @@ class NativeTill : public Till {
     if (result_ != expected) fail(std::string(member) + ": " + std::to_string(result_) + " " + toUtf8(text_));
   }
 
+  FiscalJournal journal_;
+  bool withForm_ = true;
   std::shared_ptr<fiscalTrevikModule> facade_ = std::make_shared<fiscalTrevikModule>();
   std::int16_t result_ = 0;
   Text text_;
