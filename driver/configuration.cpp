@@ -39,7 +39,7 @@ struct ServerReply {
       const auto script = std::find_if(pieces.begin() + kUrl, pieces.end(), isScript);
       if (script != pieces.end()) port = static_cast<std::size_t>(script - pieces.begin()) + 1;
     }
-    if (pieces.size() < port + 2) throw AutomationError(AutomationCode::badIndex);
+    if (pieces.size() < port + 3) throw AutomationError(AutomationCode::badIndex);
   }
 
   Text urls() const { return joined(kUrl, port) + u"|" + joined(port + 5, pieces.size() - 1); }

@@ -38,7 +38,7 @@ Value FiscalVarlenModule2::issueZReport(std::int16_t& Result, Text& Exresult, bo
   Text message;
   if (journalIsTaken(message)) {
     bool silent = true;
-    send(u"x/2/2", Result, Exresult, silent);
+    sendByCurrentDriver(u"x/2/2", Result, Exresult, silent);
   } else if (!SupressError_) {
     // A silent caller keeps its variables: it learns of the failure from the missing report alone.
     const std::size_t code = message.find(u'~');
@@ -58,13 +58,13 @@ Value FiscalVarlenModule2::issueZReprintReport(std::int16_t& Result, Text& Exres
     return {};
   }
   bool silent = true;
-  send(u"x/9/", Result, Exresult, silent);
+  sendByCurrentDriver(u"x/9/", Result, Exresult, silent);
   if (Result == kJournalNotTransferred) issueZReport(Result, Exresult, SupressError_);
   return {};
 }
 
 Value FiscalVarlenModule2::issueXReport(std::int16_t& Result, Text& Exresult, bool& SupressError_) {
-  send(u"x/1/", Result, Exresult, SupressError_);
+  sendByCurrentDriver(u"x/1/", Result, Exresult, SupressError_);
   return {};
 }
 

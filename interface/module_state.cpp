@@ -18,6 +18,11 @@ ObjectPtr getCurrentDriver(TextView port) {
 
 ObjectPtr currentDriver() { return getCurrentDriver({}); }
 
+void sendByCurrentDriver(Text command, std::int16_t& Result, Text& Exresult, bool& SupressError_) {
+  Text noPass;
+  currentDriver()->call("SendCommand_", command, Result, Exresult, SupressError_, noPass);
+}
+
 void releaseDriver() { moduleState().currentDriver = nullptr; }
 
 ObjectPtr probeDriver(TextView port) {

@@ -40,6 +40,8 @@ struct ModuleState {
 
   /// Whether a card payment (payment number 2 or 4) is under way.
   bool cardPaymentUnderWay = false;
+  /// Whether the operator is waiting for the device.
+  bool waitDialogOpen = false;
   bool traceActive = false;
 
   platform::Platform* platform = &platform::hostPlatform();
@@ -57,6 +59,9 @@ ObjectPtr getCurrentDriver(TextView port);
 
 /// The current driver; when there is none, the null driver becomes it.
 ObjectPtr currentDriver();
+
+/// Has the current driver send a command of the component's own, without a password.
+void sendByCurrentDriver(Text command, std::int16_t& Result, Text& Exresult, bool& SupressError_);
 
 /// Forgets the current driver. The fiscal type stays.
 void releaseDriver();

@@ -63,14 +63,11 @@ struct Reply {
 };
 
 Reply ask(TextView command) {
-  const ObjectPtr driver = currentDriver();
   Reply reply;
-  Text sent(command);
   bool silent = true;
-  Text noPass;
-  driver->call("SendCommand_", sent, reply.result, reply.text, silent, noPass);
+  sendByCurrentDriver(Text(command), reply.result, reply.text, silent);
   // From the reply itself: a status condition such as paper end puts its own text in place of it.
-  if (reply.result == 0) reply.pieces = split(convertTo<Text>(driver->call("lastReply")), u'/');
+  if (reply.result == 0) reply.pieces = split(convertTo<Text>(currentDriver()->call("lastReply")), u'/');
   return reply;
 }
 

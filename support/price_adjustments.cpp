@@ -17,9 +17,8 @@ struct Outcome {
   bool& SupressError_;
 };
 
-void send(Text command, const Outcome& outcome) {
-  Text noPass;
-  currentDriver()->call("SendCommand_", command, outcome.Result, outcome.Exresult, outcome.SupressError_, noPass);
+void send(const Text& command, const Outcome& outcome) {
+  sendByCurrentDriver(command, outcome.Result, outcome.Exresult, outcome.SupressError_);
 }
 
 // `kind` is the command's second field and `place` its third: the department of the last item, or 1 for the subtotal.

@@ -157,8 +157,8 @@ TEST_F(Journal, TheJournalBox) {
   for (const char16_t* name : {u"ABC123456780001", u"ABC123456780002"}) savePair(name, u"d", u"s");
   const std::string asked = "quorndll_webupdate.box GetDllPath";
   EXPECT_EQ(std::exchange(FakeBox::log, ""), asked + asked) << "asked anew for every save";
-  EXPECT_EQ(files.below("d:\\ABC12345678\\0001\\j\\ABC12345678\\0001\\").size(), 2u);
-  EXPECT_EQ(files.below("e:\\ABC12345678000").size(), 4u);
+  const std::string day = "d:\\ABC12345678\\0001\\j\\ABC12345678\\0001\\";
+  EXPECT_TRUE(files.below(day).size() == 2 && files.below("e:\\ABC12345678000").size() == 4);
 }
 
 }  // namespace

@@ -73,5 +73,10 @@ TEST_F(Reports, AnXReportFailsAsAnyCommand) {
   }
 }
 
+TEST_F(Reports, AReportIsSentByTheDriverThatIsCurrent) {
+  moduleState().currentDriver = create("fiscalNullModule");
+  for (const char* member : {"issueXReport", "issueZReprintReport"}) EXPECT_THAT(call(member), IsEmpty()) << outcome();
+}
+
 }  // namespace
 }  // namespace mirvane::test
