@@ -11,7 +11,8 @@
 #   emulator: ARGUMENT... start its device with these arguments (last on the line; quotes work as in a shell)
 #
 # A file of the same name that ends in ".sh" runs beside the script, to look at its windows and answer them: it has the
-# verbs of tools/wine.sh, the folder $WORK, and fails the case when it fails.
+# verbs of tools/wine.sh, the folder $WORK, in whose folder "journal" the device keeps its closings, and fails the case
+# when it fails.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 repo=$(cd "$here/../.." && pwd)
@@ -124,7 +125,9 @@ com_script() {
   if [[ $first == *emulator:* ]]; then
     mapfile -t options < <(xargs -n 1 printf '%s\n' <<<"${first#*emulator:}")
   fi
-  start_emulator device --udp 0 "${options[@]}"
+  mkdir -p "$WORK/journal"
+  rm -rf "$WINEPREFIX"/drive_c/bbox{,BackUp}
+  start_emulator device --udp 0 --journal "$WORK/journal" "${options[@]}"
   link_com_port 5 "$WORK/device.pty"
   if [[ -e $beside ]]; then
     (source "$beside") &
