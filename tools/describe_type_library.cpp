@@ -4,9 +4,7 @@
 #include <iostream>
 #include <string>
 
-#include "automation/number_text.h"
-#include "component/component.h"
-#include "interface/fiscal_types.h"
+#include "tools/class_description.h"
 
 namespace {
 
@@ -17,34 +15,10 @@ std::string_view withoutBraces(std::string_view id) { return id.substr(1, id.siz
 std::string interfaceName(std::string_view className) { return "_" + std::string(className); }
 
 std::string typeName(const Type& type) {
-  switch (type.kind) {
-    case TypeKind::none:
-      return "void";
-    case TypeKind::boolean:
-      return "VARIANT_BOOL";
-    case TypeKind::byte:
-      return "unsigned char";
-    case TypeKind::integer16:
-      return "short";
-    case TypeKind::integer32:
-      return "long";
-    case TypeKind::real:
-      return "double";
-    case TypeKind::text:
-      return "BSTR";
-    case TypeKind::variant:
-      return "VARIANT";
-    case TypeKind::object:
-      return type.name.empty() ? "IDispatch*" : interfaceName(type.name) + "*";
-    case TypeKind::enumeration:
-      return std::string(type.name);
-  }
-  return {};
-}
-
-std::string literal(const Value& value) {
-  if (const auto* text = std::get_if<Text>(&value)) return '"' + toUtf8(*text) + '"';
-  return toUtf8(numberText(convertTo<double>(value)));
+  constexpr TypeWords kWords = {"void",   "VARIANT_BOOL", "unsigned char", "short",     "long",
+                                "double", "BSTR",         "VARIANT",       "IDispatch*"};
+  const bool isOurClass = type.kind == TypeKind::object && !type.name.empty();
+  return isOurClass ? interfaceName(type.name) + "*" : typeText(type, kWords);
 }
 
 std::string parameterText(const Parameter& parameter) {
@@ -74,12 +48,13 @@ std::string memberText(const Member& member) {
 
 void writeEnumeration() {
   std::cout << "  typedef [uuid(" << withoutBraces(kFiscalTypesId) << "), helpstring(\"Device families\")]\n"
-            << "  enum FISCAL_TYPES {\n"
-            << "    FISCAL_unknown = " << FISCAL_unknown << ",\n"
-            << "    FISCAL_PALKOFISCAL = " << FISCAL_PALKOFISCAL << ",\n"
-            << "    FISCAL_VARLENFISCAL = " << FISCAL_VARLENFISCAL << ",\n"
-            << "    FISCAL_VARLENFISCAL2 = " << FISCAL_VARLENFISCAL2 << "\n"
-            << "  } FISCAL_TYPES;\n\n";
+            << "  enum FISCAL_TYPES {\n";
+  std::string_view separator;
+  for (const auto& [name, value] : kFiscalTypeNames) {
+    std::cout << separator << "    " << name << " = " << value;
+    separator = ",\n";
+  }
+  std::cout << "\n  } FISCAL_TYPES;\n\n";
 }
 
 void writeInterface(const PublicClass& c) {

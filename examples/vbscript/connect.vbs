@@ -1,0 +1,56 @@
+' Finding the register: its port, who it is, its serial number.
+'
+'   cscript //nologo connect.vbs [port] [network address]
+'
+' This file is kept in UTF-8. Script hosts read the ANSI code page: on a Greek machine save a copy in code page 1253
+' before running it (iconv -f UTF-8 -t CP1253).
+Option Explicit
+
+Dim module, port, Result, Exresult, Suppress
+Suppress = True
+
+Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+' A port that this machine does not have, to show what a till sees then.
+If Connected("COM99") Then Fail "COM99 is not expected to be there"
+
+port = "COM5"
+If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
+ShowRegister port
+' The register may be on the network as well.
+If WScript.Arguments.Count > 1 Then ShowRegister WScript.Arguments(1)
+WScript.Echo "ok"
+
+Sub ShowRegister(port)
+  Dim serialNumber
+  If Not Connected(port) Then Fail "no register on " & port
+  module.getSerialNumber serialNumber, Result, Exresult, Suppress
+  If Result <> 0 Then Fail Result & " " & Exresult
+  WScript.Echo "serial number " & serialNumber
+  Disconnect port
+End Sub
+
+' Connect_ opens the port and sends nothing; that a register is there, only its answer shows.
+Function Connected(port)
+  Dim pass
+  Connected = False
+  module.Connect_ port, Result, Exresult, Suppress
+  If Result = 0 Then module.GetVersionInfo Result, Exresult, Suppress, pass
+  If Result = 0 Then
+    WScript.Echo port & ": " & Replace(Exresult, vbCrLf, ", ")
+    Connected = True
+  Else
+    WScript.Echo port & ": " & Result & " " & Exresult
+    ' Without this the next Connect_ would not even look.
+    Disconnect port
+  End If
+End Function
+
+' Result is 1 when a port was closed, 0 when none was open.
+Sub Disconnect(port)
+  module.DisConnect_ port, Result, Exresult, Suppress
+End Sub
+
+Sub Fail(complaint)
+  WScript.Echo "FAIL " & complaint
+  WScript.Quit 1
+End Sub

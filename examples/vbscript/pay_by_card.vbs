@@ -1,0 +1,59 @@
+' Paying by card: the terminal, a payment that fails, one that succeeds. emulator: --card-seconds 1 --card 156
+'
+'   cscript //nologo pay_by_card.vbs [port]
+'
+' This file is kept in UTF-8. Script hosts read the ANSI code page: on a Greek machine save a copy in code page 1253
+' before running it (iconv -f UTF-8 -t CP1253).
+Option Explicit
+
+Dim module, port, Result, Exresult, Suppress
+Suppress = True
+
+port = "COM5"
+If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
+Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+module.Connect_ port, Result, Exresult, Suppress
+Check "Connect_"
+
+SetTerminal 1, "192.168.1.60", 4000
+module.ItemSale "Καφές", 2, 1.80, 24, 1, Result, Exresult, Suppress
+Check "ItemSale"
+' The tests' terminal declines the first payment, as the first line tells.
+If Not PaidByCard(3.60) Then
+  WScript.Echo "another card"
+  If Not PaidByCard(3.60) Then Check "Payment"
+End If
+
+module.DisConnect_ port, Result, Exresult, Suppress
+WScript.Echo "ok"
+
+Sub SetTerminal(number, address, terminalPort)
+  Dim terminal
+  Set terminal = module.clsEFTpos
+  terminal.eftId = number
+  terminal.eftEnabled = 1
+  terminal.eftIP = address
+  terminal.eftPort = terminalPort
+  terminal.eftDescription = "ΤΑΜΕΙΟ"
+  terminal.eftTimeout = 60
+  module.eftSet terminal, Result, Exresult, Suppress
+  Check "eftSet"
+  module.eftTest terminal, Result, Exresult, Suppress
+  Check "eftTest"
+  WScript.Echo "terminal " & number & " answers at " & address
+End Sub
+
+' Comes back when the terminal is done; meanwhile a window tells the operator to wait.
+Function PaidByCard(amount)
+  Const Card = 2, FirstTerminal = 1, ItsType = 0
+  WScript.Echo "paying " & FormatNumber(amount, 2) & " by card"
+  module.Payment Card, "ΚΑΡΤΑ", amount, FirstTerminal, ItsType, Result, Exresult, Suppress
+  PaidByCard = Result = 0 And Not module.StatusRead.isTransactionOpen
+  If Result <> 0 Then WScript.Echo Result & " " & Exresult
+End Function
+
+Sub Check(step_)
+  If Result = 0 Then Exit Sub
+  WScript.Echo "FAIL " & step_ & ": " & Result & " " & Exresult
+  WScript.Quit 1
+End Sub
