@@ -8,6 +8,7 @@
 #include "driver/result_codes.h"
 #include "interface/dec2bin.h"
 #include "interface/module_state.h"
+#include "interface/text.h"
 
 namespace mirvane {
 namespace {
@@ -19,6 +20,14 @@ constexpr std::int16_t kCardPaymentInProgress = 158;
 // Codes that the printer status byte stands for.
 constexpr int kDeviceStatus = 254;
 constexpr int kDeviceError = 255;
+
+// Whether the device reports a card transaction under way because it took this very command: a card payment, a payment
+// that names a terminal, or the test of a terminal. Any other command only met that state and was not carried out.
+bool startsCardTransaction(TextView command) {
+  constexpr std::size_t kTerminal = 5;  // the field's position in a payment
+  if (moduleState().cardPaymentUnderWay || command.starts_with(u"E/2/")) return true;
+  return command.starts_with(u"5/") && !pieceAt(split(command, u'/'), kTerminal).empty();
+}
 
 // A status byte as eight binary digits, the most significant first.
 class StatusBits {
@@ -95,16 +104,16 @@ void FiscalVarlenModule2::SendCommand_(Text& CmdString, std::int16_t& Result, Te
       report(Result, Exresult, SupressError_);
       return;
     }
-    const platform::DeviceOutcome outcome = moduleState().platform->screen.waitForDevice(Result, Exresult);
-    lastResult = outcome.code;
-    lastexResult = outcome.message;
-    Result = lastResult;
-    Exresult = lastexResult;
+    // From within another wait there is no outcome of this command's own.
+    if (showDeviceWaitDialog(Result, Exresult)) {
+      Result = lastResult;
+      Exresult = lastexResult;
+    }
     if (Result != 0) {
       report(Result, Exresult, SupressError_);
       return;
     }
-    retry = bShouldRetry(code);
+    retry = bShouldRetry(code) || (code == kCardPaymentInProgress && !startsCardTransaction(command));
   } while (retry);
 }
 

@@ -5,20 +5,22 @@
 #include <string>
 
 #include "interface/cls_status.h"
+#include "platform/ports.h"
 #include "support/price_adjustments.h"
 
 namespace mirvane {
 
 struct clsAccumulator;
 struct clsDailyAcc;
+struct clsEFT;
 struct clsParam;
 struct clsTransTotal;
 class FiscalJournal;
 class ReplyFields;
 
 /// The driver of the second-generation device. One source file per subject: link, errors, connection, transactions,
-/// reports, reads, configuration. What each member of the driver interface does for the caller is told there; see
-/// interface/driver_interface.h.
+/// reports, reads, configuration, eftpos, wait_dialog. What each member of the driver interface does for the caller is
+/// told there; see interface/driver_interface.h.
 class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
  public:
   static constexpr std::string_view kName = "FiscalVarlenModule2";
@@ -154,6 +156,15 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
   Value setReceiptBitmap(std::int16_t& BitmapID, std::int16_t& Result, Text& Exresult, bool& SupressError_);
   Value setReceiptBitmapSize(std::int16_t& sizeOf, std::int16_t& Result, Text& Exresult, bool& SupressError_);
 
+  // ---- Card terminals (eftpos.cpp), as the device keeps them. eftId picks the terminal. What is written has one byte
+  // for eftEnabled and eftMDW together: a sum beyond it raises overflow, and nothing is sent.
+
+  void eftRead(clsEFT& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  void eftWrite(clsEFT& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  void eftdel(clsEFT& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+  /// Has the device try the terminal.
+  void eftTest(clsEFT& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
+
  private:
   class Stopwatch;
   struct Outcome {
@@ -171,6 +182,9 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
   std::string readBytes();
 
   void decodeReply(Text& Exresult);
+  /// False, and nothing is shown, when a wait is under way already. The outcome is in lastResult and lastexResult.
+  bool showDeviceWaitDialog(std::int16_t code, const Text& message);
+  bool deviceIsStillBusy(platform::WaitText& text);
   void report(std::int16_t Result, const Text& Exresult, bool SupressError_);
   void send(const Text& command, std::int16_t& Result, Text& Exresult, bool& SupressError_, std::int16_t timeOut = 0);
 

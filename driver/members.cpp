@@ -16,7 +16,7 @@ const ClassInfo& FiscalVarlenModule2::describe() {
         .method("clearBuffer", &Driver::clearBuffer)
         .property("lastResult", &Driver::lastResult)
         .property("lastexResult", &Driver::lastexResult)
-        .readOnly("lastReply", &Driver::lastReply)
+        .implement(contract::lastReply, &Driver::lastReply)
         .method("Send_", &Driver::Send_,
                 {"CmdString", "Result", "Exresult", "SupressError_", "Pass", optional("timeOut")})
         .method("SendCommand_", &Driver::SendCommand_,
@@ -67,6 +67,10 @@ const ClassInfo& FiscalVarlenModule2::describe() {
         .implement(contract::setTaxCardNumber, &Driver::setTaxCardNumber)
         .implement(contract::setServer, &Driver::setServer)
         .implement(contract::getServer, &Driver::getServer)
+        .implement(contract::eftRead, &Driver::eftRead)
+        .implement(contract::eftWrite, &Driver::eftWrite)
+        .implement(contract::eftTest, &Driver::eftTest)
+        .implement(contract::eftdel, &Driver::eftdel)
         .implement(contract::logoLineDescLength, [](Driver& /*self*/) { return kLogoLine; })
         .implement(contract::bFixableError, &Driver::isErrorFixable)
         .implement(contract::isErrorFixable, &Driver::isErrorFixable)

@@ -155,6 +155,7 @@ clsStatus& FiscalVarlenModule2::refreshedStatus() {
   status_->isTransactionOpen = flags_.transactionOpen;
   status_->isInPayment = flags_.inPayment;
   status_->isFlashNearFull = flags_.flashNearFull;
+  status_->isFiscalFull = status_->isInPaidOut = status_->isInROA = status_->isFiscalNearFull = false;
   status_->isEuro = true;
   return *status_;
 }

@@ -43,8 +43,8 @@ bool isBlank(TextView text) { return text.find_first_not_of(u' ') == TextView::n
 
 const Command* findCommand(const Fields& fields, Code& code) {
   code = Code::kUnknownRequest;
-  for (const auto* table :
-       {&receiptCommands(), &printerCommands(), &readCommands(), &configCommands(), &reportCommands()}) {
+  for (const auto* table : {&receiptCommands(), &printerCommands(), &readCommands(), &configCommands(),
+                            &reportCommands(), &cardCommands()}) {
     for (const Command& command : *table) {
       if (command.code != fields.code()) continue;
       if (command.selector.empty() || fields.bytes(0) == command.selector) return &command;

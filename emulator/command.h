@@ -87,6 +87,7 @@ const std::vector<Command>& printerCommands();
 const std::vector<Command>& readCommands();
 const std::vector<Command>& configCommands();
 const std::vector<Command>& reportCommands();
+const std::vector<Command>& cardCommands();
 
 bool isBlank(TextView text);
 

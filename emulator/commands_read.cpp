@@ -9,7 +9,7 @@ Code tellVersion(Register&, const Fields&, ReplyFields& reply) {
   return Code::kOk;
 }
 
-Code tellStatus(Register&, const Fields&, ReplyFields&) { return Code::kOk; }
+Code tellStatus(Register& machine, const Fields&, ReplyFields&) { return machine.cards.takeFailure(); }
 
 Code tellReceiptTotals(Register& machine, const Fields&, ReplyFields& reply) {
   const auto& receipt = machine.fiscal.receipt;

@@ -78,12 +78,25 @@ Code adjust(Register& machine, const Fields& fields, ReplyFields&) {
   return code;
 }
 
+/// The payment is booked when the terminal has approved it.
+Code payByTerminal(Register& machine, const Payment& payment) {
+  if (!payment.isCard()) return Code::kPaymentNumber;
+  const Code code = machine.fiscal.receipt->paymentProblem(payment);
+  if (code != Code::kOk) return code;
+  const auto terminal = machine.fiscal.cardTerminals.find(payment.terminal);
+  const bool isActive = terminal != machine.fiscal.cardTerminals.end() && terminal->second.isEnabled;
+  if (!isActive) return Code::kTerminalInactive;
+  machine.cards.begin(payment, machine.elapsed());
+  return Code::kCardUnderWay;
+}
+
 Code pay(Register& machine, const Fields& fields, ReplyFields&) {
   Code code = receiptProblem(machine.fiscal);
   if (code != Code::kOk) return code;
-  const Payment payment{fields.whole(0), fields.text(1), fields.text(2), fields.number(3)};
+  const Payment payment{fields.whole(0), fields.text(1), fields.text(2), fields.number(3), fields.whole(4)};
   if (payment.number < 1 || payment.number > 4) return Code::kPaymentNumber;
-  if (payment.amount < 0) return Code::kFieldRange;
+  if (payment.amount < 0 || payment.terminal < 0) return Code::kFieldRange;
+  if (payment.terminal > 0) return payByTerminal(machine, payment);
   code = machine.fiscal.receipt->pay(payment);
   if (code == Code::kOk) printPayment(machine);
   return code;

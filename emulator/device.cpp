@@ -1,9 +1,11 @@
 #include "emulator/device.h"
 
 #include <algorithm>
+#include <chrono>
 #include <ctime>
 
 #include "emulator/command.h"
+#include "emulator/receipt_printer.h"
 
 namespace mirvane::emulator {
 namespace {
@@ -22,16 +24,29 @@ Code printerProblem(std::uint8_t status) {
   return status & kPrinterPaperEnd ? Code::kPaperEnd : Code::kOk;
 }
 
+/// What does not depend on how a card payment ends: a till that starts up asks it.
+bool isAnsweredMeanwhile(std::string_view code) { return code == "v" || code == "a" || code == "t"; }
+
 Code run(Register& machine, std::string_view command, std::uint8_t printerStatus, ReplyFields& reply) {
   if (std::any_of(command.begin(), command.end(), isControl)) return Code::kFieldRange;
   if (command.find('/') == std::string_view::npos) return Code::kUnknownRequest;
   Fields fields(command);
+  if (machine.cards.isUnderWay() && !isAnsweredMeanwhile(fields.code())) return Code::kCardUnderWay;
   Code code = Code::kOk;
   const Command* row = findCommand(fields, code);
   if (!row) return code;
   code = fields.check(row->fields, row->endsOpen);
   if (code == Code::kOk && row->prints) code = printerProblem(printerStatus);
-  return code == Code::kOk ? row->run(machine, fields, reply) : code;
+  if (code != Code::kOk) return code;
+  code = row->run(machine, fields, reply);
+  // A till that goes on with its work does not want to be told any more.
+  if (row->prints && code == Code::kOk) machine.cards.forgetFailure();
+  return code;
+}
+
+void bookApproved(Register& machine) {
+  const auto payment = machine.cards.takeApproved(machine.elapsed());
+  if (payment && machine.fiscal.receipt->pay(*payment) == Code::kOk) printPayment(machine);
 }
 
 }  // namespace
@@ -42,15 +57,21 @@ platform::LocalTime systemTime() {
   return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
 }
 
-Device::Device(Paper::Sink paper, LocalClock clock)
+double steadySeconds() {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+Device::Device(Paper::Sink paper, LocalClock clock, ElapsedClock elapsed)
     : machine_{{},
                Paper([this, sink = std::move(paper)](TextView line) {
                  machine_.journal.record(line);
                  if (sink) sink(line);
                }),
-               std::move(clock)} {}
+               std::move(clock),
+               std::move(elapsed)} {}
 
 std::string Device::execute(std::string_view command, std::uint8_t printerStatus) {
+  bookApproved(machine_);
   ReplyFields reply;
   const Code code = run(machine_, command, printerStatus, reply);
   return refuse(code, printerStatus) + (code == Code::kOk ? reply.bytes() : "");

@@ -17,11 +17,13 @@ constexpr std::uint8_t kPrinterSilent = 0x40;
 
 /// This machine's local time.
 platform::LocalTime systemTime();
+/// Seconds of this machine's steady clock.
+double steadySeconds();
 
 /// The fiscal register: takes commands, keeps the fiscal state, prints.
 class Device {
  public:
-  explicit Device(Paper::Sink paper = {}, LocalClock clock = systemTime);
+  explicit Device(Paper::Sink paper = {}, LocalClock clock = systemTime, ElapsedClock elapsed = steadySeconds);
   Device(const Device&) = delete;
   Device& operator=(const Device&) = delete;
 
@@ -37,6 +39,7 @@ class Device {
   /// For looking at the register and for preparing it.
   FiscalState& fiscal() { return machine_.fiscal; }
   Journal& journal() { return machine_.journal; }
+  CardPayments& cards() { return machine_.cards; }
   /// What the customer sees.
   const Display& display() const { return machine_.display; }
   int drawerOpenings() const { return machine_.drawerOpenings; }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "emulator/card_payments.h"
 #include "emulator/receipt.h"
 #include "emulator/settings.h"
 
@@ -69,6 +70,7 @@ struct FiscalState {
   std::string vatNumber = "000000000";
   Settings settings;
   ServerSettings server;
+  CardTerminals cardTerminals{{1, {true, 0, "192.168.1.50", 4000, u"ΤΕΡΜΑΤΙΚΟ", 0, 60, {}, "", "", "", 0}}};
   /// Categories A to E, in hundredths of a percent.
   std::array<std::int64_t, kVatCategories> vatRates{2400, 1300, 600, 3600, 0};
   /// Number 1 stands at index 0.

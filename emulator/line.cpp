@@ -1,6 +1,5 @@
 #include "emulator/line.h"
 
-#include <chrono>
 #include <numeric>
 
 #include "driver/wire.h"
@@ -20,11 +19,7 @@ std::string checksum(std::string_view command) {
 
 }  // namespace
 
-double steadySeconds() {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
-Line::Line(Device& device, Faults& faults, Outlet& outlet, Mode mode, std::function<double()> elapsed)
+Line::Line(Device& device, Faults& faults, Outlet& outlet, Mode mode, ElapsedClock elapsed)
     : device_(device), faults_(faults), outlet_(outlet), mode_(mode), elapsed_(std::move(elapsed)) {}
 
 void Line::feed(std::string_view bytes) {

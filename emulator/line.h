@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -32,8 +31,7 @@ class Line {
   /// A longer command is answered with "field too long", whatever it says.
   static constexpr std::size_t kLongestCommand = 4096;
 
-  /// `elapsed` tells seconds from any fixed moment.
-  Line(Device& device, Faults& faults, Outlet& outlet, Mode mode, std::function<double()> elapsed);
+  Line(Device& device, Faults& faults, Outlet& outlet, Mode mode, ElapsedClock elapsed);
 
   /// Takes bytes as they arrive; on a network, one datagram.
   void feed(std::string_view bytes);
@@ -49,7 +47,7 @@ class Line {
   Faults& faults_;
   Outlet& outlet_;
   const Mode mode_;
-  const std::function<double()> elapsed_;
+  const ElapsedClock elapsed_;
 
   bool isInFrame_ = false;
   std::string frame_;
@@ -57,8 +55,5 @@ class Line {
   std::string lastReply_;
   bool awaitsAck_ = false;
 };
-
-/// Seconds of this machine's steady clock.
-double steadySeconds();
 
 }  // namespace mirvane::emulator

@@ -25,6 +25,9 @@ constexpr const char* kHelp =
     "  --journal FOLDER         keep the files of each closing's journal in FOLDER\n"
     "  --journal-piece BYTES    hand the journal over in pieces of so many bytes (1000), at most 60000\n"
     "  --pad-journal BYTES      fill the journal's printed text up to so many bytes\n"
+    "  --card-seconds SECONDS   a card terminal takes so long (2)\n"
+    "  --card OUTCOME           how the next card payment ends: 0 (approved), 112, 156, 157 or 159; given again, the\n"
+    "                           one after it; \"always OUTCOME\" for all others\n"
     "  --help                   show this text\n"
     "When it listens it prints one line: ready, and the addresses.\n";
 
@@ -40,6 +43,7 @@ struct Options {
   std::vector<Address> addresses;
   std::string paper;
   Journal::Options journal;
+  CardPayments::Options cards;
   bool isQuiet = false;
   bool isPaced = false;
   bool wantsHelp = false;
@@ -59,6 +63,22 @@ std::size_t parseSize(const std::string& option, const std::string& text, std::s
     throw UsageError(option + " takes " + std::to_string(least) + " to " + std::to_string(most) + ", not " + text);
   }
   return size;
+}
+
+void addOutcome(CardPayments::Options& cards, std::string_view text) {
+  constexpr std::string_view kAlways = "always ";
+  const bool isForAll = text.starts_with(kAlways);
+  if (isForAll) text.remove_prefix(kAlways.size());
+  for (const Code code : {Code::kOk, Code::kNoChange, Code::kCardFailed, Code::kCardNotRead, Code::kTerminalInactive}) {
+    if (text != std::to_string(static_cast<int>(code))) continue;
+    if (isForAll) {
+      cards.otherwise = code;
+    } else {
+      cards.next.push_back(code);
+    }
+    return;
+  }
+  throw UsageError("--card takes 0, 112, 156, 157 or 159, not " + std::string(text));
 }
 
 Options parse(const std::vector<std::string>& arguments, Faults& faults) {
@@ -84,6 +104,10 @@ Options parse(const std::vector<std::string>& arguments, Faults& faults) {
       options.journal.pieceSize = parseSize(option, value(option), 1, 60'000);
     } else if (option == "--pad-journal") {
       options.journal.padding = parseSize(option, value(option), 0, 1'000'000'000);
+    } else if (option == "--card-seconds") {
+      options.cards.seconds = static_cast<double>(parseSize(option, value(option), 0, 3600));
+    } else if (option == "--card") {
+      addOutcome(options.cards, value(option));
     } else if (option == "--quiet") {
       options.isQuiet = true;
     } else if (option == "--paced") {
@@ -148,6 +172,7 @@ int run(const std::vector<std::string>& arguments) {
   });
 
   device.journal().options = options.journal;
+  device.cards().options = options.cards;
 
   const sigset_t mask = catchSignals();
   std::vector<std::unique_ptr<Transport>> transports;

@@ -50,15 +50,18 @@ Code Receipt::adjust(const Adjustment& adjustment, Cents receiptLimit, Cents day
   return Code::kOk;
 }
 
-Code Receipt::pay(const Payment& payment) {
+Code Receipt::paymentProblem(const Payment& payment) const {
   if (total() == 0) return Code::kZeroTotal;
   if (remaining() == 0) return Code::kMustClose;
+  if (payment.amount == 0 && payment.number != 1) return Code::kPaymentAmount;
+  return payment.isCard() && payment.amount > remaining() ? Code::kNoChange : Code::kOk;
+}
+
+Code Receipt::pay(const Payment& payment) {
+  const Code code = paymentProblem(payment);
+  if (code != Code::kOk) return code;
   Payment taken = payment;
-  if (taken.amount == 0) {
-    if (taken.number != 1) return Code::kPaymentAmount;
-    taken.amount = remaining();
-  }
-  if (taken.isCard() && taken.amount > remaining()) return Code::kNoChange;
+  if (taken.amount == 0) taken.amount = remaining();
   const Cents booked = std::min(taken.amount, remaining());
   change_ += taken.amount - booked;
   paid_ += booked;

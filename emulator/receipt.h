@@ -54,6 +54,10 @@ struct Payment {
   Text description, secondDescription;
   /// As tendered; a cash payment of 0 stands for the rest.
   Cents amount;
+  /// The card terminal that it goes through; 0 for none.
+  int terminal = 0;
+  /// The number under which that one has approved it.
+  int approval = 0;
 
   bool isCard() const { return number == 2 || number == 4; }
 };
@@ -71,6 +75,8 @@ class Receipt {
   Code adjust(const Adjustment& adjustment, Cents receiptLimit, Cents dayLimit);
   /// More than what remains gives change, from anything but a card. Once begun, payment ends only by paying all.
   Code pay(const Payment& payment);
+  /// Why `pay` would refuse: kOk when it would not.
+  Code paymentProblem(const Payment& payment) const;
 
   int number() const { return number_; }
   const std::vector<Item>& items() const { return items_; }

@@ -19,6 +19,14 @@ TextView paymentName(const Payment& payment) {
   return payment.description.empty() ? kNames[payment.number - 1] : TextView(payment.description);
 }
 
+/// What the card terminal tells of an approved payment.
+void printSlip(Register& machine, const Payment& payment) {
+  machine.paper.pair(u"  EFTPOS " + paddedNumber(payment.terminal, 2) + u" " +
+                         machine.fiscal.cardTerminals.at(payment.terminal).description,
+                     fromCodePage("TID " + terminalIdentifier(payment.terminal)) + u"  ");
+  machine.paper.pair(u"  ΣΥΝΑΛΛΑΓΗ ΕΓΚΡΙΘΗΚΕ", u"ΑΡ. " + paddedNumber(payment.approval, 6) + u"  ");
+}
+
 void printLine(Paper& paper, const PrintedLine& line) {
   if (!line.text.empty()) paper.sized(line.text, line.size, true);
 }
@@ -117,6 +125,7 @@ void printPayment(Register& machine) {
   const Payment& payment = receipt.payments().back();
   machine.paper.pair(paymentName(payment), printedAmount(payment.amount) + u"  ");
   if (!payment.secondDescription.empty()) machine.paper.line(u"  " + payment.secondDescription);
+  if (payment.terminal > 0) printSlip(machine, payment);
 }
 
 void printReceiptEnd(Register& machine) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <functional>
 
+#include "emulator/card_payments.h"
 #include "emulator/fiscal_state.h"
 #include "emulator/journal.h"
 #include "emulator/paper.h"
@@ -14,15 +15,19 @@ namespace mirvane::emulator {
 using Display = std::array<Text, 2>;
 
 using LocalClock = std::function<platform::LocalTime()>;
+/// Seconds from any fixed moment.
+using ElapsedClock = std::function<double()>;
 
 /// The parts of the machine that commands act on.
 struct Register {
   FiscalState fiscal;
   Paper paper;
   LocalClock clock;
+  ElapsedClock elapsed;
   Display display{};
   int drawerOpenings = 0;
   Journal journal{};
+  CardPayments cards{};
 };
 
 }  // namespace mirvane::emulator

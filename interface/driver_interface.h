@@ -160,6 +160,12 @@ inline const auto eftWrite = method<WithRecord<clsEFT>>("eftWrite", {"c"});
 inline const auto eftTest = method<WithRecord<clsEFT>>("eftTest", {"c"});
 inline const auto eftdel = method<WithRecord<clsEFT>>("eftdel", {"c"});
 
+// ---- Of drivers that talk to a device
+
+/// The last complete reply as the device sent it, from which the component takes its fields: Exresult has the text for
+/// the operator where the reply tells of a condition such as paper end.
+inline const Contract<Text()> lastReply{"lastReply", MemberKind::get, {}};
+
 // ---- About results
 
 /// Longest logo line in characters.

@@ -30,9 +30,17 @@ void forwardAs(ClassBuilder<fiscalTrevikModule>& table, std::string_view name, c
   table.add(std::move(row));
 }
 
+// How many there are.
+int facades = 0;
+
 }  // namespace
 
-fiscalTrevikModule::~fiscalTrevikModule() { releaseDriver(); }
+fiscalTrevikModule::fiscalTrevikModule() { ++facades; }
+
+fiscalTrevikModule::~fiscalTrevikModule() {
+  releaseDriver();
+  if (--facades == 0 && moduleState().traceActive) setTrace(false);
+}
 
 FISCAL_TYPES fiscalTrevikModule::getFiscalType() { return moduleState().fiscalType; }
 
@@ -60,9 +68,9 @@ std::shared_ptr<clsEFT> fiscalTrevikModule::clsEFTpos() {
   return eftpos_;
 }
 
-void fiscalTrevikModule::activateDebug() { moduleState().traceActive = true; }
+void fiscalTrevikModule::activateDebug() { setTrace(true); }
 
-void fiscalTrevikModule::DeactivateDebug() { moduleState().traceActive = false; }
+void fiscalTrevikModule::DeactivateDebug() { setTrace(false); }
 
 const ClassInfo& fiscalTrevikModule::describe() {
   static const ClassInfo info = [] {

@@ -15,6 +15,7 @@ class fiscalTrevikModule : public ObjectOf<fiscalTrevikModule> {
   static constexpr std::string_view kName = "fiscalTrevikModule";
   static const ClassInfo& describe();
 
+  fiscalTrevikModule();
   ~fiscalTrevikModule() override;
 
   /// Which driver was selected last; selects none.
@@ -37,7 +38,10 @@ class fiscalTrevikModule : public ObjectOf<fiscalTrevikModule> {
   /// A card terminal record of this object's own, the same on every read.
   std::shared_ptr<clsEFT> clsEFTpos();
 
+  /// Switches the debug trace and its window on, for the whole component. The operator may close the window, and a
+  /// further call opens it again.
   void activateDebug();
+  /// Switches the trace off, as the end of the last object of this class does: nobody else could.
   void DeactivateDebug();
 
  private:

@@ -66,6 +66,12 @@ std::int16_t closePort() {
   return closed ? 1 : 0;
 }
 
+void setTrace(bool active) {
+  ModuleState& state = moduleState();
+  state.traceActive = active;
+  state.platform->screen.showTrace(active);
+}
+
 void trace(TextView label, TextView text) {
   const ModuleState& state = moduleState();
   if (!state.traceActive) return;

@@ -77,6 +77,9 @@ cPortProp& portProp();
 /// 0 when none was open.
 std::int16_t closePort();
 
+/// Switches the debug trace and its window on or off.
+void setTrace(bool active);
+
 /// One line of the debug trace, behind the time as "mm:ss"; nothing while the trace is off.
 void trace(TextView label, TextView text = {});
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -86,9 +87,12 @@ class Clock {
   virtual void sleep(std::uint32_t milliseconds) = 0;
 };
 
-/// How a device state that is expected to pass has ended.
-struct DeviceOutcome {
-  std::int16_t code;
+/// What the operator reads while the device is busy.
+struct WaitText {
+  Text caption;
+  /// What is waited for, and the device's code.
+  Text state;
+  /// The device's own words.
   Text message;
 };
 
@@ -117,11 +121,14 @@ class Screen {
 
   /// Shows a box and waits until it is closed.
   virtual void messageBox(TextView prompt, std::uint32_t style, TextView title) = 0;
-  /// Lets the operator wait for the device to end the state that `code` and `message` tell of. Code 0 means that it
-  /// is ready again.
-  virtual DeviceOutcome waitForDevice(std::int16_t code, TextView message) = 0;
+  /// Shows `text` in a modal window above all others, which the operator cannot close, and calls `tick` every second
+  /// until that returns false. What `tick` changes in the text is shown.
+  virtual void waitWhile(WaitText text, const std::function<bool(WaitText&)>& tick) = 0;
   virtual std::unique_ptr<JournalView> showJournal() = 0;
-  /// One line of the debug trace.
+  /// Opens the window of the debug trace, where there is one, or closes it. Whether the operator has closed it does not
+  /// matter: opening it again is allowed.
+  virtual void showTrace(bool shown) = 0;
+  /// One line of the debug trace: to the window when it is open, and to whoever watches the program.
   virtual void traceLine(TextView line) = 0;
 };
 

@@ -24,16 +24,19 @@ constexpr TextView kSummarySuffix = u"_s.txt";
 // Programs have learned to take a type mismatch for a file error: the box that should have told of it always failed so.
 [[noreturn]] void failOnFile() { throw AutomationError(AutomationCode::typeMismatch); }
 
-bool isFolderName(TextView name) { return name.find_first_not_of(u". ") != TextView::npos; }
+// Not one of the folder itself or of the one above, behind which blanks do not count.
+bool isFolderName(TextView name) {
+  return name.find_first_not_of(u". ") != TextView::npos || name.find(u'.') == TextView::npos;
+}
 
 // The name comes from the device or from a program: it must not lead out of the journal folders. Nor must the parts of
-// it that become folders; an empty one adds none.
+// it that become folders.
 void requirePlain(TextView name) {
   const auto isForbidden = [](char16_t c) { return c < u' ' || c == u'/' || c == u'\\' || c == u':'; };
   const TextView serialNumber = name.substr(0, kSerialNumberLength);
   const TextView zNumber = name.substr(serialNumber.size(), kZNumberLength);
-  if (std::any_of(name.begin(), name.end(), isForbidden) || !isFolderName(name) || !isFolderName(serialNumber) ||
-      (!zNumber.empty() && !isFolderName(zNumber))) {
+  if (std::any_of(name.begin(), name.end(), isForbidden) || name.empty() || !isFolderName(name) ||
+      !isFolderName(serialNumber) || !isFolderName(zNumber)) {
     failOnFile();
   }
 }

@@ -25,7 +25,7 @@ void send(const Text& command, const Outcome& outcome) {
 Text command(TextView kind, std::int32_t place, const Text& description, const Text& comment, double amount,
              const VatAmounts* shares) {
   Text text = u"4/" + Text(kind) + numberText(place) + u"/" + cleanText(description) + u"/" + cleanText(comment) +
-              u"/" + formatAmount(std::abs(amount)) + u"/";
+              u"/" + formatAmount(amount) + u"/";
   for (std::size_t i = 0; i < VatAmounts().size(); ++i) {
     text += shares == nullptr ? Text(u"0") : formatAmount((*shares)[i]);
     text += u'/';

@@ -80,8 +80,17 @@ class TerminalScreen : public Screen {
   void messageBox(TextView prompt, std::uint32_t /*style*/, TextView title) override {
     std::cerr << toUtf8(title) << ": " << toUtf8(prompt) << std::endl;
   }
-  DeviceOutcome waitForDevice(std::int16_t code, TextView message) override { return {code, Text(message)}; }
+  void waitWhile(WaitText text, const std::function<bool(WaitText&)>& tick) override {
+    Text shown;
+    do {
+      const Text line = text.caption + u": " + text.state + u" " + text.message;
+      if (line != shown) std::cerr << toUtf8(line) << std::endl;
+      shown = line;
+      std::this_thread::sleep_for(std::chrono::seconds(1));
+    } while (tick(text));
+  }
   std::unique_ptr<JournalView> showJournal() override { return std::make_unique<TerminalJournal>(); }
+  void showTrace(bool /*shown*/) override {}
   void traceLine(TextView line) override {
     if (traceSink()) traceSink()(line);
   }

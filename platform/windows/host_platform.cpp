@@ -6,6 +6,8 @@
 #include "platform/windows/datagram_sockets.h"
 #include "platform/windows/journal_window.h"
 #include "platform/windows/serial_port.h"
+#include "platform/windows/trace_window.h"
+#include "platform/windows/wait_dialog.h"
 #include "platform/windows/windows.h"
 
 namespace mirvane::platform {
@@ -49,11 +51,16 @@ class WindowsScreen : public Screen {
     MessageBoxW(GetActiveWindow(), toWide(prompt).c_str(), toWide(title).c_str(), style);
   }
 
-  DeviceOutcome waitForDevice(std::int16_t code, TextView message) override { return {code, Text(message)}; }
+  void waitWhile(WaitText text, const std::function<bool(WaitText&)>& tick) override { runWaitDialog(text, tick); }
 
   std::unique_ptr<JournalView> showJournal() override { return showJournalWindow(); }
 
-  void traceLine(TextView line) override { OutputDebugStringW((toWide(line) + L"\n").c_str()); }
+  void showTrace(bool shown) override { showTraceWindow(shown); }
+
+  void traceLine(TextView line) override {
+    OutputDebugStringW((toWide(line) + L"\n").c_str());
+    addToTraceWindow(line);
+  }
 };
 
 class WindowsFiles : public Files {

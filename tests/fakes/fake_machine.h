@@ -51,22 +51,23 @@ class FakeScreen : public platform::Screen {
   void messageBox(TextView prompt, std::uint32_t style, TextView title) override {
     boxes.push_back({toUtf8(prompt), style, toUtf8(title)});
   }
-  platform::DeviceOutcome waitForDevice(std::int16_t code, TextView message) override {
-    waits.push_back(std::to_string(code) + " " + toUtf8(message));
-    if (outcomes.empty()) throw std::logic_error("an unexpected wait");
-    platform::DeviceOutcome outcome = outcomes.front();
-    outcomes.pop_front();
-    return outcome;
+  void waitWhile(platform::WaitText text, const std::function<bool(platform::WaitText&)>& tick) override {
+    if (!expectsWaits) throw std::logic_error("an unexpected wait");
+    do waits.push_back(toUtf8(text.caption + u"|" + text.state + u"|" + text.message));
+    while (tick(text));
   }
   std::unique_ptr<platform::JournalView> showJournal() override;
+  void showTrace(bool shown) override { traceShown = shown; }
   void traceLine(TextView line) override { trace.push_back(toUtf8(line)); }
 
   std::vector<Box> boxes;
   /// What journal windows did: "show", a file's name, "+" and a piece with the count, "close".
   std::vector<std::string> journal;
+  /// What the operator read while waiting, second by second.
   std::vector<std::string> waits;
-  std::deque<platform::DeviceOutcome> outcomes;
+  bool expectsWaits = false;
   std::vector<std::string> trace;
+  bool traceShown = false;
   int eventRounds = 0;
 };
 

@@ -88,36 +88,62 @@ TEST_F(Errors, AFailureIsShownOnceUnlessSuppressed) {
 }
 
 TEST_F(Errors, AStateThatTheDeviceEndsByItselfIsWaitedFor) {
-  const std::tuple<int, platform::DeviceOutcome, std::size_t, Short, const char*, bool> cases[] = {
-      {14, {0, u"00/00/00/w/"}, 2, 0, "00/00/00/again/", false},
-      {158, {0, u"00/00/00/w/"}, 1, 0, "00/00/00/w/", false},
-      {158, {156, u"EFTPOS Payment Failed"}, 1, 156, "EFTPOS Payment Failed", true},
-      {146, {-4, u"gone"}, 1, -4, "gone", true}};
+  using Strings = std::vector<std::string>;
+  const std::string busy = "Κατάσταση [14]|Απασχολημένο σε άλλη λειτουργία";
+  const std::string card = "Αναμονή EFTPOS[158]|Πληρωμή EFTPOS σε εξέλιξη..";
+  // What the device says, poll by poll; what it was sent behind the first command; what the operator read.
+  const std::tuple<Strings, Strings, Short, const char*, Strings> cases[] = {
+      {{"0E", "0E", "00"}, {"?/", "?/", "5/1///1.00/1//"}, 0, "00/00/00/x/", {busy, busy}},
+      {{"9E", "9E", "00"}, {"?/", "?/"}, 0, "00/00/00/x/", {"Κατάσταση [158]" + card.substr(card.find('|')), card}},
+      {{"92", "19", "70"}, {"?/", "?/"}, 112, "Payment no change", {"", "Κατάσταση [25]|Printer paper end detected"}},
+      {{"9E", "9C"}, {"?/"}, 156, "EFTPOS Payment Failed", {""}},
+      {{"9E", "9D"}, {"?/"}, 157, "EFTPOS Fail to read transactions", {""}},
+      {{"9E", "9F"}, {"?/"}, 159, "Inactive EFTPOS", {""}},
+      // It is tried as often as it is busy.
+      {{"0E", "00", "92", "00", "19"},
+       {"?/", "5/1///1.00/1//", "?/", "5/1///1.00/1//"},
+       25,
+       "Printer paper end detected",
+       {"", ""}}};
+  screen.expectsWaits = true;
   for (const bool suppress : {true, false}) {
     SupressError_ = suppress;
-    for (const auto& [code, outcome, sent, result, text, isShown] : cases) {
-      SCOPED_TRACE(code);
+    for (const auto& [replies, commands, result, text, read] : cases) {
+      SCOPED_TRACE(text);
       device = {};
       screen.boxes.clear();
       screen.waits.clear();
-      screen.outcomes = {outcome};
-      device.answer(hex(code) + "/00/00/").answer("00/00/00/again/");
-      send(u"5/1/");
-      EXPECT_EQ(device.commands, std::vector<std::string>(sent, "5/1/"));
-      EXPECT_THAT(screen.waits, ElementsAre(std::to_string(code) + " " + toUtf8(deviceErrorText(code))));
+      for (const std::string& code : replies) device.answer(code + "/00/00/x/");
+      device.answer("00/00/00/x/");
+      send(u"5/1///1.00/1//");
+      Strings expected = commands;
+      expected.insert(expected.begin(), "5/1///1.00/1//");
+      EXPECT_EQ(device.commands, expected);
       EXPECT_EQ(std::tuple(Result, exresult()), std::tuple(result, text));
-      EXPECT_EQ(std::tuple(driver->lastResult, driver->lastexResult), std::tuple(outcome.code, outcome.message));
-      EXPECT_EQ(screen.boxes, isShown && !suppress ? std::vector{errorBox(result, text)} : std::vector<Box>{});
+      EXPECT_EQ(screen.boxes, result != 0 && !suppress ? std::vector{errorBox(result, text)} : std::vector<Box>{});
+      ASSERT_EQ(screen.waits.size(), read.size());
+      for (std::size_t i = 0; i < read.size(); ++i) {
+        if (!read[i].empty()) {
+          EXPECT_EQ(screen.waits[i], "Μήνυμα Ταμειακής (Varlen Fiscal)|" + read[i]);
+        }
+      }
+      EXPECT_FALSE(moduleState().waitDialogOpen);
     }
   }
-  // It is tried as often as it is busy.
+  // What met a card payment under way was not taken, as the payment itself was.
+  for (const char16_t* command : {u"3/S/", u"5/99/1/1/1/", u"5/1///1.00///", u"E/0/1////////", u"E/2/1/"}) {
+    device = {};
+    device.answer("9E/00/00/").answer("00/00/00/").answer("00/00/06/");
+    send(command);
+    EXPECT_EQ(device.commands.size(), command == TextView(u"E/2/1/") ? 2u : 3u) << toUtf8(command);
+  }
+  // A call from within a wait: no second window, and no outcome but its own.
+  moduleState().waitDialogOpen = true;
   device = {};
-  screen.boxes.clear();
-  screen.outcomes = {{0, u""}, {0, u""}};
-  device.answer("0E/00/00/").answer("92/00/00/").answer("19/00/00/");
-  send(u"F/3/");
-  EXPECT_EQ(std::tuple(device.commands.size(), Result), std::tuple(3u, 25));
-  EXPECT_EQ(screen.boxes.size(), 1u);
+  screen.waits.clear();
+  exchange("0E/00/00/");
+  EXPECT_EQ(Result, 14);
+  EXPECT_THAT(screen.waits, IsEmpty());
 }
 
 TEST_F(Errors, CharactersThatTheDeviceDoesNotKnow) {

@@ -1,0 +1,163 @@
+#include "platform/windows/window.h"
+
+#include <mutex>
+
+namespace mirvane::platform {
+namespace {
+
+constexpr int kUsualDpi = 96;
+constexpr UINT kDpiChanged = 0x02E0;
+
+// A window that never settles must not hold the call up.
+constexpr int kMostMessages = 1000;
+
+// A class must not go while a window of it is being made on another thread.
+std::mutex classes;
+
+UINT dpiOf(HWND window) {
+  // Older systems, which lack the call, give one resolution to all monitors.
+  using GetDpi = UINT(WINAPI*)(HWND);
+  const auto getDpi =
+      reinterpret_cast<GetDpi>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32"), "GetDpiForWindow")));
+  if (getDpi != nullptr) return getDpi(window);
+  const HDC screen = GetDC(nullptr);
+  const int dpi = GetDeviceCaps(screen, LOGPIXELSY);
+  ReleaseDC(nullptr, screen);
+  return static_cast<UINT>(dpi);
+}
+
+}  // namespace
+
+Window::~Window() {
+  if (className_ == nullptr) return;
+  if (window_ != nullptr) DestroyWindow(window_);
+  const std::lock_guard lock(classes);
+  // While another window of the class is open it stays.
+  UnregisterClassW(className_, ownModule());
+}
+
+RECT Window::make(const Look& look, HWND owner) {
+  MONITORINFO monitor{};
+  monitor.cbSize = sizeof monitor;
+  GetMonitorInfoW(MonitorFromWindow(owner, MONITOR_DEFAULTTOPRIMARY), &monitor);
+  const RECT& area = monitor.rcWork;
+
+  WNDCLASSEXW description{};
+  description.cbSize = sizeof description;
+  description.style = look.classStyle;
+  description.lpfnWndProc = &Window::procedure;
+  description.hInstance = ownModule();
+  description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+  description.lpszClassName = className_ = look.className;
+
+  const std::lock_guard lock(classes);
+  RegisterClassExW(&description);
+  // Made on its monitor, which decides the resolution; only then can its size be told.
+  CreateWindowExW(look.extendedStyle, look.className, look.title, look.style, area.left, area.top, 1, 1, owner, nullptr,
+                  ownModule(), this);
+  dpi_ = window_ != nullptr ? dpiOf(window_) : kUsualDpi;
+  resolutionChanged();
+  return area;
+}
+
+int Window::scaled(int length) const { return MulDiv(length, static_cast<int>(dpi_), kUsualDpi); }
+
+Font Window::font(const wchar_t* name, int points, DWORD family) const {
+  constexpr int kPointsPerInch = 72;
+  // The character set makes sure that whatever stands in for a missing font knows Greek.
+  return Font(CreateFontW(-MulDiv(points, static_cast<int>(dpi_), kPointsPerInch), 0, 0, 0, FW_NORMAL, FALSE, FALSE,
+                          FALSE, GREEK_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, family,
+                          name));
+}
+
+void Window::draw(HDC /*dc*/, RECT /*client*/) const {}
+
+LRESULT Window::handle(UINT message, WPARAM first, LPARAM second) {
+  switch (message) {
+    case WM_PAINT:
+      paint();
+      return 0;
+    case WM_ERASEBKGND:  // the picture covers everything
+      return 1;
+    case WM_CLOSE:  // only the component closes it
+      return 0;
+    case kDpiChanged: {
+      const auto* place = reinterpret_cast<const RECT*>(second);
+      dpi_ = LOWORD(first);
+      resolutionChanged();
+      SetWindowPos(window_, nullptr, place->left, place->top, place->right - place->left, place->bottom - place->top,
+                   SWP_NOZORDER | SWP_NOACTIVATE);
+      return 0;
+    }
+    default:
+      return DefWindowProcW(window_, message, first, second);
+  }
+}
+
+LRESULT CALLBACK Window::procedure(HWND window, UINT message, WPARAM first, LPARAM second) {
+  if (message == WM_NCCREATE) {
+    auto* self = static_cast<Window*>(reinterpret_cast<CREATESTRUCTW*>(second)->lpCreateParams);
+    self->window_ = window;
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(self));
+  }
+  auto* self = reinterpret_cast<Window*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  if (self == nullptr) return DefWindowProcW(window, message, first, second);
+  const LRESULT result = self->handle(message, first, second);
+  if (message == WM_DESTROY) {  // the program may close all its windows when it ends
+    SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    self->window_ = nullptr;
+  }
+  return result;
+}
+
+// Drawn aside and shown at once, so that it does not flicker.
+void Window::paint() const {
+  PAINTSTRUCT damage;
+  const HDC screen = BeginPaint(window_, &damage);
+  RECT client;
+  GetClientRect(window_, &client);
+  const HDC dc = CreateCompatibleDC(screen);
+  const HBITMAP picture = CreateCompatibleBitmap(screen, client.right, client.bottom);
+  const HGDIOBJ before = SelectObject(dc, picture);
+  draw(dc, client);
+  BitBlt(screen, 0, 0, client.right, client.bottom, dc, 0, 0, SRCCOPY);
+  SelectObject(dc, before);
+  DeleteObject(picture);
+  DeleteDC(dc);
+  EndPaint(window_, &damage);
+}
+
+InputLock::InputLock() : focus_(GetFocus() != nullptr ? GetFocus() : GetActiveWindow()) {
+  EnumThreadWindows(GetCurrentThreadId(), &InputLock::disable, reinterpret_cast<LPARAM>(this));
+}
+
+void InputLock::release(bool giveFocusBack) {
+  for (const HWND window : windows_) EnableWindow(window, TRUE);
+  windows_.clear();
+  if (giveFocusBack && focus_ != nullptr) SetFocus(focus_);
+}
+
+BOOL CALLBACK InputLock::disable(HWND window, LPARAM self) {
+  if (IsWindowVisible(window) != FALSE && EnableWindow(window, FALSE) == FALSE) {
+    reinterpret_cast<InputLock*>(self)->windows_.push_back(window);
+  }
+  return TRUE;
+}
+
+PendingMessages::~PendingMessages() {
+  if (quit_) PostQuitMessage(*quit_);
+}
+
+void PendingMessages::dispatch() {
+  MSG message;
+  for (int i = 0; i < kMostMessages && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE; ++i) {
+    if (message.message == WM_QUIT) {
+      quit_ = static_cast<int>(message.wParam);
+      continue;
+    }
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+}
+
+}  // namespace mirvane::platform

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <type_traits>
+#include <vector>
+
+#include "platform/windows/windows.h"
+
+// What the component's own windows share.
+namespace mirvane::platform {
+
+struct FontDeleter {
+  void operator()(HFONT font) const { DeleteObject(font); }
+};
+using Font = std::unique_ptr<std::remove_pointer_t<HFONT>, FontDeleter>;
+
+/// A window of the component. It belongs to the thread that makes it, and takes its class away with it: the class
+/// points into a DLL that may be unloaded.
+class Window {
+ public:
+  Window(const Window&) = delete;
+  Window& operator=(const Window&) = delete;
+  virtual ~Window();
+
+ protected:
+  struct Look {
+    const wchar_t* className;
+    const wchar_t* title;
+    UINT classStyle;
+    DWORD style;
+    DWORD extendedStyle;
+  };
+
+  Window() = default;
+
+  /// Makes the window, hidden and without a size, on the monitor of `owner`, or without an owner on the primary one.
+  /// Returns that monitor's work area. Without a desktop there is no window afterwards.
+  RECT make(const Look& look, HWND owner);
+
+  /// Null before `make`, and when the program has destroyed the window.
+  HWND window() const { return window_; }
+  /// A length written for 96 dots per inch.
+  int scaled(int length) const;
+  Font font(const wchar_t* name, int points, DWORD family) const;
+
+  /// The lengths and fonts from before no longer fit; called by `make` too.
+  virtual void resolutionChanged() = 0;
+  /// Draws all of the window's inside.
+  virtual void draw(HDC dc, RECT client) const;
+  /// A message; unless overridden the window is drawn, and does not let itself be closed.
+  virtual LRESULT handle(UINT message, WPARAM first, LPARAM second);
+
+ private:
+  static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM second);
+  void paint() const;
+
+  HWND window_ = nullptr;
+  const wchar_t* className_ = nullptr;
+  UINT dpi_ = 0;
+};
+
+/// No window of the thread takes input while this lives: a call started from there would talk between the lines of the
+/// one that is under way.
+class InputLock {
+ public:
+  InputLock();
+  InputLock(const InputLock&) = delete;
+  InputLock& operator=(const InputLock&) = delete;
+  ~InputLock() { release(false); }
+
+  /// To be done before the window that took the focus is destroyed, or the system would look for another program to
+  /// bring to the front.
+  void release(bool giveFocusBack);
+
+ private:
+  static BOOL CALLBACK disable(HWND window, LPARAM self);
+
+  HWND focus_;
+  std::vector<HWND> windows_;
+};
+
+/// The thread's messages, while a call keeps the program's own loop from running.
+class PendingMessages {
+ public:
+  PendingMessages() = default;
+  PendingMessages(const PendingMessages&) = delete;
+  PendingMessages& operator=(const PendingMessages&) = delete;
+  /// Gives a request to end the program, met in between, to the program's own loop.
+  ~PendingMessages();
+
+  void dispatch();
+
+ private:
+  std::optional<int> quit_;
+};
+
+}  // namespace mirvane::platform
