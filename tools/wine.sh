@@ -37,8 +37,12 @@ in_wine() {
   LC_ALL=el_GR.UTF-8 timeout --foreground --kill-after=5 "${wine_limit:-120}" "$wine" "$@" </dev/null {wine_lock}>&-
 }
 
-wine_up() {
+wine_lock_up() {
   flock --timeout 900 "$wine_lock" || die "another run has held $WINEPREFIX for 15 minutes"
+}
+
+wine_up() {
+  wine_lock_up
   Xvfb -displayfd 1 -screen 0 1024x768x24 -nolisten tcp >"$WORK/display" 2>"$WORK/display.log" {wine_lock}>&- &
   display_pid=$!
   await 20 grep -q . "$WORK/display" || die "no X display: $(<"$WORK/display.log")"

@@ -18,8 +18,10 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 repo=$(cd "$here/../.." && pwd)
 results="$repo/build/com"
 WORK=$results
-rm -rf "$results"
 source "$repo/tools/wine.sh"
+wine_lock_up
+rm -rf "$results"
+mkdir -p "$results"
 trap clean_up EXIT
 trap 'exit 130' INT TERM
 failures=0
