@@ -36,8 +36,7 @@ struct Feed {
 class TraceWindow final : public Window {
  public:
   explicit TraceWindow(Feed& feed) : feed_(feed) {
-    const RECT area =
-        make({L"MirvaneTrace", L"Varlen Fiscal", 0, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0}, nullptr);
+    const RECT area = make({L"MirvaneTrace", L"Varlen Fiscal", 0, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0}, nullptr);
     if (window() != nullptr) {
       const int width = scaled(kWidth);
       const int height = scaled(kHeight);
@@ -191,8 +190,11 @@ void addToTraceWindow(TextView line) {
   for (const char16_t c : line) {
     constexpr const wchar_t* kDigits = L"0123456789ABCDEF";
     // Frames are full of control characters, which a text field swallows.
-    if (c < u' ') (((lines.lines += L'<') += kDigits[c / 16]) += kDigits[c % 16]) += L'>';
-    else lines.lines += static_cast<wchar_t>(c);
+    if (c < u' ') {
+      lines.lines += {L'<', kDigits[c / 16], kDigits[c % 16], L'>'};
+    } else {
+      lines.lines += static_cast<wchar_t>(c);
+    }
   }
   lines.lines += L"\r\n";
   if (!lines.told && lines.window != nullptr) lines.told = PostMessageW(lines.window, kNews, 0, 0) != FALSE;

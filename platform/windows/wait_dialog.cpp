@@ -44,7 +44,7 @@ class WaitDialog final : public Window {
     while (!over_) {
       // Not the window's timer alone: there may be no window.
       const ULONGLONG now = GetTickCount64();
-      const DWORD left = static_cast<DWORD>(std::max(due_, now) - now);
+      const auto left = static_cast<DWORD>(std::max(due_, now) - now);
       if (MsgWaitForMultipleObjectsEx(0, nullptr, left, QS_ALLINPUT, MWMO_INPUTAVAILABLE) == WAIT_FAILED) Sleep(left);
       messages_.dispatch();
       tickWhenDue();
@@ -119,6 +119,7 @@ class WaitDialog final : public Window {
       RECT place = area;
       flags |= DT_NOPREFIX | DT_WORDBREAK | DT_EDITCONTROL;
       DrawTextW(dc, wide.c_str(), static_cast<int>(wide.size()), &place, flags | DT_CALCRECT);
+      place.right = area.right;
       if ((flags & DT_CALCRECT) == 0) DrawTextW(dc, wide.c_str(), static_cast<int>(wide.size()), &place, flags);
       SelectObject(dc, before);
       area.top = place.bottom + scaled(kMargin) / 2;
