@@ -65,7 +65,7 @@ TEST_P(ClosingTheDay, SurvivesAFullDisk) {
   EXPECT_EQ(close(), kFileError);
   expectStillOpen();
   const FileMap expected = folders.handedOver("0001");
-  for (const auto& [name, bytes] : folders.filesIn("c:/bboxBackUp/MVE25000017/0001")) {
+  for (const auto& [name, bytes] : JournalFolders::filesIn("c:/bboxBackUp/MVE25000017/0001")) {
     EXPECT_EQ(bytes, expected.at(name)) << "half a file";
   }
   ASSERT_EQ(umount("c:/bboxBackUp"), 0);
@@ -106,13 +106,13 @@ TEST_P(ClosingTheDay, CanBeginAgainAfterTheProgramWasKilled) {
     _exit(0);
   }
   // In the middle of the first file.
-  for (int i = 0; folders.filesIn(folders.device).empty() && i < 500; ++i) usleep(10'000);
+  for (int i = 0; JournalFolders::filesIn(folders.device).empty() && i < 500; ++i) usleep(10'000);
   usleep(500'000);
   EXPECT_EQ(kill(other, SIGKILL), 0);
   int status = 0;
   waitpid(other, &status, 0);
   EXPECT_TRUE(WIFSIGNALED(status)) << "the day was closed before";
-  EXPECT_TRUE(folders.filesIn("c:/bbox/MVE25000017/0001").empty());
+  EXPECT_TRUE(JournalFolders::filesIn("c:/bbox/MVE25000017/0001").empty());
   ASSERT_EQ(run("Connect_", fromUtf8(port)), 0);
   expectClosed();
 }

@@ -23,30 +23,6 @@ TEST_P(Till, AWholeReceiptWithChange) {
   EXPECT_EQ(ask(u"9/"), "1.00/0.00/0.00/0.00/0.00/2/1.00/") << "the first receipt was closed";
 }
 
-TEST_P(Till, SeveralTendersAndRefusals) {
-  start();
-  EXPECT_EQ(pay(1, 5), 64) << "nothing is open";
-  EXPECT_EQ(sell(u"A", 1, 9), 0);
-  EXPECT_EQ(sell(u"B", 1, 9, 99), 39) << "no such rate";
-  EXPECT_EQ(pay(1, 2.5), 0);
-  EXPECT_EQ(ask(u"5/99/1/1/1/"), "6.50/0.00/2.50/");
-  EXPECT_EQ(sell(u"B", 1, 9), 69) << "payment has begun";
-  EXPECT_EQ(pay(3, 2.5), 0);
-  EXPECT_EQ(pay(2, 4), 0);
-  expectPaper({" 9,00\n", " 2,50\n", " 2,50\n", " 4,00\n"});
-  EXPECT_EQ(pay(1, 5), 64) << "the last tender closed the receipt";
-}
-
-TEST_P(Till, CancelledReceiptsAndCashDocuments) {
-  start();
-  EXPECT_EQ(sell(u"A", 1, 7.25), 0);
-  EXPECT_EQ(run("VoidReceipt"), 0);
-  EXPECT_EQ(run("executeCashIn", 50.0, u"Πρωί"), 0);
-  EXPECT_EQ(run("executeCashOut", 20.5, u"Προμηθευτής"), 0);
-  expectPaper({"ΑΚΥΡΩΘΗΚΕ", " 7,25\n", "ΕΙΣΠΡΑΞΗ", "Πρωι", " 50,00\n", "ΠΛΗΡΩΜΗ", "Προμηθευτης", " 20,50\n"});
-  EXPECT_EQ(sell(u"B", 1, 1), 0) << "the cash documents were closed";
-}
-
 TEST_P(Till, NothingIsLostOrBookedTwice) {
   // A serial exchange is repeated after ten seconds, so only two of the mishaps that lead to that are tried there.
   std::vector<std::pair<std::string, Short>> mishaps = {

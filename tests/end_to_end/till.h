@@ -43,6 +43,10 @@ class Till : public testing::TestWithParam<const char*> {
     facade->call(member, std::forward<A>(arguments)..., Result, Exresult, SupressError_);
     return Result;
   }
+  template <class... A>
+  void succeed(const char* member, A&&... arguments) {
+    EXPECT_EQ(run(member, std::forward<A>(arguments)...), 0) << member << " " << toUtf8(Exresult);
+  }
   Short sell(const char16_t* description, double quantity, double price, double rate = 24) {
     return run("ItemSale", description, quantity, price, rate, 1);
   }

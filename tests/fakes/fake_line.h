@@ -49,7 +49,6 @@ class FakeDevice {
   std::function<void()> during;
 };
 
-/// What is on its way to the driver.
 class Inbox {
  public:
   explicit Inbox(FakeClock& clock) : clock_(clock) {}
@@ -119,7 +118,6 @@ class FakeSerial : public platform::SerialPort {
   }
   bool close(std::int32_t handle) override { return closed.push_back(handle), handle > 0; }
 
-  /// When each attempt of an exchange began.
   std::vector<double> attempts() const {
     std::vector<double> times;
     for (const Sent& piece : sent) {

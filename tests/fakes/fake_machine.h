@@ -33,7 +33,6 @@ class FakeClock : public platform::Clock {
 
   double startOfDay = 12 * 3600 + 34 * 60 + 56;
   double now = 0;
-  /// How often somebody slept so many milliseconds.
   std::map<std::uint32_t, int> sleeps;
 };
 
@@ -44,6 +43,23 @@ struct Box {
   bool operator==(const Box&) const = default;
 };
 inline void PrintTo(const Box& box, std::ostream* out) { *out << box.style << " " << box.title << ": " << box.prompt; }
+
+class FakeJournalView : public platform::JournalView {
+ public:
+  FakeJournalView(std::vector<std::string>& log, int& rounds) : log_(log), rounds_(rounds) {
+    log_.emplace_back("show");
+  }
+  ~FakeJournalView() override { log_.emplace_back("close"); }
+  void beginFile(TextView name) override { log_.push_back(toUtf8(name)); }
+  void append(TextView piece, std::size_t count) override {
+    log_.push_back("+" + toUtf8(piece) + " " + std::to_string(count));
+  }
+  void processEvents() override { ++rounds_; }
+
+ private:
+  std::vector<std::string>& log_;
+  int& rounds_;
+};
 
 /// An operator who closes every box and waits as the test says.
 class FakeScreen : public platform::Screen {
@@ -56,8 +72,10 @@ class FakeScreen : public platform::Screen {
     do waits.push_back(toUtf8(text.caption + u"|" + text.state + u"|" + text.message));
     while (tick(text));
   }
-  std::unique_ptr<platform::JournalView> showJournal() override;
-  void showTrace(bool shown) override { traceShown = shown; }
+  std::unique_ptr<platform::JournalView> showJournal() override {
+    return std::make_unique<FakeJournalView>(journal, eventRounds);
+  }
+  void showTrace(bool /*shown*/) override {}
   void traceLine(TextView line) override { trace.push_back(toUtf8(line)); }
 
   std::vector<Box> boxes;
@@ -67,27 +85,8 @@ class FakeScreen : public platform::Screen {
   std::vector<std::string> waits;
   bool expectsWaits = false;
   std::vector<std::string> trace;
-  bool traceShown = false;
   int eventRounds = 0;
 };
-
-class FakeJournalView : public platform::JournalView {
- public:
-  explicit FakeJournalView(FakeScreen& screen) : screen_(screen) { screen_.journal.emplace_back("show"); }
-  ~FakeJournalView() override { screen_.journal.emplace_back("close"); }
-  void beginFile(TextView name) override { screen_.journal.push_back(toUtf8(name)); }
-  void append(TextView piece, std::size_t count) override {
-    screen_.journal.push_back("+" + toUtf8(piece) + " " + std::to_string(count));
-  }
-  void processEvents() override { ++screen_.eventRounds; }
-
- private:
-  FakeScreen& screen_;
-};
-
-inline std::unique_ptr<platform::JournalView> FakeScreen::showJournal() {
-  return std::make_unique<FakeJournalView>(*this);
-}
 
 class FakeFiles : public platform::Files {
  public:

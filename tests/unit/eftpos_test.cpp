@@ -18,7 +18,8 @@ TEST_F(Eftpos, Commands) {
   EXPECT_THAT(call("eftTest", *c), ElementsAre("E/2/3/1" + rest + "1/0/"));
   const std::tuple<const char*, Short, Short> tooMuch[] = {
       {"eftWrite", 255, 1}, {"eftdel", 32767, 32767}, {"eftWrite", 1, -2}, {"eftTest", 256, 0}, {"eftTest", -1, 1}};
-  for (const auto& [member, enabled, middleware] : tooMuch) {
+  for (const auto& [name, enabled, middleware] : tooMuch) {
+    const char* member = name;
     c->eftEnabled = enabled, c->eftMDW = middleware;
     device.commands.clear();
     EXPECT_EQ(errorOf([&] { run(*driver, member, *c); }), kOverflow) << member;

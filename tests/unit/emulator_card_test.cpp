@@ -1,5 +1,7 @@
-#include "emulator/loopback.h"
-#include "tests/fakes/fake_line.h"
+#include <gtest/gtest.h>
+
+#include "emulator/device.h"
+#include "tests/fakes/fake_machine.h"
 
 namespace mirvane::emulator {
 namespace {
@@ -42,28 +44,6 @@ TEST_F(EmulatorCard, ARefusedPaymentIsToldOnceAndLeavesTheReceiptOpen) {
   for (std::string told : {"70", "9C", "9D", "9D"}) run(told.insert(0, before).append("|?/ 00|O/1/ 5B"));
   run(kCard + " 9E|+3|5/1///10.00/// 00|?/ 00|O/1/ 00");
   EXPECT_EQ(paper.find("EFTPOS"), std::string::npos) << paper;
-}
-
-TEST_F(EmulatorCard, ARepeatedFrameIsNotASecondPayment) {
-  Faults faults;
-  LoopbackPort port{device, faults, clock};
-  const std::int32_t handle = port.open(u"COM1");
-  port.configure(handle, "115200,n,8,1");
-  faults.add("on ?/ lost");
-  device.cards().options.next = {Code::kOk, Code::kCardFailed};
-  run(kSale + " 00");
-  // Seconds that pass, a frame, whether its reply is acknowledged, the code in the reply, and what is paid then.
-  const std::tuple<double, std::string, bool, std::string, Cents> steps[] = {
-      {0, kCard, false, "9E", 0},  {5, kCard, false, "9E", 0},  {0, "?/", false, "", 400},  {0, "?/", true, "00", 400},
-      {0, kCard, true, "9E", 400}, {9, "?/", false, "9C", 400}, {0, "?/", true, "9C", 400}, {0, "?/", true, "00", 400}};
-  for (const auto& [seconds, command, isAcknowledged, code, sum] : steps) {
-    clock.advance(seconds);
-    port.write(handle, test::framed(command + test::checksum(command)));
-    const std::string reply = port.read(handle, 1000);
-    if (isAcknowledged) port.write(handle, {&wire::kAck, 1});
-    EXPECT_EQ(reply.substr(reply.empty() ? 0 : 1, 2), code) << command;
-    EXPECT_EQ(device.fiscal().receipt->paid(), sum) << command;
-  }
 }
 
 TEST_F(EmulatorCard, TerminalRecordsAreCheckedAndKept) {

@@ -36,7 +36,7 @@ class EmulatorLine : public testing::Test {
   Cents sold() { return device.fiscal().receipt ? device.fiscal().receipt->total() : 0; }
 
   test::FakeClock clock;
-  Device device;
+  Device device{{}, systemTime, [this] { return clock.now; }};
   Faults faults;
   LoopbackPort port{device, faults, clock};
   LoopbackSockets sockets{device, faults, clock};
@@ -58,6 +58,24 @@ TEST_F(EmulatorLine, NothingIsBookedTwice) {
   for (const auto& [bytes, answer, total] : steps) {
     EXPECT_EQ(onSerial(bytes), answer);
     EXPECT_EQ(sold(), total);
+  }
+}
+
+TEST_F(EmulatorLine, ARepeatedFrameIsNotASecondPayment) {
+  const std::string card = "5/2///1.00/1/1/";
+  faults.add("on ?/ lost");
+  device.cards().options.next = {Code::kOk, Code::kCardFailed};
+  onSerial(kStart + frame(kSale) + kAck);
+  // Seconds that pass, a frame, whether its reply is acknowledged, the code in the reply, and what is paid then.
+  const std::tuple<double, std::string, bool, std::string, Cents> steps[] = {
+      {0, card, false, "9E", 0},  {5, card, false, "9E", 0},   {0, "?/", false, "", 100},  {0, "?/", true, "00", 100},
+      {0, card, true, "9E", 100}, {9, "?/", false, "9C", 100}, {0, "?/", true, "9C", 100}, {0, "?/", true, "00", 100}};
+  for (const auto& [seconds, command, isAcknowledged, code, sum] : steps) {
+    clock.advance(seconds);
+    const std::string reply = onSerial(frame(command));
+    if (isAcknowledged) onSerial(kAck);
+    EXPECT_EQ(reply.substr(reply.empty() ? 0 : 1, 2), code) << command;
+    EXPECT_EQ(device.fiscal().receipt->paid(), sum) << command;
   }
 }
 
@@ -84,11 +102,7 @@ TEST_F(EmulatorLine, OnlyAWholeAndSoundFrameIsExecuted) {
 TEST_F(EmulatorLine, FaultsStrikeAsTold) {
   const std::string version = "00/00/00/MIRVANE EMULATOR/2.0/1/", whole = framed(version);
   const std::string cut = whole.substr(0, whole.size() - 1), half = whole.substr(0, whole.size() / 2);
-  struct Case {
-    std::string fault, serial;
-    std::vector<std::string> network;
-  };
-  std::vector<Case> cases = {
+  std::vector<std::tuple<std::string, std::string, std::vector<std::string>>> cases = {
       {"nak", kNak, {kNak}},
       {"lost", "", {}},
       {"ack-only", "", {kAck}},
@@ -100,13 +114,13 @@ TEST_F(EmulatorLine, FaultsStrikeAsTold) {
                                                          {"code 116", framed("74/00/00/")},
                                                          {"reply Ω 00/", framed("\xD9 00/")}};
   for (const auto& [fault, reply] : replies) cases.push_back({fault, reply, {kAck, reply}});
-  for (const Case& c : cases) {
-    faults.add("next " + c.fault);
-    EXPECT_EQ(onSerial(kAck + kStart + frame("v/")), c.serial) << c.fault;
-    EXPECT_EQ(onSerial(kAck + kStart + frame("v/")), whole) << "after " << c.fault;
-    faults.add("next " + c.fault);
-    EXPECT_EQ(onNetwork(kAck + frame("v/")), c.network) << c.fault;
-    EXPECT_EQ(onNetwork(kAck + frame("v/")), (std::vector{kAck, whole})) << "after " << c.fault;
+  for (const auto& [fault, onLine, datagrams] : cases) {
+    faults.add("next " + fault);
+    EXPECT_EQ(onSerial(kAck + kStart + frame("v/")), onLine) << fault;
+    EXPECT_EQ(onSerial(kAck + kStart + frame("v/")), whole) << "after " << fault;
+    faults.add("next " + fault);
+    EXPECT_EQ(onNetwork(kAck + frame("v/")), datagrams) << fault;
+    EXPECT_EQ(onNetwork(kAck + frame("v/")), (std::vector{kAck, whole})) << "after " << fault;
   }
 }
 

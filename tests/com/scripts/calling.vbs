@@ -7,46 +7,29 @@ port = WScript.Arguments(0)
 Suppress = True
 Set module = CreateObject(Library & "fiscalTrevikModule")
 module.Connect_ port, Result, Exresult, Suppress
-Expect "Result of Connect_", 0, Result
 
 Conversions
 PassedByValue
 Outer Result, Exresult
-ImpossibleArguments
-ImpossibleCalls
+Impossible
 NullDriver
 WScript.Echo "ok"
 
 Sub Conversions
-  Dim q, p, rate, dep, category
-  q = "2,5": p = "2.5": rate = "24": dep = "1": category = "3"
-  module.ItemSale "texts", q, p, rate, dep, Result, Exresult, Suppress, "", category
-  Sold "texts that are numbers", "6.25"
-  q = 2: p = 70000: rate = CByte(13)
-  module.ItemSale "integers", q, p, rate, dep, Result, Exresult, Suppress
-  Sold "integers for doubles", "140006.25"
-  module.ItemSale "currency", 1, CCur("1,25"), 13, CLng(2), Result, Exresult, Suppress
-  Sold "currency and a 32-bit integer", "140007.50"
-  module.ItemSale 12, 1, 2.5, 13, CDbl(2), Result, Exresult, -1
-  Sold "a number for a text, a double for an integer, an integer for a flag", "140010.00"
-  module.ItemSale "omitted in the middle", 1, 2, 13, 2, Result, Exresult, True, , 2
-  Sold "an omitted optional", "140012.00"
-  Result = "5": Exresult = 5
-  module.ItemSale "types of the outcome", 1, 1, 13, 1, Result, Exresult, True
-  Sold "an outcome of other types", "140013.00"
+  module.ItemSale 12, CByte(2), CCur("1,25"), 13, CLng(2), Result, Exresult, -1
+  Sold "values of other types", "2.50"
+  module.ItemSale "omitted in the middle", 1, 70000, 13, CDbl(2), Result, Exresult, True, , 2
+  Sold "an omitted optional", "70002.50"
 End Sub
 
-' What is passed by value keeps its variable as it was.
+' What is passed by value takes no result.
 Sub PassedByValue
-  Dim q
-  q = "1"
   Before
-  module.ItemSale ("parenthesised"), (q), (4.5), 13, 1, (Result), (Exresult), (Suppress)
-  total = "140017.50"
+  module.ItemSale ("parenthesised"), ("1"), (4.5), 13, 1, (Result), (Exresult), (Suppress)
+  total = "70007.00"
   Unchanged "parenthesised arguments"
-  Expect "a parenthesised quantity", "1", q
   module.ItemSale "literals", 1, 0.5, 13, 1, 0, "", True, "note", 1
-  total = "140018.00"
+  total = "70007.50"
   Unchanged "literals"
 End Sub
 
@@ -61,50 +44,31 @@ Sub Inner(ByRef code, ByRef text)
   module.ItemSale "nothing", 0, 1, 13, 1, code, text, Suppress
 End Sub
 
-Sub ImpossibleArguments
+Sub Impossible
   Dim record, odd, value, i
   Set record = CreateObject(Library & "clsDailyAcc")
   Before
   On Error Resume Next
-  odd = Array(Null, "abc", "", "1e", "2.5.1", Array(1), record, Nothing)
+  odd = Array("abc", Null, Array(1), record, Nothing)
   For i = 0 To UBound(odd)
     If IsObject(odd(i)) Then Set value = odd(i) Else value = odd(i)
     module.ItemSale "x", value, 1, 24, 1, Result, Exresult, True: Refused "quantity, odd value " & i, 13
     module.ItemSale "x", 1, 1, 24, (value), Result, Exresult, True: Refused "department, odd value " & i, 13
-  Next
-  ' So are the variables that could not take their result.
-  For Each i In Array(0, 1, 5, 6, 7)
-    If IsObject(odd(i)) Then Set value = odd(i) Else value = odd(i)
+    ' So are the variables that could not take their result.
     module.ItemSale "x", 1, 1, 24, 1, value, Exresult, True: Refused "Result holding odd value " & i, 13
-    module.ItemSale "x", 1, 1, 24, 1, Result, Exresult, value: Refused "Suppress, odd value " & i, 13
-    If i <> 1 Then
-      module.ItemSale value, 1, 1, 24, 1, Result, Exresult, True: Refused "description, odd value " & i, 13
-      module.ItemSale "x", 1, 1, 24, 1, Result, value, True: Refused "Exresult holding odd value " & i, 13
-    End If
+    If i > 0 Then module.ItemSale "x", 1, 1, 24, 1, Result, value, True: Refused "Exresult, odd value " & i, 13
   Next
   value = 40000
   module.ItemSale "x", 1, 1, 24, value, Result, Exresult, True: Refused "department 40000", 6
-  module.ItemSale "x", 1, 1, 24, 1, value, Exresult, True: Refused "Result holding 40000", 6
-  module.ItemSale "x", 1, "1e400", 24, 1, Result, Exresult, True: Refused "price ""1e400""", 6
   module.transactionTotals record, Result, Exresult, True: Refused "a record of another class", 13
-End Sub
-
-Sub ImpossibleCalls
-  Dim value
-  Before
-  On Error Resume Next
-  module.ItemSale "x", 1, 1, 24, 1, Result, Exresult: Refused "too few arguments", 450
   module.ItemSale "x", 1, 1, 24, 1, Result, Exresult, True, "", 1, 1: Refused "too many arguments", 450
-  module.Payment 1, "x", 1, Result, Exresult, True: Refused "the null driver's form of Payment", 450
   module.noSuchMember 1: Refused "an unknown member", 438
-  value = module.isErrorFixable(14): Refused "a driver's own member", 438
   module.getFiscalType = 3: Refused "setting a read-only property", 438
 End Sub
 
 ' The null driver lacks what only a device can do; an Empty variable stays Empty then.
 Sub NullDriver
   Dim terminal, value, text
-  module.VoidReceipt Result, Exresult, Suppress
   module.DisConnect_ port, Result, Exresult, Suppress
   module.Connect_ "", Result, Exresult, Suppress
   Expect "Result of Connect_ without a port", 100, Result
@@ -112,7 +76,6 @@ Sub NullDriver
   total = Empty
   Before
   On Error Resume Next
-  Set value = module.adjustment(True): Refused "adjustment", 438
   module.Payment 1, "x", 1, 0, 0, Result, Exresult, True: Refused "Payment", 450
   module.eftdel terminal, value, text, True: Refused "eftdel with Empty variables", 438
   Expect "types of untouched variables", "Empty Empty", TypeName(value) & " " & TypeName(text)
@@ -124,7 +87,6 @@ End Sub
 
 Sub Sold(what, sum)
   Expect "Result of " & what, 0, Result
-  Expect "type of the Exresult of " & what, vbString, VarType(Exresult)
   total = sum
   CheckTotal what
   Result = Empty: Exresult = Empty
