@@ -78,6 +78,22 @@ void benchLine(Till& till, const Text& port, bool paced) {
   till.disconnect();
 }
 
+// By turns, so that whatever else slows the machine slows both.
+void benchTrace(Till& till) {
+  constexpr int kTurns = 20;
+  std::vector<double> off;
+  std::vector<double> on;
+  for (int i = 0; i < kTurns; ++i) {
+    off.push_back(measure(20, [&] { till.send(u"?/"); }).median);
+    till.setTrace(true);
+    on.push_back(measure(20, [&] { till.send(u"?/"); }).median);
+    till.setTrace(false);
+  }
+  std::sort(off.begin(), off.end());
+  std::sort(on.begin(), on.end());
+  std::printf("  the trace on: a status query takes %.3f times as long\n", on[kTurns / 2] / off[kTurns / 2]);
+}
+
 }  // namespace
 }  // namespace mirvane::bench
 
@@ -94,7 +110,7 @@ int main(int argc, char** argv) {
   std::printf("  late-bound call that sends nothing: %.2f us\n", microseconds(Time::now() - start) / kCalls);
 
   till->connect(mirvane::fromUtf8(argv[1]));
-  till->send(u"?/");
+  benchTrace(*till);
   std::printf("  memory of this process with one connected object: %.1f MiB\n",
               static_cast<double>(till->memory()) / (1 << 20));
   if (const auto size = till->componentSize(); size > 0) {

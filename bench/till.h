@@ -21,6 +21,7 @@ class Till {
   virtual void sell() = 0;
   /// A late-bound call that sends nothing.
   virtual void callNothing() = 0;
+  virtual void setTrace(bool active) = 0;
   /// Takes the journal of the open day into the files below c:\bbox, with its window.
   virtual void readJournal() = 0;
   /// What the process holds in memory, in bytes.

@@ -61,6 +61,9 @@ class ComTill : public Till {
          0);
     SysFreeString(description);
   }
+  void setTrace(bool active) override {
+    invoke(*facade_, active ? L"activateDebug" : L"DeactivateDebug", DISPATCH_METHOD, {});
+  }
   void readJournal() override {
     VARIANT no{};
     no.vt = VT_BOOL;

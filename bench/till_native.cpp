@@ -39,6 +39,7 @@ class NativeTill : public Till {
     facade_->call("ItemSale", description, quantity, price, rate, department, result_, text_, silent_);
     check("ItemSale", 0);
   }
+  void setTrace(bool active) override { facade_->call(active ? "activateDebug" : "DeactivateDebug"); }
   void readJournal() override {
     bool closesDay = false;
     if (journal_.eMakeZreport(text_, closesDay, withForm_) != 0) fail(toUtf8(text_));
