@@ -147,7 +147,7 @@ TEST_P(Day, FromTheSettingsToTheNextMorning) {
     ring(n);
     if (n % 15 == 0) succeed("executeCashOut", 5.0, u"Προμηθευτής");
     if (n % 10 == 0) succeed("executeCashIn", 20.0, u"Κέρματα");
-    books["illLegalReceiptCount"] += 100 * ((n % 15 == 0) + (n % 10 == 0));
+    books["illLegalReceiptCount"] += Cents{100} * ((n % 15 == 0) + (n % 10 == 0));
     if (n % 11 == 0) expectTotals();
   }
   succeed("issueXReport");

@@ -38,8 +38,7 @@ TEST_F(Configuration, Commands) {
 
 TEST_F(Configuration, RatesAreSentOnlyWhenOneIsNew) {
   double rates[] = {6, 13, 24, 0, 36};
-  auto& [a, b, c, d, e] = rates;
-  const auto setRates = [&] { return call("setVatCategories", a, b, c, d, e); };
+  const auto setRates = [&] { return call("setVatCategories", rates[0], rates[1], rates[2], rates[3], rates[4]); };
   files.setCatalogue(1, {{92, "Ίδιοι συντελεστές"}}, 93);
   for (const char* current : {"00/00/00/6.00/13/24.0/0.00/36/", "00/04/00/6/13/24/0/36/"}) {
     device.answer(current);

@@ -123,7 +123,10 @@ TEST_F(EmulatorDay, WhatIsSetIsToldAndTakesEffect) {
                                                              {"S/2/A//0/1/0/1/0/3/0/0/0/", "1100100", 2}};
   for (const auto& [settings, shown, openings] : cases) {
     paper.clear();
-    run(settings + "|" + kSale + "|5/1///0.00///|O/1/|7/1/" + shown + "/");
+    run(settings);
+    run(kSale);
+    run("5/1///0.00///|O/1/");
+    run("7/1/" + shown + "/");
     std::string found;
     for (const TextView mark : marks) found += paper.find(toCodePage(mark)) == std::string::npos ? '0' : '1';
     EXPECT_EQ(found, shown) << settings;

@@ -70,7 +70,7 @@ TEST_F(Reads, FieldsGoToTheirOutputs) {
     std::string reply = read.fields;
     for (std::size_t count = fields.size() + 1; count-- > 0; reply.resize(reply.rfind('/', reply.size() - 2) + 1)) {
       for (const std::string status : {"00/00/00/", "00/04/00/", "19/00/00/"}) {
-        SCOPED_TRACE(read.member + " " + status + reply);
+        SCOPED_TRACE(testing::Message() << read.member << " " << status << reply);
         const std::size_t taken = status[0] == '1' ? 0 : count;
         EXPECT_EQ(perform(read, status + reply), status[0] == '1' || taken == fields.size() ? 0 : kBadIndex);
         EXPECT_EQ(Result, status[0] == '1' ? 25 : 0);
