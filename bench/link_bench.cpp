@@ -110,12 +110,13 @@ int main(int argc, char** argv) {
   std::printf("  late-bound call that sends nothing: %.2f us\n", microseconds(Time::now() - start) / kCalls);
 
   till->connect(mirvane::fromUtf8(argv[1]));
-  benchTrace(*till);
+  till->send(u"?/");
   std::printf("  memory of this process with one connected object: %.1f MiB\n",
               static_cast<double>(till->memory()) / (1 << 20));
   if (const auto size = till->componentSize(); size > 0) {
     std::printf("  the DLL: %.0f KiB\n", static_cast<double>(size) / 1024);
   }
+  benchTrace(*till);
   till->disconnect();
   return 0;
 }
