@@ -18,7 +18,10 @@ struct Fault {
     kLost,         // executed, no answer
     kAckOnly,      // executed, on the network acknowledged, no reply
     kLate,         // reply after `number` milliseconds
+    kSplit,        // the reply in two halves, `number` milliseconds apart
+    kDuplicate,    // the reply, and once more `number` milliseconds later, whatever comes between
     kHalf,         // the first half of the reply
+    kCut,          // the first `number` bytes of the reply, never its ETX
     kShort,        // a reply of two characters
     kEndless,      // the reply without its end, then `number` bytes more
     kNoise,        // `bytes` before the reply

@@ -1,5 +1,6 @@
 #include "emulator/line.h"
 
+#include <algorithm>
 #include <numeric>
 
 #include "driver/wire.h"
@@ -19,8 +20,8 @@ std::string checksum(std::string_view command) {
 
 }  // namespace
 
-Line::Line(Device& device, Faults& faults, Outlet& outlet, Mode mode, ElapsedClock elapsed)
-    : device_(device), faults_(faults), outlet_(outlet), mode_(mode), elapsed_(std::move(elapsed)) {}
+Line::Line(Device& device, Faults& faults, Outlet& outlet, Acknowledges acknowledges, ElapsedClock elapsed)
+    : device_(device), faults_(faults), outlet_(outlet), acknowledges_(acknowledges), elapsed_(std::move(elapsed)) {}
 
 void Line::feed(std::string_view bytes) {
   for (const char byte : bytes) take(byte);
@@ -32,6 +33,7 @@ void Line::take(char byte) {
     case wire::kEnq:
       isInFrame_ = false;
       outlet_.drop();
+      if (byte == wire::kEnq && acknowledges_ == Acknowledges::kEnq) outlet_.send({&wire::kAck, 1}, 0);
       break;
     case wire::kStx:
       isInFrame_ = true;
@@ -93,12 +95,22 @@ std::string Line::execute(const std::string& command, const Fault& fault) {
 }
 
 void Line::sendReply(std::string reply, const Fault& fault) {
-  if (mode_ == Mode::kNetwork) outlet_.send({&wire::kAck, 1}, 0);
+  if (acknowledges_ == Acknowledges::kFrame) outlet_.send({&wire::kAck, 1}, 0);
   switch (fault.kind) {
     case Kind::kAckOnly:
       return;
+    case Kind::kSplit:
+      outlet_.send(reply.substr(0, reply.size() / 2), 0);
+      outlet_.send(reply.substr(reply.size() / 2), fault.number);
+      return;
+    case Kind::kDuplicate:
+      outlet_.sendCopy(reply, fault.number);
+      break;
     case Kind::kHalf:
       reply.resize(reply.size() / 2);
+      break;
+    case Kind::kCut:
+      reply.resize(std::min<std::size_t>(fault.number, reply.size() - 1));
       break;
     case Kind::kShort:
       reply = std::string{wire::kStx, reply[1], reply[2], wire::kEtx};

@@ -16,6 +16,9 @@ class Outlet {
 
   /// Sends `bytes`, on a network as one datagram, no sooner than `delay` milliseconds from now.
   virtual void send(std::string_view bytes, std::uint32_t delay) = 0;
+  /// Sends `bytes` `delay` milliseconds from now, as a network does that has kept a copy: nothing that is sent waits
+  /// for it, and it is not dropped.
+  virtual void sendCopy(std::string_view bytes, std::uint32_t delay) = 0;
   /// The till begins anew: what has not been sent yet is not sent any more.
   virtual void drop() = 0;
 };
@@ -26,12 +29,14 @@ class Outlet {
 /// answered with that one's reply, and not executed again, until an ACK has told that the reply arrived.
 class Line {
  public:
-  enum class Mode { kSerial, kNetwork };
+  /// What an ACK is sent for, before the reply: nothing on a serial line; on a network there are registers that
+  /// acknowledge each frame, and others that acknowledge the ENQ ahead of it.
+  enum class Acknowledges { kNothing, kFrame, kEnq };
 
   /// A longer command is answered with "field too long", whatever it says.
   static constexpr std::size_t kLongestCommand = 4096;
 
-  Line(Device& device, Faults& faults, Outlet& outlet, Mode mode, ElapsedClock elapsed);
+  Line(Device& device, Faults& faults, Outlet& outlet, Acknowledges acknowledges, ElapsedClock elapsed);
 
   /// Takes bytes as they arrive; on a network, one datagram.
   void feed(std::string_view bytes);
@@ -46,7 +51,7 @@ class Line {
   Device& device_;
   Faults& faults_;
   Outlet& outlet_;
-  const Mode mode_;
+  const Acknowledges acknowledges_;
   const ElapsedClock elapsed_;
 
   bool isInFrame_ = false;

@@ -6,14 +6,28 @@
 namespace mirvane::emulator {
 
 void Mailbox::send(std::string_view bytes, std::uint32_t delay) {
-  const double due = clock_.elapsed() + delay / 1000.0;
-  letters_.push_back({letters_.empty() ? due : std::max(due, letters_.back().due), std::string(bytes)});
+  latest_ = std::max(latest_, clock_.elapsed() + delay / 1000.0);
+  add({latest_, std::string(bytes), false});
+}
+
+void Mailbox::sendCopy(std::string_view bytes, std::uint32_t delay) {
+  add({clock_.elapsed() + delay / 1000.0, std::string(bytes), true});
+}
+
+void Mailbox::drop() {
+  std::erase_if(letters_, [](const Letter& letter) { return !letter.isCopy; });
+  latest_ = 0;
+}
+
+void Mailbox::add(Letter letter) {
+  const auto isEarlier = [](const Letter& a, const Letter& b) { return a.due < b.due; };
+  letters_.insert(std::upper_bound(letters_.begin(), letters_.end(), letter, isEarlier), std::move(letter));
 }
 
 LoopbackPort::LoopbackPort(Device& device, Faults& faults, platform::Clock& clock)
     : clock_(clock),
       mailbox_(clock),
-      line_(device, faults, mailbox_, Line::Mode::kSerial, [&clock] { return clock.elapsed(); }) {}
+      line_(device, faults, mailbox_, Line::Acknowledges::kNothing, [&clock] { return clock.elapsed(); }) {}
 
 std::int32_t LoopbackPort::open(TextView) {
   if (handle_ > 0) return -1;
@@ -63,13 +77,14 @@ void LoopbackPort::collect() {
   for (; mailbox_.hasDue(); mailbox_.letters().pop_front()) input_ += mailbox_.letters().front().bytes;
 }
 
-LoopbackSockets::LoopbackSockets(Device& device, Faults& faults, platform::Clock& clock)
+LoopbackSockets::LoopbackSockets(Device& device, Faults& faults, platform::Clock& clock,
+                                 Line::Acknowledges acknowledges)
     : clock_(clock),
       mailbox_(clock),
-      line_(device, faults, mailbox_, Line::Mode::kNetwork, [&clock] { return clock.elapsed(); }) {}
+      line_(device, faults, mailbox_, acknowledges, [&clock] { return clock.elapsed(); }) {}
 
 std::int32_t LoopbackSockets::create() {
-  mailbox_.drop();
+  mailbox_.letters().clear();
   isConnected_ = false;
   return handle_ = ++lastHandle_;
 }

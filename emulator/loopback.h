@@ -16,17 +16,22 @@ class Mailbox : public Outlet {
   explicit Mailbox(platform::Clock& clock) : clock_(clock) {}
 
   void send(std::string_view bytes, std::uint32_t delay) override;
-  void drop() override { letters_.clear(); }
+  void sendCopy(std::string_view bytes, std::uint32_t delay) override;
+  void drop() override;
 
   bool hasDue() const { return !letters_.empty() && letters_.front().due <= clock_.elapsed(); }
   struct Letter {
     double due;
     std::string bytes;
+    bool isCopy;
   };
   std::deque<Letter>& letters() { return letters_; }
 
  private:
+  void add(Letter letter);
+
   platform::Clock& clock_;
+  double latest_ = 0;
   std::deque<Letter> letters_;
 };
 
@@ -61,7 +66,8 @@ class LoopbackPort : public platform::SerialPort {
 /// A network with the device at every address.
 class LoopbackSockets : public platform::DatagramSockets {
  public:
-  LoopbackSockets(Device& device, Faults& faults, platform::Clock& clock);
+  LoopbackSockets(Device& device, Faults& faults, platform::Clock& clock,
+                  Line::Acknowledges acknowledges = Line::Acknowledges::kFrame);
 
   bool startUp() override { return true; }
   std::int32_t create() override;

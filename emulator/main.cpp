@@ -18,6 +18,8 @@ constexpr const char* kHelp =
     "  --udp [ADDRESS:]PORT     the network; 127.0.0.1 unless told otherwise, port 0 lets the system choose\n"
     "and any of:\n"
     "  --paper FILE             append what is printed to FILE\n"
+    "  --acknowledge WHAT       the network: \"frame\" (each frame gets its ACK) or \"enq\" (the ENQ ahead of it "
+    "does)\n"
     "  --quiet                  do not show what is printed\n"
     "  --paced                  take the time that a line of 115200 bits per second takes\n"
     "  --script FILE            misbehave as the rules in FILE tell\n"
@@ -44,6 +46,7 @@ struct Options {
   std::string paper;
   Journal::Options journal;
   CardPayments::Options cards;
+  Line::Acknowledges acknowledges = Line::Acknowledges::kFrame;
   bool isQuiet = false;
   bool isPaced = false;
   bool wantsHelp = false;
@@ -108,6 +111,10 @@ Options parse(const std::vector<std::string>& arguments, Faults& faults) {
       options.cards.seconds = static_cast<double>(parseSize(option, value(option), 0, 3600));
     } else if (option == "--card") {
       addOutcome(options.cards, value(option));
+    } else if (option == "--acknowledge") {
+      const std::string& what = value(option);
+      if (what != "frame" && what != "enq") throw UsageError(option + " takes frame or enq, not " + what);
+      options.acknowledges = what == "enq" ? Line::Acknowledges::kEnq : Line::Acknowledges::kFrame;
     } else if (option == "--quiet") {
       options.isQuiet = true;
     } else if (option == "--paced") {
@@ -178,8 +185,9 @@ int run(const std::vector<std::string>& arguments) {
   std::vector<std::unique_ptr<Transport>> transports;
   std::string ready = "ready";
   for (const auto& [kind, text] : options.addresses) {
-    const auto open = kind == "--pty" ? openPty : kind == "--udp" ? openUdp : openSerial;
-    transports.push_back(open(text, device, faults, options.isPaced));
+    transports.push_back(kind == "--udp"   ? openUdp(text, device, faults, options.isPaced, options.acknowledges)
+                         : kind == "--pty" ? openPty(text, device, faults, options.isPaced)
+                                           : openSerial(text, device, faults, options.isPaced));
     ready += " " + transports.back()->address();
   }
   std::cout << ready << std::endl;

@@ -30,6 +30,7 @@ class Outbox : public Outlet {
   explicit Outbox(bool isPaced) : isPaced_(isPaced) {}
 
   void send(std::string_view bytes, std::uint32_t delay) override;
+  void sendCopy(std::string_view bytes, std::uint32_t delay) override;
   void drop() override;
   /// Counts `count` bytes that have arrived.
   void received(std::size_t count);
@@ -45,7 +46,10 @@ class Outbox : public Outlet {
   struct Piece {
     Time due;
     std::string bytes;
+    bool isCopy;
   };
+
+  void add(Piece piece);
 
   const bool isPaced_;
   std::deque<Piece> pieces_;
@@ -74,7 +78,8 @@ std::unique_ptr<Transport> openPty(const std::string& link, Device& device, Faul
 std::unique_ptr<Transport> openSerial(const std::string& path, Device& device, Faults& faults, bool isPaced);
 /// `address` is "PORT" (on 127.0.0.1) or "ADDRESS:PORT"; port 0 lets the system choose. Replies go to the sender of
 /// the latest datagram. Throws std::runtime_error for a text that is no such address.
-std::unique_ptr<Transport> openUdp(const std::string& address, Device& device, Faults& faults, bool isPaced);
+std::unique_ptr<Transport> openUdp(const std::string& address, Device& device, Faults& faults, bool isPaced,
+                                   Line::Acknowledges acknowledges);
 
 /// Serves `transports` until `stop` is set by a signal that `mask` lets through only while waiting.
 void serve(const std::vector<std::unique_ptr<Transport>>& transports, const volatile std::sig_atomic_t& stop,

@@ -20,21 +20,30 @@ Clock::duration onWire(std::size_t bytes) {
 void Outbox::send(std::string_view bytes, std::uint32_t delay) {
   Time start = std::max(Clock::now() + std::chrono::milliseconds(delay), outputEnd_);
   if (!isPaced_) {
-    pieces_.push_back({start, std::string(bytes)});
+    add({start, std::string(bytes), false});
     outputEnd_ = start;
     return;
   }
   start = std::max(start, inputEnd_ + std::chrono::milliseconds(delay));
   for (std::size_t begin = 0; begin < bytes.size(); begin += kPacedPiece) {
     const std::string_view piece = bytes.substr(begin, kPacedPiece);
-    pieces_.push_back({start + onWire(begin + piece.size()), std::string(piece)});
+    add({start + onWire(begin + piece.size()), std::string(piece), false});
   }
   outputEnd_ = start + onWire(bytes.size());
 }
 
+void Outbox::sendCopy(std::string_view bytes, std::uint32_t delay) {
+  add({Clock::now() + std::chrono::milliseconds(delay), std::string(bytes), true});
+}
+
 void Outbox::drop() {
-  pieces_.clear();
+  std::erase_if(pieces_, [](const Piece& piece) { return !piece.isCopy; });
   outputEnd_ = {};
+}
+
+void Outbox::add(Piece piece) {
+  const auto isEarlier = [](const Piece& a, const Piece& b) { return a.due < b.due; };
+  pieces_.insert(std::upper_bound(pieces_.begin(), pieces_.end(), piece, isEarlier), std::move(piece));
 }
 
 void Outbox::received(std::size_t count) { inputEnd_ = std::max(inputEnd_, Clock::now()) + onWire(count); }

@@ -44,7 +44,7 @@ class Stream : public Transport {
       : name_(std::move(name)),
         descriptor_(number),
         outbox_(isPaced),
-        line_(device, faults, outbox_, Line::Mode::kSerial, steadySeconds) {}
+        line_(device, faults, outbox_, Line::Acknowledges::kNothing, steadySeconds) {}
 
   std::string address() const override { return name_; }
   int descriptor() const override { return descriptor_.get(); }

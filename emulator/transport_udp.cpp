@@ -14,8 +14,8 @@ namespace {
 
 class Udp : public Transport {
  public:
-  Udp(const std::string& text, Device& device, Faults& faults, bool isPaced)
-      : outbox_(isPaced), line_(device, faults, outbox_, Line::Mode::kNetwork, steadySeconds) {
+  Udp(const std::string& text, Device& device, Faults& faults, bool isPaced, Line::Acknowledges acknowledges)
+      : outbox_(isPaced), line_(device, faults, outbox_, acknowledges, steadySeconds) {
     sockaddr_in address = parse(text);
     socket_ = ::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     socklen_t size = sizeof address;
@@ -82,8 +82,9 @@ class Udp : public Transport {
 
 }  // namespace
 
-std::unique_ptr<Transport> openUdp(const std::string& address, Device& device, Faults& faults, bool isPaced) {
-  return std::make_unique<Udp>(address, device, faults, isPaced);
+std::unique_ptr<Transport> openUdp(const std::string& address, Device& device, Faults& faults, bool isPaced,
+                                   Line::Acknowledges acknowledges) {
+  return std::make_unique<Udp>(address, device, faults, isPaced, acknowledges);
 }
 
 }  // namespace mirvane::emulator

@@ -27,10 +27,11 @@ class EmulatorLine : public testing::Test {
     return port.read(handle, 1 << 22);
   }
   /// The datagrams that are there after sending `bytes`.
-  std::vector<std::string> onNetwork(const std::string& bytes) {
-    sockets.send(socket, bytes);
+  std::vector<std::string> onNetwork(const std::string& bytes) { return onNetwork(bytes, sockets); }
+  std::vector<std::string> onNetwork(const std::string& bytes, LoopbackSockets& network) {
+    network.send(socket, bytes);
     std::vector<std::string> datagrams;
-    while (auto datagram = sockets.receive(socket, 10000)) datagrams.push_back(*datagram);
+    while (auto datagram = network.receive(socket, 10000)) datagrams.push_back(*datagram);
     return datagrams;
   }
   Cents sold() { return device.fiscal().receipt ? device.fiscal().receipt->total() : 0; }
@@ -108,6 +109,8 @@ TEST_F(EmulatorLine, FaultsStrikeAsTold) {
       {"ack-only", "", {kAck}},
       {"endless 2000", cut + std::string(2000, 'x'), {kAck, cut, std::string(1024, 'x'), std::string(976, 'x')}}};
   const std::pair<const char*, std::string> replies[] = {{"half", half},
+                                                         {"cut 7", whole.substr(0, 7)},
+                                                         {"cut 99", cut},
                                                          {"short", framed("00")},
                                                          {"noise 41FF", "A\xFF" + whole},
                                                          {"paper-end", framed("00/04" + version.substr(5))},
@@ -133,6 +136,29 @@ TEST_F(EmulatorLine, ALateReplyComesInItsTimeUnlessTheTillBeginsAnew) {
   EXPECT_EQ(onNetwork(frame("?/")), std::vector{kAck});
   onNetwork({wire::kEnq});
   EXPECT_FALSE(sockets.waitReadable(socket, 5));
+}
+
+TEST_F(EmulatorLine, DatagramsComeAsTheNetworkCarriesThem) {
+  const std::string ok = framed("00/00/00/"), enq{wire::kEnq};
+  LoopbackSockets eager{device, faults, clock, Line::Acknowledges::kEnq};
+  faults.addScript("next split 25\nnext duplicate 40\nafter 4 nak");
+  // After so many milliseconds, to a register of either kind, what is sent and what is there then.
+  const std::tuple<std::uint32_t, bool, std::string, std::vector<std::string>> steps[] = {
+      {0, false, frame("?/"), {kAck, ok.substr(0, 5)}},
+      {30, false, kAck, {ok.substr(5)}},
+      {0, false, frame("?/"), {kAck, ok}},
+      {10, false, kAck + enq, {}},
+      {40, false, frame("t/x/"), {ok, kAck, framed("01/00/00/")}},  // the copy outlived the ENQ
+      {0, true, enq, {kAck}},
+      {50, true, frame("?/"), {ok}},
+      {0, true, enq + frame("?/"), {kAck, kNak}},
+  };
+  socket = eager.create();
+  eager.connect(socket, "127.0.0.1", 9100);
+  for (const auto& [wait, isEager, bytes, expected] : steps) {
+    clock.sleep(wait);
+    EXPECT_EQ(onNetwork(bytes, isEager ? eager : sockets), expected) << bytes;
+  }
 }
 
 TEST_F(EmulatorLine, RulesCountAndLast) {
