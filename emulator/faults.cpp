@@ -150,7 +150,7 @@ void Faults::add(std::string_view rule) {
   const bool isDelayed = words.takeIf("after");
   if (isDelayed) parsed.skip = takeNumber(words, "after");
   if (words.takeIf("on")) {
-    parsed.prefix = words.take();
+    parsed.prefix = toCodePage(fromUtf8(words.take()));
     if (parsed.prefix.empty()) fail("the beginning of a command must follow", "on");
   } else if (!words.takeIf("next") && !isDelayed) {
     fail(R"(a rule begins with "next", "on" or "after", not with)", words.peek());

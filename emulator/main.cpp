@@ -59,6 +59,13 @@ bool keepJournal(const std::string& folder, const Journal::File& file) {
   return output.good();
 }
 
+/// A folder that takes no file is told now, not at the day's closing.
+void requireWritable(const std::string& option, const std::string& folder) {
+  const Journal::File probe{".mirvane-emulator", ""};
+  if (!keepJournal(folder, probe)) throw UsageError(option + " " + folder + ": no file can be written there");
+  std::remove((folder + "/" + probe.name).c_str());
+}
+
 std::size_t parseSize(const std::string& option, const std::string& text, std::size_t least, std::size_t most) {
   std::size_t size = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), size);
@@ -101,7 +108,9 @@ Options parse(const std::vector<std::string>& arguments, Faults& faults) {
     } else if (option == "--paper") {
       options.paper = value(option);
     } else if (option == "--journal") {
-      options.journal.keep = [folder = value(option)](const Journal::File& file) { return keepJournal(folder, file); };
+      const std::string& folder = value(option);
+      requireWritable(option, folder);
+      options.journal.keep = [folder](const Journal::File& file) { return keepJournal(folder, file); };
     } else if (option == "--journal-piece") {
       // With its frame, a piece must fit a datagram.
       options.journal.pieceSize = parseSize(option, value(option), 1, 60'000);

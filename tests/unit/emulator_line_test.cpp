@@ -162,13 +162,13 @@ TEST_F(EmulatorLine, DatagramsComeAsTheNetworkCarriesThem) {
 }
 
 TEST_F(EmulatorLine, RulesCountAndLast) {
-  faults.addScript("# a comment\n\n after 1 on t 2 code 1\r\nafter 8 always code 2\non ? 2s code 3");
+  faults.addScript("# a comment\n\n after 1 on t 2 code 1\r\nafter 8 always code 2\non ? 2s code 3\non P/Ω code 4");
   const auto code = [&](const std::string& command) { return onSerial(kAck + kStart + frame(command)).substr(1, 2); };
   std::string codes;
-  for (const char* command : {"?/", "t/", "?/", "t/", "t/", "t/"}) codes += code(command) + " ";
+  for (const char* command : {"?/", "t/", "?/", "t/", "t/", "t/", "P/\xD9/1/"}) codes += code(command) + " ";
   clock.sleep(2000);
   for (const char* command : {"?/", "a/", "a/", "a/"}) codes += code(command) + " ";
-  EXPECT_EQ(codes, "03 00 03 01 01 00 00 00 02 02 ");
+  EXPECT_EQ(codes, "03 00 03 01 01 00 04 00 02 02 02 ");
 }
 
 }  // namespace
