@@ -41,6 +41,36 @@ constexpr std::array<Code, 128> kCodes = [] {
   return codes;
 }();
 
+// The Latin letters with marks that the code page lacks, from U+00C0 on, as the plain letters by which the system
+// replaces them on a Greek machine; "." where it has none.
+constexpr char16_t kFirstMarked = 0x00C0;
+constexpr std::string_view kPlainLetters =
+    "AAAAAA.CEEEEIIII"  // 00C0
+    ".NOOOOO.OUUUUY.."  // 00D0
+    "aaaaaa.ceeeeiiii"  // 00E0
+    ".nooooo.ouuuuy.y"  // 00F0
+    "AaAaAaCcCcCcCcDd"  // 0100
+    "DdEeEeEeEeEeGgGg"  // 0110
+    "GgGgHhHhIiIiIiIi"  // 0120
+    "I...JjKk.LlLlLl."  // 0130
+    ".LlNnNnNn...OoOo"  // 0140
+    "Oo..RrRrRrSsSsSs"  // 0150
+    "SsTtTtTtUuUuUuUu"  // 0160
+    "UuUuWwYyYZzZzZz."  // 0170
+    "b..............."  // 0180
+    ".......I..l....O"  // 0190
+    "Oo.........t..TU"  // 01A0
+    "u..............."  // 01B0
+    ".............AaI"  // 01C0
+    "iOoUuUuUuUuUu.Aa"  // 01D0
+    "....GgGgKkOoOo.."  // 01E0
+    "j";                // 01F0
+
+constexpr char plainLetter(char16_t c) {
+  const std::size_t index = c < kFirstMarked ? kPlainLetters.size() : c - kFirstMarked;
+  return index < kPlainLetters.size() && kPlainLetters[index] != '.' ? kPlainLetters[index] : '\0';
+}
+
 constexpr bool isHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 constexpr bool isLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
@@ -81,6 +111,10 @@ std::string toCodePage(TextView text, bool* replaced) {
                                         [](Code entry, char16_t wanted) { return entry.character < wanted; });
     if (code != kCodes.end() && code->character == c) {
       bytes.push_back(static_cast<char>(code->byte));
+      continue;
+    }
+    if (const char plain = plainLetter(c)) {
+      bytes.push_back(plain);
       continue;
     }
     if (isHighSurrogate(c) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) ++i;

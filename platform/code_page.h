@@ -10,8 +10,9 @@ using Text = std::u16string;
 using TextView = std::u16string_view;
 
 /// The bytes of `text` in code page 1253 (Windows Greek), the code page of the device, of the message catalogue and
-/// of the journal files, whatever the machine's own code page is. A character with no code there becomes "?"; a
-/// surrogate pair is one character. When `replaced` is given it is set to whether that happened.
+/// of the journal files, whatever the machine's own code page is. A Latin letter with a mark that has no code
+/// there becomes its plain letter (é is e, š is s). Any other character with no code becomes "?"; a surrogate pair is
+/// one character. When `replaced` is given it is set to whether there was a "?" of this kind.
 std::string toCodePage(TextView text, bool* replaced = nullptr);
 
 /// The text of `bytes` in code page 1253. Every byte value has a character, so bytes survive the way there and back.

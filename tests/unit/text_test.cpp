@@ -20,6 +20,20 @@ TEST_F(Utilities, CleanTextTakesAccentsAndSlashesAway) {
   }
 }
 
+TEST_F(Utilities, TheCodePageReplacesMarkedLettersByPlainOnes) {
+  const std::tuple<const char*, const char*, bool> cases[] = {
+      {"Müller Café š Łódź Ñ ÿ ǰ", "Muller Cafe s Lodz N y j", false},
+      {"ƒΏ§½ά", "\x83\xBF\xA7\xBD\xDC", false},
+      {"Àé×", "Ae?", true},
+      {"ßæŒıǱЖ日", "???????", true},
+      {"\U0001F600é", "?e", true}};
+  for (const auto& [text, bytes, isReplaced] : cases) {
+    bool replaced = !isReplaced;
+    EXPECT_EQ(toCodePage(fromUtf8(text), &replaced), bytes);
+    EXPECT_EQ(replaced, isReplaced) << text;
+  }
+}
+
 TEST_F(Utilities, AmountsAndQuantities) {
   const auto written = [](auto format, std::initializer_list<double> values) {
     std::string text;
