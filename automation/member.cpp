@@ -108,11 +108,7 @@ void CallArguments::fill(Slot& slot, const Argument& given, const Parameter& par
   }
   slot.copy = convertedTo(parameter.type, given.missing() ? parameter.defaultValue : given.value());
   slot.variable = inside(slot.copy, kind);
-  // A record is filled in place, so there has to be one.
-  const bool nothingToFill = parameter.byReference && isRecord && std::get<ObjectPtr>(slot.copy) == nullptr;
-  if (nothingToFill || (slot.writeBack && !given.canTake(slot.copy))) {
-    throw AutomationError(AutomationCode::typeMismatch);
-  }
+  if (slot.writeBack && !given.canTake(slot.copy)) throw AutomationError(AutomationCode::typeMismatch);
   if (slot.writeBack) slot.before = slot.copy;
 }
 
@@ -123,10 +119,10 @@ std::vector<Argument> CallArguments::references() const {
   return all;
 }
 
-bool CallArguments::finish(bool completed) {
+bool CallArguments::finish(bool assigned) {
   bool taken = true;
   for (const Slot& slot : slots_) {
-    const bool typeChanges = completed && slot.given.isVariant();
+    const bool typeChanges = assigned && slot.given.isVariant();
     if (slot.writeBack && (typeChanges || slot.copy != slot.before)) taken = slot.given.store(slot.copy) && taken;
   }
   return taken;
@@ -141,7 +137,7 @@ Value Member::invoke(Object& self, Arguments given) const {
     arguments.finish(false);  // what was written before the failure belongs to the caller
     throw;
   }
-  if (!arguments.finish(true)) throw AutomationError(AutomationCode::typeMismatch);
+  if (!arguments.finish(assigns)) throw AutomationError(AutomationCode::typeMismatch);
   return value;
 }
 

@@ -86,11 +86,13 @@ class CallArguments {
   CallArguments(const CallArguments&) = delete;
   CallArguments& operator=(const CallArguments&) = delete;
 
-  /// Argument `i` as the member's parameter type A: a T&, a T, a record's class& or a shared_ptr to a class.
+  /// Argument `i` as the member's parameter type A: a T&, a T, a record's class& or a shared_ptr to a class. Raises
+  /// typeMismatch for a record that is Nothing, which a member can neither read nor fill.
   template <class A>
   decltype(auto) get(std::size_t i) {
     using T = std::remove_reference_t<A>;
     if constexpr (std::derived_from<T, Object>) {
+      if (object(i) == nullptr) throw AutomationError(AutomationCode::typeMismatch, static_cast<int>(i));
       return static_cast<T&>(*object(i));
     } else if constexpr (requires { typename T::element_type; }) {
       return std::static_pointer_cast<typename T::element_type>(object(i));
@@ -103,9 +105,9 @@ class CallArguments {
   std::vector<Argument> references() const;
 
   /// Gives the caller what the member wrote; also to be called when the member failed. What it did not change is left
-  /// as the caller has it, but a variable of any type takes the member's type once the member has run to its end. False
-  /// when a variable could not take its result.
-  bool finish(bool completed);
+  /// as the caller has it, but a variable of any type takes the member's type once the member has `assigned` them all.
+  /// False when a variable could not take its result.
+  bool finish(bool assigned);
 
  private:
   struct Slot {
@@ -131,6 +133,9 @@ struct Member {
   Parameters parameters;
   Type result;
   std::function<Value(Object&, CallArguments&)> implementation;
+  /// False for a member that leaves its variables as they are; no other does, so after it a variable of any type has
+  /// the parameter's type.
+  bool assigns = true;
 
   /// Converts the arguments, runs the member on `self`, an object of the table's class, and gives back what it wrote.
   Value invoke(Object& self, Arguments given) const;

@@ -92,7 +92,7 @@ class Call {
   HRESULT writeBack() {
     HRESULT outcome = S_OK;
     for (std::size_t i = 0; i < arguments_.size(); ++i) {
-      const HRESULT one = arguments_[i].writeBack(completed_ && member_.parameters[i].byReference);
+      const HRESULT one = arguments_[i].writeBack(completed_ && member_.assigns && member_.parameters[i].byReference);
       if (FAILED(one)) outcome = one;
     }
     return outcome;

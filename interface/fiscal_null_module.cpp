@@ -24,6 +24,35 @@ Member refusal(const Contract<Signature>& contract) {
   });
 }
 
+void clear(clsTransTotal& c) {
+  c.VatA = c.VatB = c.VatC = c.VatD = c.VatE = c.receiptTotalAmt = 0;
+  c.receiptNumber = 0;
+}
+
+void clear(clsAccumulator& c) {
+  c.Desc.clear();
+  c.Count = c.Amount = 0;
+}
+
+void clear(clsDailyAcc& c) {
+  c.VatA = c.VatB = c.VatC = c.VatD = c.VatE = c.VatSum = 0;
+  c.LegalReceiptCount = c.illLegalReceiptCount = 0;
+  c.amtVoid = c.amtRefund = c.amtCancel = 0;
+  c.amtPaymentType1 = c.amtPaymentType2 = c.amtPaymentType3 = 0;
+  c.amtDiscount = c.amtMarkUP = 0;
+}
+
+// The row of a read that is refused: the record, where there is one, is left without earlier figures.
+template <class Record>
+Member refusedRead(const Contract<contract::WithRecord<Record>>& contract) {
+  Member row = refusal(contract);
+  row.implementation = [refuse = std::move(row.implementation)](Object& self, CallArguments& arguments) {
+    if (const auto record = arguments.get<std::shared_ptr<Record>>(0)) clear(*record);
+    return refuse(self, arguments);
+  };
+  return row;
+}
+
 template <class... Signatures>
 void refuseAll(ClassBuilder<fiscalNullModule>& table, const Contract<Signatures>&... members) {
   (table.add(refusal(members)), ...);
@@ -42,27 +71,6 @@ void fiscalNullModule::refuse(std::int16_t& Result, Text& Exresult, bool Supress
 Value fiscalNullModule::DisConnect_(Text& /*PORT*/, std::int16_t& Result, Text& /*Exresult*/, bool& /*SupressError_*/) {
   Result = closePort();
   return {};
-}
-
-void fiscalNullModule::transactionTotals(clsTransTotal& c, std::int16_t& Result, Text& Exresult, bool& SupressError_) {
-  c.VatA = c.VatB = c.VatC = c.VatD = c.VatE = c.receiptTotalAmt = 0;
-  c.receiptNumber = 0;
-  refuse(Result, Exresult, SupressError_);
-}
-
-void fiscalNullModule::getSalesPer(clsAccumulator& c, std::int16_t& Result, Text& Exresult, bool& SupressError_) {
-  c.Desc.clear();
-  c.Count = c.Amount = 0;
-  refuse(Result, Exresult, SupressError_);
-}
-
-void fiscalNullModule::getDailyTotals(clsDailyAcc& c, std::int16_t& Result, Text& Exresult, bool& SupressError_) {
-  c.VatA = c.VatB = c.VatC = c.VatD = c.VatE = c.VatSum = 0;
-  c.LegalReceiptCount = c.illLegalReceiptCount = 0;
-  c.amtVoid = c.amtRefund = c.amtCancel = 0;
-  c.amtPaymentType1 = c.amtPaymentType2 = c.amtPaymentType3 = 0;
-  c.amtDiscount = c.amtMarkUP = 0;
-  refuse(Result, Exresult, SupressError_);
 }
 
 std::shared_ptr<clsStatus> fiscalNullModule::StatusRead() {
@@ -86,10 +94,10 @@ const ClassInfo& fiscalNullModule::describe() {
               VoidReceipt, getDate, getTime, getSerialNumber, getHeader, setHeader, getFooter, setFooter, setTempFooter,
               getVatCategories, setVatCategories, sentBitmapData, setReceiptBitmap, setReceiptBitmapSize, settingsRead,
               settingsWrite, setDepartment, setCategory);
-    table.implement(contract::transactionTotals, &Driver::transactionTotals)
-        .implement(getSalesPerDepartment, &Driver::getSalesPer)
-        .implement(getSalesPerCategory, &Driver::getSalesPer)
-        .implement(contract::getDailyTotals, &Driver::getDailyTotals)
+    table.add(refusedRead(transactionTotals))
+        .add(refusedRead(getSalesPerDepartment))
+        .add(refusedRead(getSalesPerCategory))
+        .add(refusedRead(getDailyTotals))
         .implement(contract::StatusRead, &Driver::StatusRead);
     refuseAll(table, printerStatusRead, setVATNumber, setServer, getServer, eftRead, eftWrite, eftTest);
     table.implement(logoLineDescLength, [](Driver& /*self*/) { return std::int16_t{0}; });

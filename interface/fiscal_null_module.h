@@ -1,9 +1,6 @@
 #pragma once
 
-#include "interface/cls_accumulator.h"
-#include "interface/cls_daily_acc.h"
 #include "interface/cls_status.h"
-#include "interface/cls_trans_total.h"
 
 namespace mirvane {
 
@@ -19,9 +16,6 @@ class fiscalNullModule : public ObjectOf<fiscalNullModule> {
 
   /// Closes a port that a device driver left open; never refuses and shows nothing.
   Value DisConnect_(Text& PORT, std::int16_t& Result, Text& Exresult, bool& SupressError_);
-  void transactionTotals(clsTransTotal& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
-  void getSalesPer(clsAccumulator& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
-  void getDailyTotals(clsDailyAcc& c, std::int16_t& Result, Text& Exresult, bool& SupressError_);
   /// The same object on every read.
   std::shared_ptr<clsStatus> StatusRead();
 

@@ -30,6 +30,14 @@ void forwardAs(ClassBuilder<fiscalTrevikModule>& table, std::string_view name, c
   table.add(std::move(row));
 }
 
+// The row of a member that does nothing and leaves every argument as it is.
+template <class Signature>
+Member idle(const Contract<Signature>& contract) {
+  Member row = contract.row([](Object& /*self*/, CallArguments& /*arguments*/) { return Value(); });
+  row.assigns = false;
+  return row;
+}
+
 // How many there are.
 int facades = 0;
 
@@ -59,9 +67,6 @@ std::shared_ptr<clsStatus> fiscalTrevikModule::StatusRead() {
   if (driver == nullptr) return std::make_shared<clsStatus>();
   return std::dynamic_pointer_cast<clsStatus>(convertTo<ObjectPtr>(driver->call("StatusRead")));
 }
-
-void fiscalTrevikModule::setDepartment(std::int16_t& /*depID*/, Text& /*depDescription*/, std::int16_t& /*depCategory*/,
-                                       std::int16_t& /*Result*/, Text& /*Exresult*/, bool& /*SupressError_*/) {}
 
 std::shared_ptr<clsEFT> fiscalTrevikModule::clsEFTpos() {
   if (eftpos_ == nullptr) eftpos_ = std::make_shared<clsEFT>();
@@ -94,7 +99,7 @@ const ClassInfo& fiscalTrevikModule::describe() {
             settingsRead, settingsWrite, eftRead);
     forwardAs(table, "eftSet", eftWrite);
     forward(table, eftTest, eftdel);
-    table.implement(contract::setDepartment, &Facade::setDepartment);
+    table.add(idle(setDepartment));
     forward(table, setCategory, transactionTotals, getSalesPerDepartment, getSalesPerCategory, getDailyTotals);
     table.implement(contract::StatusRead, &Facade::StatusRead);
     forward(table, printerStatusRead, setVATNumber);

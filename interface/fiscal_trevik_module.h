@@ -31,10 +31,6 @@ class fiscalTrevikModule : public ObjectOf<fiscalTrevikModule> {
   /// The state that the current driver knows; a new record, and no driver selected, while none is current.
   std::shared_ptr<clsStatus> StatusRead();
 
-  /// Does nothing and leaves every argument as it is.
-  void setDepartment(std::int16_t& depID, Text& depDescription, std::int16_t& depCategory, std::int16_t& Result,
-                     Text& Exresult, bool& SupressError_);
-
   /// A card terminal record of this object's own, the same on every read.
   std::shared_ptr<clsEFT> clsEFTpos();
 

@@ -59,6 +59,34 @@ TEST_F(Facade, ProbesInOrderWithoutAWord) {
   }
 }
 
+TEST_F(Facade, SetDepartmentLeavesTheVariablesAsTheyAre) {
+  std::vector<Value> variables = {Long{5}, Value(), 7.5, Value(), Short{3}, Value()};
+  const std::vector<Value> before = variables;
+  std::vector<Argument> arguments;
+  for (Value& variable : variables) arguments.emplace_back(Reference(&variable));
+  EXPECT_EQ(facade->invoke("setDepartment", ClassInfo::Access::call, arguments), Value());
+  EXPECT_EQ(variables, before);
+}
+
+TEST_F(Facade, ARecordThatIsNothingIsRefusedByTheDriverThereIs) {
+  for (const bool isConnected : {false, true}) {
+    if (isConnected) run(*facade, "Connect_", u"COM1");
+    const auto sent = serial.sent.size();
+    int reads = 0;
+    for (const Member& member : facade->classInfo().members()) {
+      if (member.parameters.empty() || member.parameters[0].type.kind != TypeKind::object) continue;
+      if (member.name == "eftdel") continue;  // not of every driver
+      ++reads;
+      const auto error = errorOf([&] { run(*facade, member.name, ObjectPtr()); });
+      EXPECT_EQ(error, isConnected ? kTypeMismatch : 0) << member.name;
+      EXPECT_EQ(outcome(), isConnected ? "77 before" : "100 " + kWrongDevice) << member.name;
+    }
+    EXPECT_EQ(reads, 9);
+    EXPECT_EQ(serial.sent.size(), sent);
+    releaseDriver();
+  }
+}
+
 TEST_F(Facade, DisconnectingReleasesTheDriverAndKeepsTheType) {
   run(*facade, "Connect_", u"COM1");
   run(*facade, "DisConnect_", u"COM1");

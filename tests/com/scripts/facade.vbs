@@ -13,7 +13,8 @@ Unselected
 WScript.Echo "ok"
 
 Sub Selected
-  Dim status
+  Dim status, moment
+  moment = CDate(3)
   ' Neither of the two selects a driver, or Connect_ would be refused.
   Expect "getFiscalType at first", CLng(0), module.getFiscalType
   Expect "StatusRead at first is the same", False, module.StatusRead Is module.StatusRead
@@ -28,6 +29,10 @@ Sub Selected
   Result = 7: Exresult = "as before"
   module.setDepartment 7, "Ποτά", 7, Result, Exresult, Suppress
   Expect "setDepartment, which does nothing", "7 as before", Result & " " & Exresult
+  Result = Empty: Exresult = CCur(3)
+  module.setDepartment moment, Exresult, Exresult, Result, Exresult, Suppress
+  Expect "what it leaves of the variables", "Empty Currency Date", _
+    TypeName(Result) & " " & TypeName(Exresult) & " " & TypeName(moment)
   Expect "clsEFTpos is the same", True, module.clsEFTpos Is module.clsEFTpos
 End Sub
 
