@@ -23,17 +23,20 @@ class WaitDialog final : public Window {
       : text_(std::move(text)), tick_(tick), owner_(GetActiveWindow()) {
     const std::wstring caption = toWide(text_.caption);
     const RECT area = make({L"MirvaneWait", caption.c_str(), CS_HREDRAW | CS_VREDRAW | CS_NOCLOSE,
-                            WS_POPUP | WS_CAPTION, WS_EX_DLGMODALFRAME},
+                            WS_POPUP | WS_CAPTION | WS_CLIPCHILDREN, WS_EX_DLGMODALFRAME},
                            owner_);
     if (window() == nullptr) return;
     const int width = scaled(kWidth);
     const int height = scaled(kHeight);
     SetWindowPos(window(), HWND_TOPMOST, (area.left + area.right - width) / 2, (area.top + area.bottom - height) / 2,
                  width, height, SWP_NOACTIVATE);
-    makeRoom();
+    addLabel(kWaitStateId);
+    addLabel(kWaitMessageId);
+    setFonts();
+    arrange();
     SetTimer(window(), kTimer, kSecond, nullptr);
     ShowWindow(window(), SW_SHOW);
-    UpdateWindow(window());
+    paintNow();
   }
   WaitDialog(const WaitDialog&) = delete;
   WaitDialog& operator=(const WaitDialog&) = delete;
@@ -54,17 +57,31 @@ class WaitDialog final : public Window {
 
  private:
   LRESULT handle(UINT message, WPARAM first, LPARAM second) override {
-    if (message != WM_TIMER) return Window::handle(message, first, second);
-    // The operator moves the window: the system's own loop runs until the button is released, and has to end with the
-    // wait.
-    tickWhenDue();
-    if (over_) SendMessageW(window(), WM_CANCELMODE, 0, 0);
-    return 0;
+    switch (message) {
+      case WM_TIMER:
+        // The operator moves the window: the system's own loop runs until the button is released, and has to end with
+        // the wait.
+        tickWhenDue();
+        if (over_) SendMessageW(window(), WM_CANCELMODE, 0, 0);
+        return 0;
+      case WM_SIZE:
+        if (GetDlgItem(window(), kWaitMessageId) != nullptr) arrange();
+        return 0;
+      case WM_CTLCOLORSTATIC: {
+        const auto dc = reinterpret_cast<HDC>(first);
+        SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
+        SetBkColor(dc, GetSysColor(COLOR_BTNFACE));
+        return reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_BTNFACE));
+      }
+      default:
+        return Window::handle(message, first, second);
+    }
   }
 
   void resolutionChanged() override {
     stateFont_ = font(L"Segoe UI", 11, VARIABLE_PITCH | FF_SWISS);
     messageFont_ = font(L"Segoe UI", 15, VARIABLE_PITCH | FF_SWISS);
+    setFonts();
   }
 
   // A tick takes as long as the device lets it wait, and may itself dispatch messages.
@@ -81,53 +98,68 @@ class WaitDialog final : public Window {
     ticking_ = false;
     due_ = GetTickCount64() + kSecond;
     if (over_ || window() == nullptr) return;
-    makeRoom();
+    arrange();
     // Above other topmost windows too, which have come to the front meanwhile.
     SetWindowPos(window(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    InvalidateRect(window(), nullptr, FALSE);
-    UpdateWindow(window());
+    paintNow();
   }
 
-  // For a long message the window grows. It does not shrink again: what jumps is hard to read.
-  void makeRoom() const {
+  // A control of the system's own, which screen readers and test tools can read.
+  void addLabel(int id) const {
+    CreateWindowExW(0, L"STATIC", nullptr, WS_CHILD | WS_VISIBLE | SS_LEFT | SS_NOPREFIX | SS_EDITCONTROL, 0, 0, 0, 0,
+                    window(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ownModule(), nullptr);
+  }
+
+  void setFonts() const {
+    SendDlgItemMessageW(window(), kWaitStateId, WM_SETFONT, reinterpret_cast<WPARAM>(stateFont_.get()), FALSE);
+    SendDlgItemMessageW(window(), kWaitMessageId, WM_SETFONT, reinterpret_cast<WPARAM>(messageFont_.get()), FALSE);
+  }
+
+  // Gives the labels their texts and places them one below the other, in the middle of the window. For a long message
+  // the window grows. It does not shrink again: what jumps is hard to read.
+  void arrange() {
     RECT client;
-    RECT place;
     GetClientRect(window(), &client);
-    GetWindowRect(window(), &place);
+    const int margin = scaled(kMargin);
+    const int width = static_cast<int>(client.right) - 2 * margin;
+    const int stateHeight = heightOf(text_.state, stateFont_, width);
+    const int messageHeight = heightOf(text_.message, messageFont_, width);
+    const int height = stateHeight + margin / 2 + messageHeight;
+    const int missing = height + 2 * margin - static_cast<int>(client.bottom);
+    if (missing > 0) {
+      RECT place;
+      GetWindowRect(window(), &place);
+      SetWindowPos(window(), nullptr, place.left, place.top - missing / 2, place.right - place.left,
+                   place.bottom - place.top + missing, SWP_NOZORDER | SWP_NOACTIVATE);
+      GetClientRect(window(), &client);
+    }
+    const int top = (static_cast<int>(client.bottom) - height) / 2;
+    place(kWaitStateId, text_.state, {margin, top, margin + width, top + stateHeight});
+    place(kWaitMessageId, text_.message, {margin, top + height - messageHeight, margin + width, top + height});
+  }
+
+  int heightOf(const Text& text, const Font& font, int width) const {
     const HDC dc = GetDC(window());
-    const int missing = layOut(dc, client, DT_CALCRECT) - static_cast<int>(client.bottom);
+    const HGDIOBJ before = SelectObject(dc, font.get());
+    RECT place{0, 0, width, 0};
+    DrawTextW(dc, toWide(text).c_str(), -1, &place,
+              DT_CALCRECT | DT_NOPREFIX | DT_WORDBREAK | DT_EDITCONTROL | DT_EXPANDTABS);
+    SelectObject(dc, before);
     ReleaseDC(window(), dc);
-    if (missing <= 0) return;
-    SetWindowPos(window(), nullptr, place.left, place.top - missing / 2, place.right - place.left,
-                 place.bottom - place.top + missing, SWP_NOZORDER | SWP_NOACTIVATE);
+    return place.bottom;
   }
 
-  void draw(HDC dc, RECT client) const override {
-    FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
-    SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
-    OffsetRect(&client, 0, (client.bottom - layOut(dc, client, DT_CALCRECT)) / 2);
-    layOut(dc, client, 0);
+  void place(int id, const Text& text, const RECT& area) const {
+    const HWND label = GetDlgItem(window(), id);
+    SetWindowPos(label, nullptr, area.left, area.top, area.right - area.left, area.bottom - area.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
+    SetWindowTextW(label, toWide(text).c_str());
   }
 
-  // Draws the two labels, or with DT_CALCRECT only measures them; the height that they take.
-  int layOut(HDC dc, RECT area, UINT flags) const {
-    InflateRect(&area, -scaled(kMargin), -scaled(kMargin));
-    const auto label = [&](const Font& font, const Text& text) {
-      const std::wstring wide = toWide(text);
-      const HGDIOBJ before = SelectObject(dc, font.get());
-      RECT place = area;
-      flags |= DT_NOPREFIX | DT_WORDBREAK | DT_EDITCONTROL;
-      DrawTextW(dc, wide.c_str(), static_cast<int>(wide.size()), &place, flags | DT_CALCRECT);
-      place.right = area.right;
-      if ((flags & DT_CALCRECT) == 0) DrawTextW(dc, wide.c_str(), static_cast<int>(wide.size()), &place, flags);
-      SelectObject(dc, before);
-      area.top = place.bottom + scaled(kMargin) / 2;
-    };
-    label(stateFont_, text_.state);
-    label(messageFont_, text_.message);
-    return area.top + scaled(kMargin) / 2;
-  }
+  // At once, as the next look at the device may take long.
+  void paintNow() const { RedrawWindow(window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN); }
+
+  void draw(HDC dc, RECT client) const override { FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE)); }
 
   WaitText text_;
   const std::function<bool(WaitText&)>& tick_;

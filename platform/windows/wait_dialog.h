@@ -4,6 +4,10 @@
 
 namespace mirvane::platform {
 
+/// The controls of the window that hold WaitText::state and WaitText::message.
+constexpr int kWaitStateId = 101;
+constexpr int kWaitMessageId = 102;
+
 /// The window of Screen::waitWhile.
 void runWaitDialog(WaitText text, const std::function<bool(WaitText&)>& tick);
 

@@ -1,14 +1,13 @@
-// Waits for a message box and prints its title, its text and, when it stays above all windows, "topmost".
+// Waits for a window and prints its title, the texts of its controls and, when it stays above all windows, "topmost".
+// box-text [CLASS ID...]: without arguments it is a message box and its text.
 
 #include <windows.h>
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace {
-
-constexpr const wchar_t* kDialog = L"#32770";
-constexpr int kTextId = 0xFFFF;
 
 std::string utf8(HWND window) {
   wchar_t text[1000];
@@ -20,13 +19,16 @@ std::string utf8(HWND window) {
 
 }  // namespace
 
-int main() {
+int main(int count, char** arguments) {
+  std::vector<std::string> words(arguments + 1, arguments + count);
+  if (words.empty()) words = {"#32770", "65535"};
   for (int tries = 0; tries < 200; ++tries, Sleep(100)) {
-    const HWND box = FindWindowW(kDialog, nullptr);
-    const HWND text = box == nullptr || IsWindowVisible(box) == FALSE ? nullptr : GetDlgItem(box, kTextId);
-    if (text == nullptr) continue;
+    const HWND box = FindWindowA(words[0].c_str(), nullptr);
+    if (box == nullptr || IsWindowVisible(box) == FALSE) continue;
+    std::string line = utf8(box);
+    for (std::size_t i = 1; i < words.size(); ++i) line += "|" + utf8(GetDlgItem(box, std::stoi(words[i])));
     const bool topmost = (GetWindowLongW(box, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
-    std::printf("%s|%s|%s\n", utf8(box).c_str(), utf8(text).c_str(), topmost ? "topmost" : "");
+    std::printf("%s|%s\n", line.c_str(), topmost ? "topmost" : "");
     return 0;
   }
   return 1;

@@ -1,16 +1,17 @@
-# Looks at the window, as it is at first and when it waits for the card, and tries to close it.
-caption='^Μήνυμα Ταμειακής \(Varlen Fiscal\)$'
+# Reads the labels of the window, as it is at first and when it waits for the card, and tries to close it.
+title='Μήνυμα Ταμειακής (Varlen Fiscal)' caption='^Μήνυμα Ταμειακής \(Varlen Fiscal\)$'
 gone() { ! find_window "$caption"; }
-inside() { import -window "$window" "$1:-"; }
-changed() { [[ $(inside rgb | md5sum) != "$before" ]]; }
+shows() {
+  read=$(in_wine "$(windows_path "$repo/build/win32/tests/box-text.exe")" MirvaneWait 101 102 2>/dev/null | tr -d '\r')
+  [[ $read == "$title|$1|topmost" ]]
+}
 await_window "$caption"
-sleep 0.5
-(($(inside png | identify -format %k -) > 2)) || die "nothing is written in the window"
-before=$(inside rgb | md5sum)
+shows 'Κατάσταση [14]|Απασχολημένο σε άλλη λειτουργία' || die "the window reads \"$read\""
 picture busy
 press Return
 press Escape
-await 10 changed || die "the window does not tell about the card"
+await 10 shows 'Αναμονή EFTPOS[158]|Πληρωμή EFTPOS σε εξέλιξη..' || die "the window does not tell about the card: \"$read\""
+(($(import -window "$window" png:- | identify -format %k -) > 2)) || die "nothing is written in the window"
 picture card
 press Return
 press alt+F4

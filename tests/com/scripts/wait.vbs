@@ -1,4 +1,4 @@
-' emulator: --fault "on 3/S busy 14" --fault "on ?/ 3 busy 14" --fault "on ?/ 3 code 158"
+' emulator: --fault "on 3/S busy 14" --fault "on ?/ 3 busy 14" --fault "on ?/ 6 code 158"
 ' A busy register, then one with a card payment under way: the operator reads both in one window, which wait.sh looks at
 ' and cannot close; the line is sold once.
 Option Explicit
