@@ -7,7 +7,7 @@
 //
 // This file is kept in UTF-8. Script hosts read the ANSI code page: on a Greek machine save a copy in code page 1253
 // before running it (iconv -f UTF-8 -t CP1253).
-var port = WScript.Arguments.length > 0 ? WScript.Arguments(0) : "COM5";
+var port = WScript.Arguments.length > 0 ? WScript.Arguments(0) : "COM1";
 var secondGeneration = 3;  // FISCAL_VARLENFISCAL2
 
 var module = new ActiveXObject("VarlenFiscalQ7734.fiscalTrevikModule");

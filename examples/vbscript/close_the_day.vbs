@@ -1,4 +1,4 @@
-' Closing the day: X report, Z report, its journal. emulator: --fault "on A/ 3 code 134"
+' Closing the day: X report, Z report, its journal. emulator: --fault "on A/ 4 code 134"
 '
 '   cscript //nologo close_the_day.vbs [port]
 '
@@ -9,7 +9,7 @@ Option Explicit
 Dim module, port, Result, Exresult, Suppress
 Suppress = True
 
-port = "COM5"
+port = "COM1"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
 module.Connect_ port, Result, Exresult, Suppress
@@ -24,7 +24,7 @@ Check "issueXReport"
 
 ' The tests' register cannot write its journal at first, as the first line tells.
 If Not DayClosed Then
-  WScript.Echo "the day is still open: look at the register, then once more"
+  WScript.Echo "the day is still open: " & Reason & "; look at the register, then once more"
   If Not DayClosed Then Check "issueZReport"
 End If
 ShowJournal "c:\bbox"
@@ -46,6 +46,14 @@ Function DayClosed
   If Err.Number <> 0 Then Result = Untouched
   DayClosed = Result = 0
   If Not DayClosed Then WScript.Echo Result & " " & Exresult
+End Function
+
+' Takes the journal alone, which prints no Z report, and tells why it cannot.
+Function Reason
+  Dim journal, why
+  Set journal = CreateObject("VarlenFiscalQ7734.FiscalJournal")
+  Reason = "the journal is ready now"
+  If journal.eMakeZreport(why, True, False) <> 0 Then Reason = why
 End Function
 
 Sub ShowJournal(folder)

@@ -13,7 +13,7 @@ Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
 ' A port that this machine does not have, to show what a till sees then.
 If Connected("COM99") Then Fail "COM99 is not expected to be there"
 
-port = "COM5"
+port = "COM1"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 ShowRegister port
 ' The register may be on the network as well.

@@ -9,7 +9,7 @@ Option Explicit
 Dim module, port, Result, Exresult, Suppress
 Suppress = True
 
-port = "COM5"
+port = "COM1"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
 module.Connect_ port, Result, Exresult, Suppress
@@ -20,6 +20,7 @@ module.ItemSale "Καφές", 2, 1.80, 24, 1, Result, Exresult, Suppress
 Check "ItemSale"
 ' The tests' terminal declines the first payment, as the first line tells.
 If Not PaidByCard(3.60) Then
+  ShowRemaining
   WScript.Echo "another card"
   If Not PaidByCard(3.60) Then Check "Payment"
 End If
@@ -51,6 +52,17 @@ Function PaidByCard(amount)
   PaidByCard = Result = 0 And Not module.StatusRead.isTransactionOpen
   If Result <> 0 Then WScript.Echo Result & " " & Exresult
 End Function
+
+' The answer is "00/00/06/", behind it what remains, the change and what is paid, each with "/". When the printer needs
+' somebody, its words stand there in place of the answer.
+Sub ShowRemaining
+  Dim fields, Pass
+  module.SendCommand_ "5/99/1/1/1/", Result, Exresult, Suppress, Pass
+  Check "SendCommand_"
+  fields = Array()
+  If Result = 0 Then fields = Split(Exresult, "/")
+  If UBound(fields) >= 5 Then WScript.Echo "remaining " & fields(3) & ", paid " & fields(5)
+End Sub
 
 Sub Check(step_)
   If Result = 0 Then Exit Sub

@@ -9,7 +9,7 @@ Option Explicit
 Dim module, port, Result, Exresult, Suppress
 Suppress = True
 
-port = "COM5"
+port = "COM1"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
 module.Connect_ port, Result, Exresult, Suppress
