@@ -26,18 +26,20 @@ Text stored(Text url) {
 }
 
 // The device's answer about the server: active, data URL, port, key, three empty fields and QR URL, from the third
-// piece on. A device that gives the URLs back with "/" inside makes more pieces of it; the data URL then ends in
-// ".php".
+// piece on. A device that gives the URLs back with "/" inside makes more pieces of it: the data URL then ends with the
+// first one that ends in ".php" and has a port behind it. Where there is none, it is one piece.
 struct ServerReply {
   static constexpr std::size_t kActive = 3;
   static constexpr std::size_t kUrl = 4;
-  static constexpr std::size_t kPieces = 12;  // with no "/" inside, and nothing behind the last one
 
   explicit ServerReply(const Text& reply) : pieces(split(reply, u'/')) {
-    if (pieces.size() > kPieces) {
-      const auto isScript = [](const Text& piece) { return piece.ends_with(u".php"); };
-      const auto script = std::find_if(pieces.begin() + kUrl, pieces.end(), isScript);
-      if (script != pieces.end()) port = static_cast<std::size_t>(script - pieces.begin()) + 1;
+    const auto isNumber = [](TextView piece) {
+      return !piece.empty() && piece.find_first_not_of(u"0123456789") == TextView::npos;
+    };
+    for (std::size_t i = kUrl; i + 1 < pieces.size(); ++i) {
+      if (!pieces[i].ends_with(u".php") || !isNumber(pieces[i + 1])) continue;
+      port = i + 1;
+      break;
     }
     if (pieces.size() < port + 3) throw AutomationError(AutomationCode::badIndex);
   }

@@ -13,20 +13,14 @@
 namespace mirvane {
 namespace {
 
-constexpr std::int16_t kBusy = 14;
-constexpr std::int16_t kBusyWithTaxAuthority = 146;
-constexpr std::int16_t kCardPaymentInProgress = 158;
-
 // Codes that the printer status byte stands for.
 constexpr int kDeviceStatus = 254;
 constexpr int kDeviceError = 255;
 
-// Whether the device reports a card transaction under way because it took this very command: a card payment, a payment
-// that names a terminal, or the test of a terminal. Any other command only met that state and was not carried out.
-bool startsCardTransaction(TextView command) {
-  constexpr std::size_t kTerminal = 5;  // the field's position in a payment
-  if (moduleState().cardPaymentUnderWay || command.starts_with(u"E/2/")) return true;
-  return command.starts_with(u"5/") && !pieceAt(split(command, u'/'), kTerminal).empty();
+// Whether a command pays, or starts a card terminal: the card payment under way may be its own. Any other command only
+// met that state and was not carried out; so did the question about what remains to pay.
+bool couldPay(TextView command) {
+  return command.starts_with(u"E/2/") || (command.starts_with(u"5/") && !command.starts_with(u"5/99/"));
 }
 
 // A status byte as eight binary digits, the most significant first.
@@ -89,32 +83,32 @@ void FiscalVarlenModule2::report(std::int16_t Result, const Text& Exresult, bool
 void FiscalVarlenModule2::SendCommand_(Text& CmdString, std::int16_t& Result, Text& Exresult, bool& SupressError_,
                                        Text& /*Pass*/, std::int16_t& timeOut) {
   // A copy: the caller may have given one variable for the command and for the outcome.
-  Text command = CmdString;
-  bool retry = false;
-  do {
+  Text command(trim(CmdString));
+  bool silent = SupressError_;
+  bool metCardPayment = false;
+  for (;;) {
     Result = 0;
     Exresult.clear();
     Text noPass;
-    // The box about unknown characters comes once, not again for the same command sent again.
-    bool silent = SupressError_ || retry;
     Send_(command, Result, Exresult, silent, noPass, timeOut);
     if (Result == 0) return;
     std::int16_t code = Result;
-    if (!convertTo<bool>(currentDriver()->call("isErrorFixable", code))) {
-      report(Result, Exresult, SupressError_);
-      return;
-    }
+    const bool isCardPayment = code == kCardPaymentInProgress;
+    // A card payment that is met again after its end is another's, or none that ends.
+    if ((isCardPayment && metCardPayment) || !convertTo<bool>(currentDriver()->call("isErrorFixable", code))) break;
     // From within another wait there is no outcome of this command's own.
-    if (showDeviceWaitDialog(Result, Exresult)) {
-      Result = lastResult;
-      Exresult = lastexResult;
-    }
-    if (Result != 0) {
-      report(Result, Exresult, SupressError_);
-      return;
-    }
-    retry = bShouldRetry(code) || (code == kCardPaymentInProgress && !startsCardTransaction(command));
-  } while (retry);
+    if (!showDeviceWaitDialog(Result, Exresult)) break;
+    Result = lastResult;
+    Exresult = lastexResult;
+    if (Result != 0) break;
+    // What could have been this very command must never go out twice: the card could be charged twice.
+    if ((isCardPayment || waitSawCardPayment_) && couldPay(command)) return;
+    if (!isCardPayment && !bShouldRetry(code)) return;
+    metCardPayment = metCardPayment || isCardPayment;
+    // The box about unknown characters comes once, not again for the same command sent again.
+    silent = true;
+  }
+  report(Result, Exresult, SupressError_);
 }
 
 void FiscalVarlenModule2::send(const Text& command, std::int16_t& Result, Text& Exresult, bool& SupressError_,

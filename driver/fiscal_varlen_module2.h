@@ -46,8 +46,9 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
 
   /// Frames and sends one command and takes its reply: Result is the device's code, or less than 0 for a failed link,
   /// and Exresult the reply or its meaning. `timeOut` is how many seconds the device may take before a serial exchange
-  /// is repeated. Returns the reply, empty when there was none. Shows no box of its own but, when SupressError_ is
-  /// False, the one about characters that the device does not know; the network endpoint shows its boxes to everybody.
+  /// is repeated. A command that only asks is sent again when the reply tells nothing, three times in all. Returns the
+  /// reply, empty when there was none. Shows no box of its own but, when SupressError_ is False, the one about
+  /// characters that the device does not know; the network endpoint shows its boxes to everybody.
   Text Send_(Text& command, std::int16_t& Result, Text& Exresult, bool& SupressError_, Text& Pass,
              std::int16_t& timeOut);
 
@@ -175,9 +176,10 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
 
   std::string exchangeSerial(const std::string& frame, std::int16_t& Result, Text& Exresult, std::int16_t timeOut);
   bool exchangeNetwork(const std::string& frame, std::int16_t& Result, Text& Exresult, std::string& reply);
+  std::string answerToEnquiry();
   std::string collectDatagrams();
   bool waitForDatagram(double seconds);
-  Text complete(const std::string& reply, std::int16_t& Result, Text& Exresult);
+  Text complete(std::int16_t& Result, Text& Exresult);
   bool writeBytes(const std::string& bytes);
   std::string readBytes();
 
@@ -191,10 +193,12 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
   void itemLine(TextView code, const Text& itemDesc, double itemQuan, double itemUnitPrice, double itemVatRate,
                 std::int16_t itemDep, std::int16_t& Result, Text& Exresult, bool& SupressError_,
                 const Text& itemComment, std::int16_t itemCategory);
+  bool isPaid(std::int16_t& Result, Text& Exresult, bool& SupressError_);
   void cashDocument(TextView code, double amount, const Text& description, std::int16_t& Result, Text& Exresult,
                     bool& SupressError_);
 
   bool journalStepFails(Text& message);
+  static void tellJournalFailure(const Text& message, std::int16_t& Result, Text& Exresult);
   bool journalIsTaken(Text& message);
 
   void read(const Text& command, const Outcome& outcome, const std::function<void(const ReplyFields&)>& fill);
@@ -212,6 +216,8 @@ class FiscalVarlenModule2 : public ObjectOf<FiscalVarlenModule2> {
   std::shared_ptr<FiscalJournal> journal_;
   /// The last one read from this device.
   Text serialNumber_;
+  /// Whether the last wait for the device saw a card payment under way.
+  bool waitSawCardPayment_ = false;
 };
 
 }  // namespace mirvane

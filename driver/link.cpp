@@ -3,6 +3,7 @@
 
 #include "driver/fiscal_varlen_module2.h"
 #include "driver/hex.h"
+#include "driver/reply_fields.h"
 #include "driver/result_codes.h"
 #include "driver/wire.h"
 #include "interface/c_port_prop.h"
@@ -24,8 +25,11 @@ constexpr double kLongestDrain = 1;                              // seconds
 constexpr double kRepeatAfter = 10;         // seconds until an unanswered serial command is repeated
 constexpr double kNetworkAnswerWithin = 1;  // seconds for the first datagram
 constexpr int kNetworkAttempts = 4;
-constexpr double kNextDatagramWithin = 0.02;
-constexpr double kReplyWithin = 5;  // seconds after the device's ACK
+constexpr double kReplyBeginsWithin = 0.02;  // after the ACK, before the link pauses
+constexpr double kNextDatagramWithin = 0.3;  // of a reply that has begun
+constexpr double kReplyWithin = 5;           // seconds after the device's ACK
+constexpr int kQuestionAttempts = 3;
+constexpr std::string_view kAcknowledgements = "\x06\x15";  // ACK, NAK
 
 platform::Clock& clock() { return moduleState().platform->clock; }
 platform::SerialPort& serial() { return moduleState().platform->serial; }
@@ -52,6 +56,38 @@ std::string frameOf(const std::string& command) {
   const unsigned checksum = sum % 100;
   return wire::kStx + command + static_cast<char>('0' + checksum / 10) + static_cast<char>('0' + checksum % 10) +
          wire::kEtx;
+}
+
+// Whether a command only asks, so that it may be asked again. Whatever moves something on, as reading the journal does,
+// does not.
+bool onlyAsks(TextView command) {
+  constexpr std::array<TextView, 11> kWhole = {u"?/", u"v/", u"9/", u"0/", u"a/",  u"t/",
+                                               u"h/", u"{/", u"e/", u"s/", u",/0/"};
+  constexpr std::array<TextView, 4> kBegin = {u"5/99/", u"D/", u"k/", u"E/0/"};
+  return std::find(kWhole.begin(), kWhole.end(), command) != kWhole.end() ||
+         std::any_of(kBegin.begin(), kBegin.end(), [&](TextView begin) { return command.starts_with(begin); });
+}
+
+// A reply begins at the last STX with a result and status bytes behind it: what stands before is the rest of an attempt
+// that was cut off, or noise. With no such STX it is all that came.
+TextView replyIn(TextView received) {
+  for (std::size_t end = received.size(); end > 0;) {
+    const std::size_t at = received.rfind(wire::kStx, end - 1);
+    if (at == TextView::npos) break;
+    if (hasStatus(received.substr(at + 1))) return received.substr(at);
+    end = at;
+  }
+  return received;
+}
+
+// A frame that began and did not end, which a network lets through.
+bool isCut(TextView reply) { return reply.starts_with(wire::kStx) && !reply.ends_with(wire::kEtx); }
+
+Text withoutControls(TextView reply) {
+  Text clean(reply);
+  std::erase_if(clean,
+                [](char16_t c) { return c == wire::kStx || c == wire::kEtx || c == wire::kNak || c == wire::kAck; });
+  return clean;
 }
 
 void append(std::string& reply, const std::string& chunk) {
@@ -114,8 +150,9 @@ std::string FiscalVarlenModule2::readBytes() {
 
 Text FiscalVarlenModule2::Send_(Text& command, std::int16_t& Result, Text& Exresult, bool& SupressError_,
                                 Text& /*Pass*/, std::int16_t& timeOut) {
+  const Text sent(trim(command));
   bool replaced = false;
-  const std::string frame = frameOf(commandBytes(trim(command), replaced));
+  const std::string frame = frameOf(commandBytes(sent, replaced));
   const auto isOpen = [] { return moduleState().portHandle > 0; };
   if (isOpen() && replaced && !SupressError_) {
     moduleState().platform->screen.messageBox(u"INVALID CHARACTERS", platform::kInformationSystemModal,
@@ -128,13 +165,28 @@ Text FiscalVarlenModule2::Send_(Text& command, std::int16_t& Result, Text& Exres
     return {};
   }
   clearBuffer();
-  std::string reply;
-  if (!portProp().tcpPort) {
-    reply = exchangeSerial(frame, Result, Exresult, timeOut);
-  } else if (!exchangeNetwork(frame, Result, Exresult, reply)) {
-    return {};
+  for (int attempt = 1;; ++attempt) {
+    std::string received;
+    if (!portProp().tcpPort) {
+      received = exchangeSerial(frame, Result, Exresult, timeOut);
+    } else if (!exchangeNetwork(frame, Result, Exresult, received)) {
+      return {};
+    }
+    const Text buffer = fromCodePage(received);
+    const TextView reply = replyIn(buffer);
+    lastReply_ = withoutControls(reply);
+    if (!portProp().tcpPort) trace(u" reply     ", lastReply_);
+    // What a piece of the journal lacks is lost: the device has moved on.
+    const bool lacksPiece = isCut(reply) && sent == u"Q/";
+    const bool lacksAnswer = (isCut(reply) || !hasStatus(lastReply_)) && onlyAsks(sent);
+    if (!lacksPiece && !lacksAnswer) return complete(Result, Exresult);
+    clearBuffer();
+    if (lacksPiece || attempt == kQuestionAttempts) break;
   }
-  return complete(reply, Result, Exresult);
+  lastReply_.clear();
+  Result = kNoAnswer;
+  Exresult = kNoAnswerText;
+  return {};
 }
 
 // Repeats the whole exchange every ten seconds once the time-out has passed, for as long as it takes: a command may
@@ -178,12 +230,13 @@ bool FiscalVarlenModule2::exchangeNetwork(const std::string& frame, std::int16_t
     Result = 0;
     writeBytes({wire::kEnq});
     clock().sleep(50);
-    writeBytes(frame);
+    std::string first = answerToEnquiry();
+    if (first != std::string{wire::kNak}) writeBytes(frame);
     // A datagram that cannot be read, or an empty one, is no answer either.
-    const std::string first = waitForDatagram(kNetworkAnswerWithin) ? readBytes() : std::string();
+    if (first.empty() && waitForDatagram(kNetworkAnswerWithin)) first = readBytes();
     if (first.empty()) {
       Result = kNoAnswer;
-      Exresult = u"H ταμειακή δεν Απαντά!";
+      Exresult = kNoAnswerText;
       continue;
     }
     if (first.starts_with(wire::kNak)) {
@@ -201,16 +254,29 @@ bool FiscalVarlenModule2::exchangeNetwork(const std::string& frame, std::int16_t
   return false;
 }
 
+// Some registers acknowledge the ENQ, others the frame. Whatever else is there before the frame goes out is a late
+// answer to an earlier command. The ACK or the NAK; empty when there is none.
+std::string FiscalVarlenModule2::answerToEnquiry() {
+  std::string answer;
+  while (availData()) {
+    const std::string datagram = readBytes();
+    if (datagram.empty()) break;
+    if (datagram.front() == wire::kAck || datagram.front() == wire::kNak) answer = datagram.front();
+  }
+  return answer;
+}
+
 std::string FiscalVarlenModule2::collectDatagrams() {
   const Stopwatch time;
   const double acknowledged = time.now();
   std::string reply;
   for (;;) {
+    const auto hasBegun = [&reply] { return reply.find_first_not_of(kAcknowledgements) != std::string::npos; };
     while (!reply.ends_with(wire::kEtx) && reply.size() < kReplyLimit - kForgottenAtOnce &&
-           waitForDatagram(kNextDatagramWithin)) {
+           waitForDatagram(hasBegun() ? kNextDatagramWithin : kReplyBeginsWithin)) {
       append(reply, readBytes());
     }
-    if (!reply.empty() && reply != std::string{wire::kNak}) return reply;
+    if (hasBegun()) return reply;
     reply.clear();
     clock().sleep(500);
     if (time.now() - acknowledged > kReplyWithin) return reply;
@@ -226,16 +292,12 @@ bool FiscalVarlenModule2::waitForDatagram(double seconds) {
   return false;
 }
 
-Text FiscalVarlenModule2::complete(const std::string& reply, std::int16_t& Result, Text& Exresult) {
-  std::string clean = reply;
-  std::erase_if(clean, [](char c) { return c == wire::kStx || c == wire::kEtx || c == wire::kNak || c == wire::kAck; });
-  lastReply_ = fromCodePage(clean);
+// Takes the outcome from the last reply.
+Text FiscalVarlenModule2::complete(std::int16_t& Result, Text& Exresult) {
   Exresult = lastReply_;
-  const bool isSerial = !portProp().tcpPort;
-  if (isSerial) trace(u" reply     ", lastReply_);
   Result = static_cast<std::int16_t>(hexValue(trim(TextView(lastReply_).substr(0, 2))));
   decodeReply(Exresult);
-  if (isSerial) trace(u" exres     ", Exresult);
+  if (!portProp().tcpPort) trace(u" exres     ", Exresult);
   clearBuffer();
   return lastReply_;
 }

@@ -26,6 +26,12 @@ bool FiscalVarlenModule2::journalStepFails(Text& message) {
   return moduleState().journalStepFailed;
 }
 
+void FiscalVarlenModule2::tellJournalFailure(const Text& message, std::int16_t& Result, Text& Exresult) {
+  const std::size_t code = message.find(u'~');
+  Result = toInt(TextView(message).substr(0, code));
+  Exresult = code == Text::npos ? Text() : message.substr(code + 1);
+}
+
 bool FiscalVarlenModule2::journalIsTaken(Text& message) {
   for (int i = 0; i < kJournalTries; ++i) {
     if (!journalStepFails(message)) return true;
@@ -41,9 +47,7 @@ Value FiscalVarlenModule2::issueZReport(std::int16_t& Result, Text& Exresult, bo
     sendByCurrentDriver(u"x/2/2", Result, Exresult, silent);
   } else if (!SupressError_) {
     // A silent caller keeps its variables: it learns of the failure from the missing report alone.
-    const std::size_t code = message.find(u'~');
-    Result = toInt(TextView(message).substr(0, code));
-    Exresult = code == Text::npos ? Text() : message.substr(code + 1);
+    tellJournalFailure(message, Result, Exresult);
     report(Result, Exresult, SupressError_);
   }
   return {};
@@ -52,6 +56,7 @@ Value FiscalVarlenModule2::issueZReport(std::int16_t& Result, Text& Exresult, bo
 Value FiscalVarlenModule2::issueZReprintReport(std::int16_t& Result, Text& Exresult, bool& SupressError_) {
   Text message;
   if (moduleState().journalStepFailed && journalStepFails(message)) {
+    tellJournalFailure(message, Result, Exresult);
     if (!SupressError_) {
       moduleState().platform->screen.messageBox(message, platform::kExclamation, kDeviceFamilyName);
     }

@@ -1,6 +1,8 @@
 #include "automation/number_text.h"
 #include "driver/command.h"
 #include "driver/fiscal_varlen_module2.h"
+#include "driver/reply_fields.h"
+#include "driver/result_codes.h"
 #include "interface/module_state.h"
 
 namespace mirvane {
@@ -17,22 +19,7 @@ const Text kCloseReceipt = u"O/1/";
 const Text kCancelReceipt = u"O/2/";
 const Text kAskRemaining = u"5/99/1/1/1/";
 
-// Marks the time of a card payment.
-class CardPaymentMark {
- public:
-  explicit CardPaymentMark(std::int16_t paymentNumber) {
-    moduleState().cardPaymentUnderWay = paymentNumber == 2 || paymentNumber == 4;
-  }
-  CardPaymentMark(const CardPaymentMark&) = delete;
-  CardPaymentMark& operator=(const CardPaymentMark&) = delete;
-  ~CardPaymentMark() { moduleState().cardPaymentUnderWay = false; }
-};
-
-// A reply that does not tell what remains says nothing, least of all that nothing remains.
-bool isPaid(const Text& reply) {
-  const auto remaining = parseNumber(pieceAt(split(reply, u'/'), 3));
-  return remaining && *remaining <= 0;
-}
+constexpr int kRemainingAttempts = 3;
 
 }  // namespace
 
@@ -84,6 +71,21 @@ std::shared_ptr<clsAdjust> FiscalVarlenModule2::adjustment(bool& onLastItem) {
   return std::make_shared<clsAdjust>();
 }
 
+// A reply that does not tell what remains says nothing, least of all that nothing remains: it is asked for again. A
+// field without a number counts as nothing; the device, which knows, then refuses to close.
+bool FiscalVarlenModule2::isPaid(std::int16_t& Result, Text& Exresult, bool& SupressError_) {
+  for (int attempt = 0; attempt < kRemainingAttempts; ++attempt) {
+    send(kAskRemaining, Result, Exresult, SupressError_);
+    if (Result != 0) return false;
+    const ReplyFields fields(lastReply_);
+    if (!fields.empty()) return fields.number(0) <= 0;
+  }
+  Result = kNoAnswer;
+  Exresult = kNoAnswerText;
+  report(Result, Exresult, SupressError_);
+  return false;
+}
+
 Value FiscalVarlenModule2::Payment(std::int16_t& paymentNumber, Text& paymentDesc, double& paymentAmount,
                                    std::int16_t& eftposNum, std::int16_t& eftposType, std::int16_t& Result,
                                    Text& Exresult, bool& SupressError_, Text& paymentDesc2, bool& bReadEJ,
@@ -97,13 +99,8 @@ Value FiscalVarlenModule2::Payment(std::int16_t& paymentNumber, Text& paymentDes
       command.empty();
     }
   }
-  {
-    const CardPaymentMark mark(paymentNumber);
-    send(command.str(), Result, Exresult, SupressError_, kPaymentSeconds);
-  }
-  if (Result != 0) return {};
-  send(kAskRemaining, Result, Exresult, SupressError_);
-  if (Result != 0 || !isPaid(lastReply_)) return {};
+  send(command.str(), Result, Exresult, SupressError_, kPaymentSeconds);
+  if (Result != 0 || !isPaid(Result, Exresult, SupressError_)) return {};
   send(kCloseReceipt, Result, Exresult, SupressError_);
   if (Result != 0 || !bReadEJ) return {};
 

@@ -3,12 +3,11 @@
 
 #include "automation/number_text.h"
 #include "driver/fiscal_varlen_module2.h"
+#include "driver/result_codes.h"
 #include "interface/module_state.h"
 
 namespace mirvane {
 namespace {
-
-constexpr std::int16_t kCardPaymentInProgress = 158;
 
 constexpr TextView kCaption = u"Μήνυμα Ταμειακής (%1)";
 constexpr TextView kState = u"Κατάσταση [%1]";
@@ -42,6 +41,7 @@ bool FiscalVarlenModule2::showDeviceWaitDialog(std::int16_t code, const Text& me
   const OpenMark mark;
   lastResult = 0;
   lastexResult = u"00/00/00";
+  waitSawCardPayment_ = false;
   // Some device texts begin with a "/".
   const Text shown = message.substr(message.rfind(u'/') + 1);
   moduleState().platform->screen.waitWhile({withValue(kCaption, kDeviceFamilyName), stateText(kState, code), shown},
@@ -61,7 +61,9 @@ bool FiscalVarlenModule2::deviceIsStillBusy(platform::WaitText& text) {
   lastResult = result;
   lastexResult = reply;
   if (result == 0 || endsCardPayment(result)) return false;
-  text.state = stateText(result == kCardPaymentInProgress ? kCardState : kState, result);
+  const bool isCardPayment = result == kCardPaymentInProgress;
+  if (isCardPayment) waitSawCardPayment_ = true;
+  text.state = stateText(isCardPayment ? kCardState : kState, result);
   text.message = reply;
   return true;
 }

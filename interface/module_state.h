@@ -38,8 +38,6 @@ struct ModuleState {
   /// Whether the last journal step of this process failed.
   bool journalStepFailed = false;
 
-  /// Whether a card payment (payment number 2 or 4) is under way.
-  bool cardPaymentUnderWay = false;
   /// Whether the operator is waiting for the device.
   bool waitDialogOpen = false;
   bool traceActive = false;

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "automation/number_text.h"
+#include "driver/reply_fields.h"
+#include "driver/result_codes.h"
 #include "interface/module_state.h"
 #include "interface/text.h"
 
@@ -54,6 +56,7 @@ void save(const Text& folder, const Text& name, TextView data) {
 struct Reply {
   std::int16_t result = 0;
   Text text;
+  bool hasStatus = false;
   std::vector<Text> pieces;
 
   const Text& piece(std::size_t i) const {
@@ -70,7 +73,11 @@ Reply ask(TextView command) {
   bool silent = true;
   sendByCurrentDriver(Text(command), reply.result, reply.text, silent);
   // From the reply itself: a status condition such as paper end puts its own text in place of it.
-  if (reply.result == 0) reply.pieces = split(convertTo<Text>(currentDriver()->call("lastReply")), u'/');
+  if (reply.result == 0) {
+    const Text whole = convertTo<Text>(currentDriver()->call("lastReply"));
+    reply.hasStatus = hasStatus(whole);
+    reply.pieces = split(whole, u'/');
+  }
   return reply;
 }
 
@@ -96,19 +103,25 @@ struct Download {
   Text text;
   std::size_t count = 0;
 
-  // Polls until the device has no more; `whenComplete` takes each file that is. The reply that ended it.
-  template <class WhenComplete>
-  Reply run(WhenComplete whenComplete) {
+  // Polls until the device has no more; `whenComplete` takes each file that is, and `whenNext` what is there of one
+  // when the next begins. The reply that ended it. Without one of the pieces the journal is not whole, so a reply that
+  // tells nothing ends it, and so does a piece of another file than the one that began.
+  template <class WhenComplete, class WhenNext>
+  Reply run(WhenComplete whenComplete, WhenNext whenNext) {
     for (;;) {
       moduleState().platform->clock.sleep(kPollMilliseconds);
       processEvents();
       Reply reply = ask(u"Q/");
       processEvents();
       if (reply.result != 0) return reply;
+      if (!reply.hasStatus) return lost();
       if (reply.pieces.size() < 6) continue;
       const Text& state = reply.pieces[3];
+      const Text& name = reply.pieces[5];
+      if ((state == u"1" || state == u"2") && !name.empty() && name != fileName) return lost();
       if (state == u"0") {
-        fileName = reply.pieces[5];
+        whenNext();
+        fileName = name;
         if (view) view->beginFile(fileName);
       } else if (state == u"1") {
         take(reply.pieces[4]);
@@ -121,6 +134,7 @@ struct Download {
   }
 
  private:
+  static Reply lost() { return {kNoAnswer, Text(kNoAnswerText), false, {}}; }
   void take(TextView piece) {
     text += piece;
     count += piece.size();
@@ -148,11 +162,12 @@ void FiscalJournal::setbBox(ObjectPtr value) {
 
 std::vector<Text> FiscalJournal::folders(TextView subPath) {
   Text list(kFixedFolders);
-  if (const ObjectPtr box = bBox()) {
+  bBox();
+  // The next file asks anew, also when this box fails.
+  if (const ObjectPtr box = std::exchange(box_, nullptr)) {
     Text notUsed;
     list.clear();
     box->call("GetDllPath", notUsed, list);
-    box_ = nullptr;  // the next file asks anew
   }
   std::vector<Text> all = split(list, u';');
   std::erase(all, Text());
@@ -198,10 +213,14 @@ std::int32_t FiscalJournal::eMakeZreport(Text& errorDesc, bool& bExecZReport, bo
   } else {
     ask(u"7/1/ΑΝΑΓΝΩΣΗ ΦΟΡΟΛ/");
   }
-  const Reply end = journal.run([&] {
-    eEJFileSave(journal.fileName, journal.text, zNumber);
-    if (!withForm) ask(u"7/2/OK/");
-  });
+  const Reply end = journal.run(
+      [&] {
+        eEJFileSave(journal.fileName, journal.text, zNumber);
+        if (!withForm) ask(u"7/2/OK/");
+      },
+      [&] {
+        if (!journal.text.empty()) eEJFileSave(journal.fileName, journal.text, zNumber);
+      });
   if (end.result == 0 && journal.fileName.ends_with(kSummarySuffix) && !journal.text.empty()) {
     eEJFileSave(journal.fileName, journal.text, zNumber);
   }
@@ -218,7 +237,7 @@ std::int32_t FiscalJournal::MakeZreport(Text& errorDesc) {
 
   Download journal;
   journal.view = moduleState().platform->screen.showJournal();
-  const Reply end = journal.run([] {});
+  const Reply end = journal.run([] {}, [] {});
   if (end.result == 0) EJFileSave(fileName, journal.text, signature);
   return outcome(end, errorDesc);
 }

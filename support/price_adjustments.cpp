@@ -33,10 +33,20 @@ Text command(TextView kind, std::int32_t place, const Text& description, const T
   return text;
 }
 
-// The receipt's totals are asked for first; `factorOf` makes the factor out of the receipt total. The totals come from
-// the reply itself, since a status condition puts its message into Exresult; a reply without them raises badIndex.
-template <class FactorOf>
-void adjustSubtotal(TextView kind, const Text& description, const Text& comment, FactorOf factorOf,
+struct Kind {
+  TextView onLastItem;
+  TextView onSubtotal;
+  Adjustment direction;
+};
+
+constexpr Kind kMarkUp{u"3/", u"4/", Adjustment::markUp};
+constexpr Kind kDiscount{u"1/", u"2/", Adjustment::discount};
+
+// The receipt's totals are asked for first; `share` takes the categories' totals and the receipt's, fills the shares
+// and makes the total the adjustment. The totals come from the reply itself, since a status condition puts its message
+// into Exresult; a reply without them raises badIndex.
+template <class Share>
+void adjustSubtotal(const Kind& kind, const Text& description, const Text& comment, Share share,
                     const Outcome& outcome) {
   send(u"9/", outcome);
   if (outcome.Result != 0) return;
@@ -46,17 +56,9 @@ void adjustSubtotal(TextView kind, const Text& description, const Text& comment,
   const VatAmounts totals{piece(3), piece(4), piece(5), piece(6), piece(7)};
   double total = piece(9);
   VatAmounts shares{};
-  apportionByVat(totals, shares, total, factorOf(total));
-  send(command(kind, 1, description, comment, total, &shares), outcome);
+  share(totals, shares, total);
+  send(command(kind.onSubtotal, 1, description, comment, total, &shares), outcome);
 }
-
-struct Kind {
-  TextView onLastItem;
-  TextView onSubtotal;
-};
-
-constexpr Kind kMarkUp{u"3/", u"4/"};
-constexpr Kind kDiscount{u"1/", u"2/"};
 
 // The caller's percentage becomes the amount that it made of the last item.
 void adjustByPercent(const Kind& kind, const Text& description, double& percent, const Text& comment,
@@ -67,8 +69,10 @@ void adjustByPercent(const Kind& kind, const Text& description, double& percent,
     percent = state.lastItemAmount * percent / 100;
     send(command(kind.onLastItem, state.lastItemDep, description, comment, percent, nullptr), outcome);
   } else {
-    adjustSubtotal(
-        kind.onSubtotal, description, comment, [percent](double /*total*/) { return -percent / 100; }, outcome);
+    const auto share = [&](const VatAmounts& totals, VatAmounts& shares, double& total) {
+      apportionByVat(totals, shares, total, -percent / 100, kind.direction);
+    };
+    adjustSubtotal(kind, description, comment, share, outcome);
   }
 }
 
@@ -79,10 +83,15 @@ void adjustByAmount(const Kind& kind, const Text& description, double& amount, c
   if (state.adjustOnLastItem) {
     send(command(kind.onLastItem, state.lastItemDep, description, comment, amount, nullptr), outcome);
   } else {
-    // An empty receipt has nothing to share over; the device says so.
-    adjustSubtotal(
-        kind.onSubtotal, description, comment, [amount](double total) { return total == 0 ? 0 : -amount / total; },
-        outcome);
+    const auto share = [&](const VatAmounts& totals, VatAmounts& shares, double& total) {
+      if (total != 0) {
+        apportionByVat(totals, shares, total, -amount / total, kind.direction);
+      } else {
+        // An empty receipt has nothing to share over: it goes out as it is, for the device to refuse.
+        total = shares.back() = amount;
+      }
+    };
+    adjustSubtotal(kind, description, comment, share, outcome);
   }
 }
 

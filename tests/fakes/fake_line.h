@@ -155,6 +155,7 @@ class FakeSockets : public platform::DatagramSockets {
   }
   bool send(std::int32_t /*handle*/, std::string_view bytes) override {
     sent.emplace_back(bytes);
+    if (bytes.starts_with(wire::kEnq)) inbox.add(std::exchange(afterEnq, {}));
     if (bytes.empty() || bytes.front() != wire::kStx) return failing != "send";
     auto chunks = device_.take(std::string(bytes));
     if (!chunks.empty() && chunks.front().bytes.starts_with(wire::kStx)) chunks.insert(chunks.begin(), {{wire::kAck}});
@@ -174,6 +175,7 @@ class FakeSockets : public platform::DatagramSockets {
 
   std::string failing;
   std::vector<std::string> calls, sent;
+  std::vector<Chunk> afterEnq;
   std::vector<std::int16_t> waits;
   Inbox inbox;
 

@@ -101,6 +101,16 @@ TEST_F(DriverTest, AdjustmentCommands) {
   device.answer("00/04/00/10.00/5.00/0.00/0.00/0.00/7/15.00/");
   EXPECT_THAT(adjust(false, "amountDiscount", 1),
               ElementsAre("9/", "4/2/1/Εκπτωση/σ-χ/1.00/0.67/0.33/0.00/0.00/0.00/"));
+  // Totals that are not the receipt's, and a receipt without a total.
+  const std::tuple<const char*, double, const char*, const char*> cases[] = {
+      {"percentDiscount", 100, "80.65/0/0/0/0/7/100.00/", "2/1/Εκπτωση/σ-χ/100.00/100.00/0.00/0.00/0.00/0.00/"},
+      {"amountDiscount", 5, "0/3/0/9/0/7/4.00/", "2/1/Εκπτωση/σ-χ/5.00/0.00/3.75/0.00/1.25/0.00/"},
+      {"percentMarkUP", 100, "1/0/5/0/0/7/10.00/", "4/1/Εκπτωση/σ-χ/10.00/1.00/0.00/9.00/0.00/0.00/"},
+      {"amountDiscount", 5, "3/-3/0/0/0/7/0.00/", "2/1/Εκπτωση/σ-χ/5.00/0.00/0.00/0.00/0.00/5.00/"}};
+  for (const auto& [member, value, totals, command] : cases) {
+    answers({totals});
+    EXPECT_THAT(adjust(false, member, value), ElementsAre("9/", std::string("4/") + command));
+  }
   device.answer("40/00/00/");
   EXPECT_THAT(adjust(false, "percentMarkUP", 10), ElementsAre("9/"));
   EXPECT_EQ(Result, 64);

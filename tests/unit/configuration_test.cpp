@@ -86,7 +86,9 @@ TEST_F(Configuration, TheServerIsReadBack) {
   const std::pair<std::string, std::string> cases[] = {
       {"00/00/00/1/https:~~a~b.php/50000/KEY////http:~~q~r/", "1 https://a/b.php|http://q/r 50000 KEY"},
       {"00/04/00/255/https://a/b.php/80/K////http:~~q~r.php/", "255 https://a/b.php|http://q/r.php 80 K"},
-      {"00/00/00/0/a~b.php/8080//////", "0 a/b.php| 8080 "}};
+      {"00/00/00/0/a~b.php/8080//////", "0 a/b.php| 8080 "},
+      {"00/00/00/1/https:~~a.gr~data/443/KEY////https://q.gr/x.php/", "1 https://a.gr/data|https://q.gr/x.php 443 KEY"},
+      {"00/00/00/1/a/b.php/c.php/80/K////q/", "1 a/b.php/c.php|q 80 K"}};
   for (const auto& [reply, expected] : cases) {
     EXPECT_EQ(getServer(reply), expected);
     EXPECT_THAT(device.commands, ElementsAre(",/0/", ",/1/"));

@@ -110,7 +110,7 @@ TEST_F(Version, TellsOfDeviceDriverAndComponent) {
   SupressError_ = false;
   for (const auto& [reply, firstLines] : {std::pair("00/00/00/MODEL X/1.2/345/", "MODEL X\r\n1.2[345]"),
                                           {"00/04/00/M/1/2/more/", "M\r\n1[2]"},
-                                          {"00", "\r\n[]"}}) {
+                                          {"00/00/00/", "\r\n[]"}}) {
     device.answer(reply);
     run(*driver, "GetVersionInfo");
     EXPECT_EQ(outcome(), std::string("0 ") + firstLines + "\r\n" MIRVANE_VERSION "\r\n" MIRVANE_PRODUCT) << reply;

@@ -59,7 +59,8 @@ TEST_F(Errors, AReplyWithoutStatusBytesHasNoCondition) {
   const std::string reply = "0A/10/0E/x/";
   for (std::size_t size = 0; size <= reply.size(); ++size) {
     exchange("00/00/00/");
-    exchange(reply.substr(0, size));
+    device.answer(reply.substr(0, size));
+    send(u"F/1/");
     EXPECT_EQ(Result, size >= 2 ? 10 : 0) << size;
     EXPECT_EQ(exresult(), size >= 8 ? kOffline : size >= 2 ? "Cannot execute with day open" : reply.substr(0, size));
     EXPECT_EQ(statusOf(*driver)->isDayOpen, size >= 8) << size;
@@ -114,13 +115,33 @@ TEST_F(Errors, AStateThatTheDeviceEndsByItselfIsWaitedFor) {
       EXPECT_FALSE(moduleState().waitDialogOpen);
     }
   }
-  // What met a card payment under way was not taken, as the payment itself was.
-  for (const char16_t* command : {u"3/S/", u"5/99/1/1/1/", u"5/1///1.00///", u"E/0/1////////", u"E/2/1/"}) {
-    device = {};
-    device.answer("9E/00/00/").answer("00/00/00/").answer("00/00/06/");
-    send(command);
-    EXPECT_EQ(device.commands.size(), command == TextView(u"E/2/1/") ? 2u : 3u) << toUtf8(command);
+  // What met a card payment under way was not taken, and is sent again once; what could be that payment never is.
+  const Strings others = {"3/S/", "5/99/1/1/1/", "E/0/1////////"},
+                own = {"5/1///1.00///", " 5/2/C//9.00/1/1/", "E/2/1/"};
+  const std::tuple<Strings, std::size_t, std::size_t, Short> meetings[] = {
+      {{"9E", "00", "00"}, 3, 2, 0},
+      {{"9E", "9E", "00", "9E"}, 4, 3, 158},
+      {{"0E", "9E", "00", "00"}, 4, 3, 0},
+      {{"0E", "9E", "00", "9E", "00", "00"}, 6, 3, 0},
+      {{"0E", "00", "9E", "00", "9E"}, 5, 4, 158},
+      {{"9E", "00", "0E", "00", "0E", "00", "00"}, 7, 2, 0}};
+  for (const auto& [replies, ofOthers, ofOwn, result] : meetings) {
+    for (const bool couldBe : {false, true}) {
+      for (const std::string& command : couldBe ? own : others) {
+        SCOPED_TRACE(command + testing::PrintToString(replies));
+        device = {};
+        for (const std::string& code : replies) device.answer(code + "/00/06/x/");
+        send(fromUtf8(command));
+        EXPECT_EQ(device.commands.size(), couldBe ? ofOwn : ofOthers);
+        EXPECT_EQ(Result, couldBe ? 0 : result);
+      }
+    }
   }
+  // A look that tells nothing is no outcome.
+  device = {};
+  device.answer("9E/00/00/").answer("9C").answer("").answer("9").answer("9C/00/00/");
+  send(fromUtf8(pay));
+  EXPECT_EQ(std::tuple(Result, device.commands.size()), std::tuple(156, 5u));
   // A call from within a wait: no second window, and no outcome but its own.
   moduleState().waitDialogOpen = true;
   device = {};

@@ -14,11 +14,13 @@ const std::string kBeginText = "0//" + kText + "/", kBeginSigned = "0//" + kSign
 struct FakeBox : Object {
   const ClassInfo& classInfo() const override { return clsStatus::describe(); }
   Value invoke(std::string_view member, ClassInfo::Access /*access*/, Arguments arguments) override {
+    if (std::exchange(fails, false)) throw AutomationError(AutomationCode::overflow);
     log += std::string(member) + toUtf8(convertTo<Text>(arguments[0].value()) + convertTo<Text>(arguments[1].value()));
     EXPECT_TRUE(arguments[0].store(Text(u"x:\\$\\")) && arguments[1].store(Text(u"d:\\$\\j\\$\\;e:\\")));
     return {};
   }
   static inline std::string log;
+  static inline bool fails = false;
 };
 
 class Journal : public DriverTest {
@@ -69,7 +71,16 @@ TEST_F(Journal, TheDialogue) {
 TEST_F(Journal, HowItEnds) {
   const std::string name = "ABC123456780042/", end = "00/00/00/3//";
   const Strings saved = {"42/", kBeginSigned, "1/s/", kDone}, again = {"42/", kBeginText, kDone, kBeginSigned, "1/s/"};
+  const Strings unsaved = {"42/", kBeginText, "1/a/", kBeginSigned, "1/s/", kDone};
+  const std::string lost = "-3~H ταμειακή δεν Απαντά!";
   const std::tuple<const char*, Strings, std::string, std::string, Saved> cases[] = {
+      // What got lost on the way ends it; a file that is not told complete is saved when the next begins.
+      {"eMakeZreport", {"42/", kBeginText, "1/a/"}, "", lost, {}},
+      {"eMakeZreport", {"42/", kBeginText, "1/a/"}, "00/00", lost, {}},
+      {"eMakeZreport", {"42/", "0//ABC1234/", "1/a/"}, "00/00/00/1/b/" + kText + "/", lost, {}},
+      {"eMakeZreport", {"42/", kBeginText, "1/a/" + kText + "/"}, "00/00/00/2//" + kSigned + "/", lost, {}},
+      {"MakeZreport", {name, "42/s/", kBeginText, "1/a/"}, "00", lost, {}},
+      {"eMakeZreport", unsaved, end, "0", {{kDay + kText, "a\r\n"}, {kDay + kSigned, "s\r\n"}}},
       {"eMakeZreport", saved, end, "0", {{kDay + kSigned, "s\r\n"}}},
       {"eMakeZreport", {"42/", kBeginSigned}, end, "0", {}},
       {"eMakeZreport", {"42/", kBeginText, "1/a/"}, end, "0", {}},
@@ -149,6 +160,10 @@ TEST_F(Journal, TheJournalBoxTellsTheFolders) {
   for (const char16_t* name : {u"ABC123456780001", u"ABC123456780002"}) savePair(name, u"d", u"s");
   const std::string asked = "quorndll_webupdate.box GetDllPath";
   EXPECT_EQ(std::exchange(FakeBox::log, ""), asked + asked) << "asked anew for every save";
+  FakeBox::fails = true;
+  EXPECT_EQ(errorOf([&] { savePair(u"ABC123456780001", u"d", u"s"); }), kOverflow);
+  savePair(u"ABC123456780001", u"d", u"s");
+  EXPECT_EQ(std::exchange(FakeBox::log, ""), "quorndll_webupdate.box " + asked) << "one that failed is not asked again";
   const std::string day = "d:\\ABC12345678\\0001\\j\\ABC12345678\\0001\\";
   EXPECT_TRUE(files.below(day).size() == 2 && files.below("e:\\ABC12345678000").size() == 4);
 }

@@ -65,6 +65,49 @@ TEST_F(Link, AReplyMayArriveInAnyPieces) {
   EXPECT_EQ(transfer(u"v/"), "00/00/00/a/b/");
 }
 
+TEST_F(Link, WhatACutAttemptLeftIsNoPartOfTheReply) {
+  const std::string reply = framed("0E/00/02/36.35/1/");
+  for (std::size_t cut = 0; cut < reply.size(); ++cut) {
+    device.raw({{"\x7F" + reply.substr(0, cut)}}).raw({{reply}});
+    EXPECT_EQ(transfer(u"F/3/"), "0E/00/02/36.35/1/") << cut;
+    EXPECT_EQ(Result, 14);
+  }
+}
+
+TEST_F(Link, AQuestionIsAskedUntilItIsAnswered) {
+  const char16_t* const questions[] = {u"?/", u"v/",   u"9/",   u"0/", u"5/99/1/1/1/",   u"a/",    u"t/", u"h/", u"{/",
+                                       u"e/", u"D/5/", u"k/5/", u"s/", u"E/0/1////////", u" ,/0/ "};
+  const char16_t* const commands[] = {u"Q/", u"A/", u"#/", u"F/3/", u"5/2///9.00///", u"E/2/1/", u"S/1/", u"t/1/"};
+  for (const bool isNetwork : {false, true}) {
+    if (isNetwork) connectNetwork();
+    exchange("00/00/06/");
+    for (const char16_t* question : questions) {
+      for (const int unanswered : {2, 3}) {
+        device.commands.clear();
+        for (const char* reply : {"9C", "00/0", "00/00/0x"}) device.answer(reply);
+        if (unanswered == 2) device.script.back() = {{framed("00/00/04/x/")}};
+        EXPECT_EQ(transfer(question), unanswered == 2 ? "00/00/04/x/" : "") << toUtf8(question);
+        EXPECT_EQ(outcome(), unanswered == 2 ? "0 00/00/04/x/" : "-3 H ταμειακή δεν Απαντά!");
+        EXPECT_EQ(device.commands.size(), 3u);
+        EXPECT_TRUE(statusOf(*driver)->isTransactionOpen) << "nothing was told of it";
+      }
+    }
+    for (const char16_t* command : commands) {
+      device.commands.clear();
+      device.answer("9C");
+      transfer(command);
+      EXPECT_EQ(std::tuple(Result, device.commands.size()), std::tuple(156, 1u)) << toUtf8(command);
+    }
+  }
+  // On the network a reply can be cut behind its status: not one that has no frame at all.
+  const std::string cut = kStx + "00/00/04/36.3";
+  device.raw({{kAck}, {cut}}).raw({{kAck}, {"00/00/04/36.35/"}});
+  EXPECT_EQ(transfer(u"9/"), "00/00/04/36.35/");
+  device.raw({{kAck}, {cut}});
+  transfer(u"Q/");
+  EXPECT_EQ(outcome(), "-3 H ταμειακή δεν Απαντά!") << "what the piece lacks is lost";
+}
+
 TEST_F(Link, ASilentDeviceIsAskedAgainEveryTenSecondsWithoutEnd) {
   const double noon = 43200;
   // The later ones pass midnight, which does not change the deadlines.
@@ -101,7 +144,7 @@ TEST_F(Link, StaleInputIsNotTakenForTheReply) {
 TEST_F(Link, AReplyWithoutEndTakesNoMoreThanAMebibyte) {
   constexpr std::size_t kMebibyte = 1 << 20;
   device.raw({{std::string(kMebibyte + 50000, 'x')}, {"tail" + kEtx, 0.1}});
-  const std::string reply = transfer(u"v/");
+  const std::string reply = transfer(u"F/3/");
   EXPECT_LE(reply.size(), kMebibyte);
   EXPECT_GE(reply.size(), kMebibyte - (1 << 16)) << "the oldest is forgotten in blocks";
   EXPECT_TRUE(reply.ends_with("xxtail"));
@@ -142,8 +185,9 @@ TEST_F(Link, WhatCountsAsANetworkReply) {
   const Case cases[] = {
       {"at once", {{kAck}, {framed("0A/00/00/")}}, "Cannot execute with day open", 0, 3, 10},
       {"several datagrams", {{kAck}, {kStx + "00/00/"}, {"00/a"}, {end}}, "00/00/00/ab/"},
-      {"a datagram within the grace", {{kAck}, {head}, {end, 0.015}}, "00/00/00/ab/"},
-      {"a datagram after the grace", {{kAck}, {head}, {end, 0.03}}, "00/00/00/a"},
+      {"a datagram within the grace", {{kAck}, {head}, {end, 0.29}}, "00/00/00/ab/"},
+      {"a datagram after the grace", {{kAck}, {head}, {end, 0.32}}, "00/00/00/a"},
+      {"a second ACK", {{kAck}, {kAck, 0.1}, {whole, 0.4}}, "00/00/00/a/"},
       {"a long wait after the ACK", {{kAck}, {whole, 4.2}}, "00/00/00/a/", 4.2},
       {"the ACK late", {{kAck, 0.9}, {whole, 0.9}}, "00/00/00/a/", 1.8},
       {"a NAK before the reply", {{kAck}, {kNak, 0.1}, {whole, 0.7}}, "00/00/00/a/"},
@@ -166,6 +210,34 @@ TEST_F(Link, WhatCountsAsANetworkReply) {
     EXPECT_GE(clock.now - start, least);
     EXPECT_LT(clock.now - start, 5.7);
     EXPECT_FALSE(sockets.inbox.isDue()) << "what is left over is drained";
+  }
+}
+
+TEST_F(Link, WhatIsThereBeforeTheFrameIsNotItsAnswer) {
+  connectNetwork();
+  const std::string late = framed("00/00/00/late/"), frame = framed("F/3/15");
+  const std::tuple<const char*, std::vector<Chunk>, std::vector<Chunk>, const char*, std::vector<std::string>> cases[] =
+      {{"a late answer", {{late}}, {{framed("00/00/00/")}}, "0 00/00/00/", {kEnq, frame, kAck}},
+       {"its parts",
+        {{kAck}, {late.substr(0, 5)}, {late.substr(5)}},
+        {{framed("19/00/00/")}},
+        "25 Printer paper end detected",
+        {kEnq, frame, kAck}},
+       {"the ENQ acknowledged",
+        {{late, 0.02}, {kAck, 0.01}},
+        {{"00/00/00/a/", 0.4}},
+        "0 00/00/00/a/",
+        {kEnq, frame, kAck}},
+       {"the ENQ refused", {{kNak, 0.03}}, {}, "-207 Αναμονή Απόκρισης Ταμειακής...", {kEnq}}};
+  for (const auto& [what, before, answer, told, sent] : cases) {
+    SCOPED_TRACE(what);
+    sockets.sent.clear();
+    sockets.afterEnq = before;
+    device.raw(answer);
+    transfer(u"F/3/");
+    EXPECT_EQ(outcome(), told);
+    EXPECT_EQ(sockets.sent, sent);
+    device.script.clear();
   }
 }
 

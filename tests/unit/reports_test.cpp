@@ -40,6 +40,7 @@ TEST_F(Reports, AReprintTakesTheJournalThatIsOwed) {
     refuse(4);
     call("issueZReport");
     EXPECT_THAT(call("issueZReprintReport"), ElementsAre("A/")) << "tried once";
+    EXPECT_EQ(outcome(), "21 z Not closure");
     EXPECT_EQ(screen.boxes, unlessSuppressed({"21~z Not closure", 48, "Varlen Fiscal"}));
     give("00/00/00/");
     EXPECT_THAT(call("issueZReprintReport"), ElementsAre("A/", "Q/", "x/9/"));

@@ -100,25 +100,28 @@ TEST_F(Utilities, TimeOutsCountSinglePrecisionSecondsOfTheDay) {
 }
 
 TEST_F(Utilities, TheRemainderGoesToTheLargestShare) {
-  const std::tuple<VatAmounts, double, double, VatAmounts, Short> cases[] = {
-      {{10, 20, 30, 0, 0}, -0.1, 6, {1, 2, 3, 0, 0}, 2},
-      {{0.05, 0.05, 0.05, 0, 0}, 0.1, 0.02, {0.01, 0.01, 0, 0, 0}, 2},  // 3 * 0.01 rounded up, one too many
-      {{0.14, 0.14, 0.14, 0.14, 0.14}, 0.1, 0.07, {0.01, 0.01, 0.01, 0.01, 0.03}, 4},
-      {{1, 1, 0, 0, 0}, 0.333, 0.67, {0.33, 0.34, 0, 0, 0}, 1},  // equal shares: the later one
-      {{5, 1, 1, 1, 1}, 0.004, 0.04, {0.04, 0, 0, 0, 0}, 0},
-      {{0, 0, 0, 0, 0}, 0.5, 0, {0, 0, 0, 0, 0}, 4},
-      {{0, 0.12, 0.13, 0.11, 0.14}, -0.95, 0.48, {0, 0.11, 0.13, 0.1, 0.14}, 4},  // no more than a category has
+  constexpr auto kDiscount = Adjustment::discount, kMarkUp = Adjustment::markUp;
+  const std::tuple<VatAmounts, double, double, VatAmounts, Short, Adjustment> cases[] = {
+      {{10, 20, 30, 0, 0}, -0.1, 6, {1, 2, 3, 0, 0}, 2, kDiscount},
+      {{0.05, 0.05, 0.05, 0, 0}, 0.1, 0.02, {0.01, 0.01, 0, 0, 0}, 2, kMarkUp},  // 3 * 0.01 rounded up, one too many
+      {{0.14, 0.14, 0.14, 0.14, 0.14}, 0.1, 0.07, {0.01, 0.01, 0.01, 0.01, 0.03}, 4, kDiscount},
+      {{1, 1, 0, 0, 0}, 0.333, 0.67, {0.33, 0.34, 0, 0, 0}, 1, kDiscount},  // equal shares: the later one
+      {{5, 1, 1, 1, 1}, 0.004, 0.04, {0.04, 0, 0, 0, 0}, 0, kMarkUp},
+      {{0, 0, 0, 0, 0}, 0.5, 0, {0, 0, 0, 0, 0}, 4, kDiscount},
+      {{0, 0.12, 0.13, 0.11, 0.14}, -0.95, 0.48, {0, 0.11, 0.13, 0.1, 0.14}, 4, kDiscount},  // no more than a category
+                                                                                             // has
+      {{0, 0.12, 0.13, 0.11, 0.14}, -0.95, 0.48, {0, 0.11, 0.12, 0.1, 0.15}, 4, kMarkUp},
   };
-  for (const auto& [totals, factor, adjustment, expected, largest] : cases) {
+  for (const auto& [totals, factor, adjustment, expected, largest, kind] : cases) {
     VatAmounts shares{};
     double total = std::accumulate(totals.begin(), totals.end(), 0.0);
-    EXPECT_EQ(apportionByVat(totals, shares, total, factor), largest) << testing::PrintToString(totals);
+    EXPECT_EQ(apportionByVat(totals, shares, total, factor, kind), largest) << testing::PrintToString(totals);
     EXPECT_NEAR(total, adjustment, 1e-9) << testing::PrintToString(totals);
     for (std::size_t k = 0; k < 5; ++k) EXPECT_NEAR(shares[k], expected[k], 1e-9) << testing::PrintToString(totals);
   }
   VatAmounts totals{std::nan(""), 1, 1, 1, 1}, shares{};
   double total = 4;
-  EXPECT_EQ(errorOf([&] { apportionByVat(totals, shares, total, 0.1); }), kOverflow);
+  EXPECT_EQ(errorOf([&] { apportionByVat(totals, shares, total, 0.1, Adjustment::discount); }), kOverflow);
 }
 
 }  // namespace
