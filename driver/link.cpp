@@ -30,6 +30,7 @@ constexpr double kNextDatagramWithin = 0.3;  // of a reply that has begun
 constexpr double kReplyWithin = 5;           // seconds after the device's ACK
 constexpr int kQuestionAttempts = 3;
 constexpr std::string_view kAcknowledgements = "\x06\x15";  // ACK, NAK
+const std::string kRefused{wire::kNak};
 
 platform::Clock& clock() { return moduleState().platform->clock; }
 platform::SerialPort& serial() { return moduleState().platform->serial; }
@@ -231,7 +232,8 @@ bool FiscalVarlenModule2::exchangeNetwork(const std::string& frame, std::int16_t
     writeBytes({wire::kEnq});
     clock().sleep(50);
     std::string first = answerToEnquiry();
-    if (first != std::string{wire::kNak}) writeBytes(frame);
+    // What the device does not want now is not sent.
+    if (!first.starts_with(wire::kNak)) writeBytes(frame);
     // A datagram that cannot be read, or an empty one, is no answer either.
     if (first.empty() && waitForDatagram(kNetworkAnswerWithin)) first = readBytes();
     if (first.empty()) {
@@ -239,16 +241,14 @@ bool FiscalVarlenModule2::exchangeNetwork(const std::string& frame, std::int16_t
       Exresult = kNoAnswerText;
       continue;
     }
-    if (first.starts_with(wire::kNak)) {
+    if (first.starts_with(wire::kAck)) reply = collectDatagrams();
+    if (first.starts_with(wire::kNak) || reply == kRefused) {
       Result = kNotNow;
       Exresult = u"Αναμονή Απόκρισης Ταμειακής...";
       clearBuffer();
       return false;
     }
-    if (first.starts_with(wire::kAck)) {
-      reply = collectDatagrams();
-      writeBytes({wire::kAck});
-    }
+    if (first.starts_with(wire::kAck)) writeBytes({wire::kAck});
     return true;
   }
   return false;
@@ -257,8 +257,10 @@ bool FiscalVarlenModule2::exchangeNetwork(const std::string& frame, std::int16_t
 // Some registers acknowledge the ENQ, others the frame. Whatever else is there before the frame goes out is a late
 // answer to an earlier command. The ACK or the NAK; empty when there is none.
 std::string FiscalVarlenModule2::answerToEnquiry() {
+  const Stopwatch time;
+  const double deadline = time.now() + kLongestDrain;
   std::string answer;
-  while (availData()) {
+  while (availData() && time.now() < deadline) {
     const std::string datagram = readBytes();
     if (datagram.empty()) break;
     if (datagram.front() == wire::kAck || datagram.front() == wire::kNak) answer = datagram.front();
@@ -266,9 +268,11 @@ std::string FiscalVarlenModule2::answerToEnquiry() {
   return answer;
 }
 
+// A NAK may come before the reply; where it is all that comes, the device refuses the frame whose ENQ it acknowledged.
 std::string FiscalVarlenModule2::collectDatagrams() {
   const Stopwatch time;
   const double acknowledged = time.now();
+  bool isRefused = false;
   std::string reply;
   for (;;) {
     const auto hasBegun = [&reply] { return reply.find_first_not_of(kAcknowledgements) != std::string::npos; };
@@ -277,9 +281,10 @@ std::string FiscalVarlenModule2::collectDatagrams() {
       append(reply, readBytes());
     }
     if (hasBegun()) return reply;
+    isRefused = isRefused || reply.find(wire::kNak) != std::string::npos;
     reply.clear();
     clock().sleep(500);
-    if (time.now() - acknowledged > kReplyWithin) return reply;
+    if (time.now() - acknowledged > kReplyWithin) return isRefused ? kRefused : reply;
   }
 }
 

@@ -45,8 +45,7 @@ class ClosingTheDay : public Till {
   JournalFolders folders;
 };
 
-INSTANTIATE_TEST_SUITE_P(Over, ClosingTheDay, testing::Values("serial", "network"),
-                         [](const auto& transport) { return std::string(transport.param); });
+INSTANTIATE_TEST_SUITE_P(Over, ClosingTheDay, kLines, lineName);
 
 TEST_P(ClosingTheDay, WaitsForAFolderThatCanBeWritten) {
   startDay({});

@@ -132,8 +132,7 @@ class Day : public Till {
   std::map<std::string, Cents> books, open;
 };
 
-INSTANTIATE_TEST_SUITE_P(Over, Day, testing::Values("serial", "network"),
-                         [](const auto& transport) { return std::string(transport.param); });
+INSTANTIATE_TEST_SUITE_P(Over, Day, kLines, lineName);
 
 TEST_P(Day, FromTheSettingsToTheNextMorning) {
   start({}, {"--journal", folders.device});

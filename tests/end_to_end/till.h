@@ -11,6 +11,10 @@ namespace mirvane::test {
 
 using Short = std::int16_t;
 
+/// The lines to a register: registers on the network acknowledge the frame, or the ENQ before it.
+inline const auto kLines = testing::Values("serial", "network", "network_enq");
+inline std::string lineName(const testing::TestParamInfo<const char*>& line) { return line.param; }
+
 /// A till at the emulator, over the transport that is the test's parameter.
 class Till : public testing::TestWithParam<const char*> {
  protected:
@@ -28,7 +32,7 @@ class Till : public testing::TestWithParam<const char*> {
   /// Starts a register with further options that misbehaves as `faults` tell, and connects to it.
   void start(const std::vector<std::string>& faults = {}, std::vector<std::string> options = {}) {
     if (isNetwork) {
-      options.insert(options.end(), {"--udp", "0"});
+      options.insert(options.end(), {"--udp", "0", "--acknowledge", acknowledgesEnq ? "enq" : "frame"});
     } else {
       options.emplace_back("--pty");
     }
@@ -66,7 +70,8 @@ class Till : public testing::TestWithParam<const char*> {
     }
   }
 
-  const bool isNetwork = std::string("network") == GetParam();
+  const bool acknowledgesEnq = std::string("network_enq") == GetParam();
+  const bool isNetwork = acknowledgesEnq || std::string("network") == GetParam();
 
   std::unique_ptr<EmulatorProcess> emulator;
   std::shared_ptr<fiscalTrevikModule> facade = std::make_shared<fiscalTrevikModule>();

@@ -191,6 +191,7 @@ TEST_F(Link, WhatCountsAsANetworkReply) {
       {"a long wait after the ACK", {{kAck}, {whole, 4.2}}, "00/00/00/a/", 4.2},
       {"the ACK late", {{kAck, 0.9}, {whole, 0.9}}, "00/00/00/a/", 1.8},
       {"a NAK before the reply", {{kAck}, {kNak, 0.1}, {whole, 0.7}}, "00/00/00/a/"},
+      {"a NAK and no reply", {{kAck}, {kNak, 0.1}}, "Αναμονή Απόκρισης Ταμειακής...", 5, 2, -207},
       {"too late after the ACK", {{kAck}, {whole, 6}}, "", 5},
       {"the reply within the first datagram", {{kAck + whole}}, ""},
       {"a NAK first", {{kNak + "later"}, {"rest"}}, "Αναμονή Απόκρισης Ταμειακής...", 0, 2, -207},
