@@ -8,6 +8,11 @@ namespace mirvane::com {
 namespace {
 
 bool startOnce() {
+  // For good. The end of an apartment would take an open port's state with it and leave the port open and taken, and
+  // every unloading costs the process one of its thread-local places, of which there are some thousand.
+  HMODULE pinned = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                     reinterpret_cast<LPCWSTR>(&startOnce), &pinned);
   startComponent();
   moduleState().createObject = &createForeignObject;
   return true;
@@ -28,6 +33,7 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object)
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
   if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+  const Entry entry;
   return guarded([&] {
     static const bool kStarted = startOnce();
     static_cast<void>(kStarted);
@@ -35,9 +41,7 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object)
   });
 }
 
-HRESULT ClassFactory::LockServer(BOOL lock) {
-  liveCount += lock != FALSE ? 1 : -1;
-  return S_OK;
-}
+// The DLL stays anyway.
+HRESULT ClassFactory::LockServer(BOOL /*lock*/) { return S_OK; }
 
 }  // namespace mirvane::com

@@ -10,6 +10,7 @@
 #include <new>
 #include <string_view>
 
+#include "com/entry.h"
 #include "platform/windows/windows.h"
 
 namespace mirvane::com {
@@ -32,26 +33,29 @@ inline GUID guidFrom(std::string_view text) {
   return guid;
 }
 
-/// What keeps the DLL loaded: COM objects that programs hold, and locks of theirs.
-inline std::atomic<int> liveCount = 0;
-
 /// A COM object and its reference count, which is 1 at first.
 template <class... Interfaces>
 class ComObject : public Interfaces... {
  public:
-  ComObject() { ++liveCount; }
+  ComObject() = default;
   ComObject(const ComObject&) = delete;
   ComObject& operator=(const ComObject&) = delete;
 
   ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
   ULONG STDMETHODCALLTYPE Release() override {
+    ULONG held = references_;
+    while (held > 1) {
+      if (references_.compare_exchange_weak(held, held - 1)) return held - 1;
+    }
+    // Inside: another thread's call may be about to hand this very object out, and what ends with it is everybody's.
+    const Entry entry;
     const ULONG left = --references_;
     if (left == 0) delete this;
     return left;
   }
 
  protected:
-  virtual ~ComObject() { --liveCount; }
+  virtual ~ComObject() = default;
 
  private:
   std::atomic<ULONG> references_ = 1;

@@ -1,7 +1,6 @@
 #include "com/dispatch.h"
 
 #include <algorithm>
-#include <cfloat>
 #include <string>
 #include <vector>
 
@@ -18,25 +17,6 @@ constexpr GUID kOwnObject = {0x5E1C1A0B, 0x7D92, 0x4E0B, {0xA3, 0x6C, 0x19, 0xF8
 
 struct OwnObject : IUnknown {
   virtual const ObjectPtr& object() const = 0;
-};
-
-// Programs run with floating point set up their own way: with a lower precision, or with exceptions that would end
-// them where a comparison is merely false. Members compute in the usual environment.
-class FloatingPoint {
- public:
-  FloatingPoint() : callers_(_control87(0, 0)) { _control87(_CW_DEFAULT, kFields); }
-  FloatingPoint(const FloatingPoint&) = delete;
-  FloatingPoint& operator=(const FloatingPoint&) = delete;
-  ~FloatingPoint() {
-    _clearfp();  // or what happened here would be raised there
-    _control87(callers_, kFields);
-  }
-
- private:
-  // 64-bit programs have no choice of precision.
-  static constexpr unsigned kFields = _MCW_EM | _MCW_RC | (sizeof(void*) == 4 ? _MCW_PC : 0);
-
-  unsigned callers_;
 };
 
 const PublicClass* publicClassOf(const ClassInfo& info) {
@@ -62,8 +42,8 @@ bool sameName(std::string_view a, const std::string& b) {
 ClassInfo::Access accessFor(WORD flags) {
   using Access = ClassInfo::Access;
   if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) return Access::write;
-  if ((flags & DISPATCH_METHOD) == 0) return Access::read;
-  return (flags & DISPATCH_PROPERTYGET) != 0 ? Access::callOrRead : Access::call;
+  // Late-bound compilers call a property that takes arguments as if it were a method.
+  return (flags & DISPATCH_METHOD) != 0 ? Access::callOrRead : Access::read;
 }
 
 // The arguments of one call. Positions in the caller's array, which counts from the last one, become positions in the
@@ -181,9 +161,9 @@ class Wrapper final : public ComObject<IDispatch, IProvideClassInfo, OwnObject> 
     return guarded([&] { return findTypeInfo(guidFrom(class_->classId), info); });
   }
 
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID /*language*/,
+  // The interface's identifier is reserved, and some programs pass one of their own.
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT count, LCID /*language*/,
                                           DISPID* ids) override {
-    if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
     return guarded([&] {
       std::fill(ids, ids + count, DISPID_UNKNOWN);
@@ -193,12 +173,15 @@ class Wrapper final : public ComObject<IDispatch, IProvideClassInfo, OwnObject> 
     });
   }
 
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID iid, LCID /*language*/, WORD flags, DISPPARAMS* given,
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID /*reserved*/, LCID /*language*/, WORD flags, DISPPARAMS* given,
                                    VARIANT* result, EXCEPINFO* exception, UINT* badArgument) override {
-    if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (given == nullptr) return E_INVALIDARG;
     if (result != nullptr) VariantInit(result);
-    const FloatingPoint environment;
+    // Both a call that waits for its turn and a member that shows a window let the program run, which may let go of
+    // this object meanwhile.
+    AddRef();
+    const ComPtr<IDispatch> self(this);
+    const Entry entry;
     return guarded([&] {
       const Member* member = object_->classInfo().find(id, accessFor(flags));
       if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
@@ -211,9 +194,6 @@ class Wrapper final : public ComObject<IDispatch, IProvideClassInfo, OwnObject> 
 
   HRESULT invoke(const Member& member, const DISPPARAMS& given, VARIANT* result, EXCEPINFO* exception,
                  UINT* badArgument) {
-    // A member that shows a window lets the program run, which may let go of this object meanwhile, and of the DLL.
-    AddRef();
-    const ComPtr<IDispatch> self(this);
     Call call(member, given);
     Value value;
     HRESULT outcome = S_OK;

@@ -2,7 +2,6 @@
 
 #include "com/class_factory.h"
 #include "com/registration.h"
-#include "interface/module_state.h"
 
 // What the system calls in the DLL. There is no DllMain: nothing has to be done while the system holds its loader lock.
 
@@ -20,8 +19,8 @@ STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
   });
 }
 
-// An open port keeps the DLL: with it would go the state that the till's connection hangs on.
-STDAPI DllCanUnloadNow() { return liveCount == 0 && moduleState().portHandle <= 0 ? S_OK : S_FALSE; }
+// Once it has made an object it stays for good, and asking costs less than loading it anew.
+STDAPI DllCanUnloadNow() { return S_FALSE; }
 
 STDAPI DllRegisterServer() {
   return guarded([] { return registerComponent(Scope::machine); });

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "com/variants.h"
+#include "platform/windows/floating_point.h"
 
 namespace mirvane::com {
 namespace {
@@ -114,6 +115,7 @@ DISPID ForeignObject::idOf(std::string_view member) const {
   std::wstring name(member.begin(), member.end());
   LPOLESTR names = name.data();
   DISPID id = DISPID_UNKNOWN;
+  const platform::HostFloatingPoint host;
   const HRESULT outcome = dispatch_->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id);
   if (FAILED(outcome)) Exception().raise(outcome);
   return id;
@@ -134,6 +136,7 @@ Value ForeignObject::invoke(std::string_view member, ClassInfo::Access access, A
   Variant result;
   Exception exception;
   const auto attempt = [&](WORD flags) {
+    const platform::HostFloatingPoint host;
     return dispatch_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, write ? nullptr : &result,
                              &exception, nullptr);
   };
@@ -149,6 +152,7 @@ Value ForeignObject::invoke(std::string_view member, ClassInfo::Access access, A
 }
 
 ObjectPtr createForeignObject(TextView programmaticId) {
+  const platform::HostFloatingPoint host;
   CLSID id{};
   void* created = nullptr;
   if (FAILED(CLSIDFromProgID(toWide(programmaticId).c_str(), &id)) ||

@@ -19,8 +19,8 @@ struct DriverCandidate {
   ObjectPtr (*create)();
 };
 
-/// What the whole component shares: one copy for every facade object and every driver. The component is used from one
-/// thread; nothing is locked.
+/// What the whole component shares: one copy for every facade object and every driver. Nothing is locked here: whoever
+/// lets programs in lets in one call at a time.
 struct ModuleState {
   /// The selected driver, or null when none is selected.
   ObjectPtr currentDriver;

@@ -1,9 +1,5 @@
-// clang-format off
-#include <windows.h>
-#include <imagehlp.h>  // which does not include the former itself
-// clang-format on
-
 #include "platform/windows/datagram_sockets.h"
+#include "platform/windows/floating_point.h"
 #include "platform/windows/journal_window.h"
 #include "platform/windows/serial_port.h"
 #include "platform/windows/trace_window.h"
@@ -59,17 +55,39 @@ bool debuggerListens() {
   return watched || IsDebuggerPresent() != FALSE;
 }
 
+// Whether anybody can see what this process shows. A service has a window station of its own, without a screen.
+bool isVisible() {
+  USEROBJECTFLAGS station{};
+  return GetUserObjectInformationW(GetProcessWindowStation(), UOI_FLAGS, &station, sizeof station, nullptr) == FALSE ||
+         (station.dwFlags & WSF_VISIBLE) != 0;
+}
+
+// The program's own windows go on while one of ours is open.
 class WindowsScreen : public Screen {
  public:
   void messageBox(TextView prompt, std::uint32_t style, TextView title) override {
+    const HostFloatingPoint host;
+    if (!isVisible()) {  // and nobody would ever close the box
+      OutputDebugStringW((toWide(title) + L": " + toWide(prompt) + L"\n").c_str());
+      return;
+    }
     // Owned by the program's active window, which cannot be used while the box is open: a second call inside the first
     // would talk between its lines.
     MessageBoxW(GetActiveWindow(), toWide(prompt).c_str(), toWide(title).c_str(), style);
   }
 
-  void waitWhile(WaitText text, const std::function<bool(WaitText&)>& tick) override { runWaitDialog(text, tick); }
+  void waitWhile(WaitText text, const std::function<bool(WaitText&)>& tick) override {
+    const HostFloatingPoint host;
+    runWaitDialog(text, [&tick](WaitText& shown) {
+      const OwnFloatingPoint own;
+      return tick(shown);
+    });
+  }
 
-  std::unique_ptr<JournalView> showJournal() override { return showJournalWindow(); }
+  std::unique_ptr<JournalView> showJournal() override {
+    const HostFloatingPoint host;
+    return showJournalWindow();
+  }
 
   void showTrace(bool shown) override { showTraceWindow(shown); }
 
@@ -105,28 +123,44 @@ class WindowsFiles : public Files {
     return bytes;
   }
 
-  bool makeFolder(TextView folder) override { return MakeSureDirectoryPathExists(toAnsi(folder).c_str()) != FALSE; }
+  bool makeFolder(TextView folder) override {
+    constexpr const wchar_t* kSeparators = L"\\/";
+    const std::wstring path = toWide(folder);
+    const std::wstring last = path.substr(0, path.find_last_of(kSeparators) + 1);
+    // Whatever comes of the levels above: a drive cannot be made, nor a folder that is there.
+    for (std::size_t end = 0; !isFolder(last) && (end = last.find_first_of(kSeparators, end)) != std::wstring::npos;) {
+      CreateDirectoryW(last.substr(0, end++).c_str(), nullptr);
+    }
+    return isFolder(last);
+  }
 
   bool replace(TextView path, std::string_view bytes) override {
     const std::wstring name = toWide(path);
     const std::wstring temporary = name + L".tmp";
-    if (writeToDisk(temporary, bytes) &&
-        MoveFileExW(temporary.c_str(), name.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE) {
-      return true;
-    }
+    if (writeToDisk(temporary, bytes) && rename(temporary, name)) return true;
     DeleteFileW(temporary.c_str());
     return false;
   }
 
  private:
-  static std::string toAnsi(TextView text) {
-    constexpr std::size_t kMostBytes = 3;  // a character takes so many where the system's code page is UTF-8
-    const std::wstring wide = toWide(text);
-    std::string bytes(wide.size() * kMostBytes, '\0');
-    bytes.resize(
-        static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, 0, wide.data(), static_cast<int>(wide.size()),
-                                                     bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr)));
-    return bytes;
+  static bool isFolder(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  }
+
+  // A virus scanner may hold either file for a moment.
+  static bool rename(const std::wstring& from, const std::wstring& to) {
+    constexpr int kTries = 10;
+    constexpr DWORD kPause = 50;
+    for (int tries = 1; tries <= kTries; ++tries) {
+      if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE) {
+        return true;
+      }
+      const DWORD error = GetLastError();
+      if (error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION) return false;
+      Sleep(kPause);
+    }
+    return false;
   }
 
   static bool writeToDisk(const std::wstring& name, std::string_view bytes) {

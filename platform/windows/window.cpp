@@ -2,6 +2,8 @@
 
 #include <mutex>
 
+#include "platform/windows/floating_point.h"
+
 namespace mirvane::platform {
 namespace {
 
@@ -132,6 +134,7 @@ InputLock::InputLock() : focus_(GetFocus() != nullptr ? GetFocus() : GetActiveWi
 }
 
 void InputLock::release(bool giveFocusBack) {
+  const HostFloatingPoint host;
   for (const HWND window : windows_) EnableWindow(window, TRUE);
   windows_.clear();
   if (giveFocusBack && focus_ != nullptr) SetFocus(focus_);
@@ -149,6 +152,7 @@ PendingMessages::~PendingMessages() {
 }
 
 void PendingMessages::dispatch() {
+  const HostFloatingPoint host;
   MSG message;
   for (int i = 0; i < kMostMessages && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE; ++i) {
     if (message.message == WM_QUIT) {
