@@ -100,6 +100,8 @@ void registerTypeLibrary(HKEY root) {
   set(root, key, nullptr, shown);
   set(root, key + L"\\FLAGS", nullptr, L"0");
   set(root, key + L"\\0\\" + kPlatform, nullptr, platform::ownPath());
+  const std::wstring file = platform::ownPath();
+  set(root, key + L"\\HELPDIR", nullptr, file.substr(0, file.find_last_of(L'\\')));
 }
 
 void unregisterTypeLibrary(HKEY root) {

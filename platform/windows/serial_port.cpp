@@ -18,8 +18,15 @@ bool WindowsSerialPort::setTimeouts(std::int32_t handle, const LineTimeouts& tim
 bool WindowsSerialPort::configure(std::int32_t handle, std::string_view settings) {
   DCB state{};
   state.DCBlength = sizeof state;
-  return BuildCommDCBA(std::string(settings).c_str(), &state) != FALSE &&
-         SetCommState(toHandle(handle), &state) != FALSE;
+  if (BuildCommDCBA(std::string(settings).c_str(), &state) == FALSE) return false;
+  // The system takes no other than binary lines, and drivers of some adapters refuse two equal flow-control characters,
+  // used or not.
+  constexpr char kXon = 0x11;
+  constexpr char kXoff = 0x13;
+  state.fBinary = TRUE;
+  state.XonChar = kXon;
+  state.XoffChar = kXoff;
+  return SetCommState(toHandle(handle), &state) != FALSE;
 }
 
 std::size_t WindowsSerialPort::write(std::int32_t handle, std::string_view bytes) {
