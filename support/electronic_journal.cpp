@@ -26,19 +26,35 @@ constexpr TextView kSummarySuffix = u"_s.txt";
 // Programs have learned to take a type mismatch for a file error: the box that should have told of it always failed so.
 [[noreturn]] void failOnFile() { throw AutomationError(AutomationCode::typeMismatch); }
 
-// Not one of the folder itself or of the one above, behind which blanks do not count.
-bool isFolderName(TextView name) {
-  return name.find_first_not_of(u". ") != TextView::npos || name.find(u'.') == TextView::npos;
+// The system takes such a name for a device in every folder, whatever stands behind a dot.
+bool isDevice(TextView name) {
+  constexpr TextView kDevices[] = {u"CON", u"PRN", u"AUX", u"NUL", u"CONIN$", u"CONOUT$"};
+  constexpr TextView kNumberedDevices[] = {u"COM", u"LPT"};
+  Text word(name.substr(0, name.find(u'.')));
+  word.erase(word.find_last_not_of(u' ') + 1);
+  for (char16_t& c : word) c = c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - u'a' + u'A') : c;
+  const bool isNumbered =
+      !word.empty() && TextView(u"0123456789\u00B9\u00B2\u00B3").find(word.back()) != TextView::npos;
+  if (isNumbered) word.pop_back();
+  const auto isOneOf = [&word](const auto& names) {
+    return std::find(std::begin(names), std::end(names), word) != std::end(names);
+  };
+  return isNumbered ? isOneOf(kNumberedDevices) : isOneOf(kDevices);
 }
 
-// The name comes from the device or from a program: it must not lead out of the journal folders. Nor must the parts of
-// it that become folders.
+// Not one of the folder itself or of the one above, behind which blanks do not count, and not of a device.
+bool isFolderName(TextView name) {
+  return (name.find_first_not_of(u". ") != TextView::npos || name.find(u'.') == TextView::npos) && !isDevice(name);
+}
+
+// The name comes from the device or from a program: it must not lead out of the journal folders, nor must the parts of
+// it that become folders; and the system would drop dots and blanks at its end.
 void requirePlain(TextView name) {
   const auto isForbidden = [](char16_t c) { return c < u' ' || c == u'/' || c == u'\\' || c == u':'; };
   const TextView serialNumber = name.substr(0, kSerialNumberLength);
   const TextView zNumber = name.substr(serialNumber.size(), kZNumberLength);
-  if (std::any_of(name.begin(), name.end(), isForbidden) || name.empty() || !isFolderName(name) ||
-      !isFolderName(serialNumber) || !isFolderName(zNumber)) {
+  if (std::any_of(name.begin(), name.end(), isForbidden) || name.find_last_not_of(u". ") + 1 != name.size() ||
+      name.empty() || !isFolderName(name) || !isFolderName(serialNumber) || !isFolderName(zNumber)) {
     failOnFile();
   }
 }

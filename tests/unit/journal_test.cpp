@@ -129,7 +129,11 @@ TEST_F(Journal, AFileErrorIsATypeMismatch) {
     EXPECT_EQ(data, u"data");
     EXPECT_TRUE(unwritable != u"?" || (files.contents.empty() && files.folders.empty())) << toUtf8(file);
   };
-  for (const TextView name : {u".", u"a\\b", u"a/b", u"a:b", u"ABC123456780042\n", u"\x1F"}) fails(Text(name), u"?");
+  for (const TextView name :
+       {u".", u"a\\b", u"a/b", u"a:b", u"ABC123456780042\n", u"\x1F", u"ABC123456780042.", u"ABC123456780042_s.txt ",
+        u"con", u"Com7 .txt", u"LPT\u00B2", u"CONOUT$", u"ABC12345678nul.x_s.txt"}) {
+    fails(Text(name), u"?");
+  }
   // A folder that cannot be made, a file that cannot be written, the second folder; and a device's refused name.
   for (const TextView where : {u"c:\\bbox\\", u"c:\\bbox\\ABC12345678\\0042\\A", u"c:\\bboxBackUp\\", u"?"}) {
     fails(where == u"?" ? u".." : u"ABC123456780042", where);
