@@ -44,6 +44,16 @@ Reference inside(Value& copy, TypeKind kind) {
   });
 }
 
+// What an object stands for where none is wanted.
+Value defaultOf(const ObjectPtr& object) {
+  try {
+    return object == nullptr ? object : object->invoke(Object::kDefaultMember, ClassInfo::Access::callOrRead, {});
+  } catch (const AutomationError& error) {
+    if (error.code() == AutomationCode::memberNotFound) throw AutomationError(AutomationCode::typeMismatch);
+    throw;
+  }
+}
+
 void requireCount(Arguments given, const Parameters& parameters) {
   bool complete = given.size() <= parameters.size();
   for (std::size_t i = 0; complete && i < parameters.size(); ++i) {
@@ -106,9 +116,14 @@ void CallArguments::fill(Slot& slot, const Argument& given, const Parameter& par
     if (inPlace) return;
     slot.writeBack = true;
   }
-  slot.copy = convertedTo(parameter.type, given.missing() ? parameter.defaultValue : given.value());
+  Value value = given.missing() ? parameter.defaultValue : given.value();
+  if (!isRecord && kind != TypeKind::variant && std::holds_alternative<ObjectPtr>(value)) {
+    value = defaultOf(std::get<ObjectPtr>(value));
+    slot.given = Argument(value);  // the variable keeps its object
+  }
+  slot.copy = convertedTo(parameter.type, value);
   slot.variable = inside(slot.copy, kind);
-  if (slot.writeBack && !given.canTake(slot.copy)) throw AutomationError(AutomationCode::typeMismatch);
+  if (slot.writeBack && !slot.given.canTake(slot.copy)) throw AutomationError(AutomationCode::typeMismatch);
   if (slot.writeBack) slot.before = slot.copy;
 }
 

@@ -30,6 +30,8 @@ double numberOf(const Value& value) {
           if (!number) mismatch();
           if (std::isinf(*number)) throw AutomationError(AutomationCode::overflow);
           return *number;
+        } else if constexpr (std::is_same_v<T, Date>) {
+          return held.days;
         } else {
           mismatch();
         }
@@ -91,6 +93,8 @@ Text convertTo<Text>(const Value& value) {
           return numberText(held);
         } else if constexpr (std::is_same_v<T, Text>) {
           return held;
+        } else if constexpr (std::is_same_v<T, Date>) {
+          return held.text;
         } else {
           mismatch();
         }

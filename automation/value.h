@@ -17,12 +17,21 @@ struct Null {
   bool operator==(const Null&) const = default;
 };
 
+/// A date of the program's: its number of days, and the text that the program's system makes of it.
+struct Date {
+  double days;
+  Text text;
+
+  bool operator==(const Date&) const = default;
+};
+
 /// What an automation variable can hold. The first alternative is Empty; a null ObjectPtr is Nothing.
 using Value =
-    std::variant<std::monostate, Null, bool, std::uint8_t, std::int16_t, std::int32_t, double, Text, ObjectPtr>;
+    std::variant<std::monostate, Null, bool, std::uint8_t, std::int16_t, std::int32_t, double, Text, ObjectPtr, Date>;
 
 /// A value in the type that a member wants. Empty is 0, "" or False; True is -1 as a number; a real number becomes an
-/// integer rounded half to even; a text is a number when parseNumber takes it.
+/// integer rounded half to even; a text is a number when parseNumber takes it; a date is a number or a text, whichever
+/// is wanted.
 /// Raises typeMismatch for what has no such value (Null, an object, a text that is no number) and overflow for a number
 /// beyond the type, which for an integer infinities and NaN are too.
 template <class T>

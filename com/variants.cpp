@@ -11,8 +11,8 @@ namespace mirvane::com {
 namespace {
 
 // The type of a VARIANT for each alternative of Value.
-constexpr std::array<VARTYPE, std::variant_size_v<Value>> kTypes = {VT_EMPTY, VT_NULL, VT_BOOL, VT_UI1,     VT_I2,
-                                                                    VT_I4,    VT_R8,   VT_BSTR, VT_DISPATCH};
+constexpr std::array<VARTYPE, std::variant_size_v<Value>> kTypes = {VT_EMPTY, VT_NULL, VT_BOOL, VT_UI1,      VT_I2,
+                                                                    VT_I4,    VT_R8,   VT_BSTR, VT_DISPATCH, VT_DATE};
 
 [[noreturn]] void mismatch() { throw AutomationError(AutomationCode::typeMismatch); }
 
@@ -138,12 +138,17 @@ Value valueOf(const VARIANT& given) {
     case VT_UI8:
     case VT_R4:
     case VT_CY:
-    case VT_DATE:
     case VT_DECIMAL: {
       Variant number;
       VARIANT source = given;
       check(VariantChangeType(&number, &source, 0, VT_R8));
       return number.dblVal;
+    }
+    case VT_DATE: {
+      Variant text;
+      VARIANT source = given;
+      check(VariantChangeType(&text, &source, 0, VT_BSTR));
+      return Date{given.date, textOf(text.bstrVal)};
     }
     default:
       mismatch();
@@ -167,6 +172,8 @@ void toVariant(const Value& value, VARIANT& result) {
           result.bstrVal = toBstr(held);
         } else if constexpr (std::is_same_v<T, ObjectPtr>) {
           result.pdispVal = held == nullptr ? nullptr : wrap(held).release();
+        } else if constexpr (std::is_same_v<T, Date>) {
+          result.date = held.days;
         }
       },
       value);
@@ -210,7 +217,8 @@ void CallArgument::read(VARIANT& given) {
       argument_ = Argument(Reference(&copy_.emplace<ObjectPtr>(convertTo<ObjectPtr>(before_))));
       break;
     default:
-      argument_ = Argument(Reference(&copy_.emplace<double>(convertTo<double>(before_))));
+      before_ = convertTo<double>(before_);
+      argument_ = Argument(Reference(&copy_.emplace<double>(std::get<double>(before_))));
       break;
   }
 }

@@ -42,6 +42,21 @@ const ClassInfo& Subject::describe() {
   return info;
 }
 
+/// An object of the program's, which stands for what its default member tells.
+struct Field : Object {
+  explicit Field(Value content) : value(std::move(content)) {}
+
+  const ClassInfo& classInfo() const override { return Subject::describe(); }
+  Value invoke(std::string_view member, ClassInfo::Access /*access*/, Arguments /*arguments*/) override {
+    EXPECT_EQ(member, kDefaultMember);
+    ++reads;
+    return value;
+  }
+
+  Value value;
+  int reads = 0;
+};
+
 class Automation : public ComponentTest {
  protected:
   template <class... A>
@@ -111,6 +126,29 @@ TEST_F(Automation, VariablesTakeTheResult) {
   EXPECT_EQ(call("Real", Short{1}), 2);
   EXPECT_EQ(call("Bool", Short{0}), -1);
   EXPECT_EQ(call("Short", false), true);
+}
+
+TEST_F(Automation, AnObjectStandsForItsDefaultMemberAndIsNeverWrittenOver) {
+  const Value date = Date{46000.5, u"9/12/2025"};
+  const struct {
+    const char* member;
+    Value value, seen;
+  } cases[] = {{"Real", Text(u"2,5"), 2.5},
+               {"Text", 2.5, Text(u"2.5")},
+               {"Text", date, Text(u"9/12/2025")},
+               {"Real", date, 46000.5}};
+  for (const auto& row : cases) {
+    const auto field = std::make_shared<Field>(row.value);
+    ObjectPtr typed = field;
+    Value any = typed;
+    EXPECT_EQ(subject->call(row.member, Value(typed)), row.seen);
+    EXPECT_EQ(subject->call(row.member, typed), row.seen);
+    EXPECT_EQ(subject->call(row.member, any), row.seen);
+    EXPECT_EQ(field->reads, 3);
+    EXPECT_EQ(std::pair(typed, any), std::pair(ObjectPtr(field), Value(ObjectPtr(field))));
+  }
+  const auto nested = std::make_shared<Field>(Value(ObjectPtr(std::make_shared<Field>(Value(1.0)))));
+  EXPECT_EQ(callError("Real", Value(ObjectPtr(nested))), kTypeMismatch);
 }
 
 TEST_F(Automation, AVariableThatCannotTakeTheResultIsRefusedBeforeTheMemberRuns) {
