@@ -72,8 +72,8 @@ class Box final : public Counted<IDispatch> {
     for (UINT i = 0; i < 2; ++i) {
       if (given.rgvarg[i].vt != (VT_BYREF | VT_BSTR)) return DISP_E_TYPEMISMATCH;
     }
-    // The last argument comes first.
-    SysReAllocString(given.rgvarg[0].pbstrVal, L"c:\\journal\\$\\;c:\\copies\\$\\");
+    // The last argument comes first. The second folder is named in letters that no Greek code page has.
+    SysReAllocString(given.rgvarg[0].pbstrVal, L"c:\\journal\\$\\;c:\\\u043A\u043E\u043F\u0438\u0438\\$\\");
     return S_OK;
   }
 

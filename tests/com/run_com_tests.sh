@@ -90,6 +90,7 @@ registration() {
   diff "$WORK/before.$hive" "$WORK/registered.$hive" >"$WORK/written" || true
   grep -iq 'MirvaneEFT\.dll' "$WORK/written" || die "$hive does not name the DLL"
   grep -q 'VarlenFiscalQ7734\.fiscalTrevikModule' "$WORK/written" || die "$hive does not name the class"
+  grep -A1 'HELPDIR' "$WORK/written" | grep -iq "build.*win$bits.*com\"" || die "$hive does not name the help folder"
   cmp "$WORK/before.$other" "$WORK/registered.$other" || die "registering for $hive wrote to $other"
   # Whether the class can be created then, the scripts show for the machine's registration. For the user's, Wine cannot
   # tell: unlike Windows it looks for classes under HKLM alone.
@@ -113,6 +114,17 @@ type_library() {
 # typed_caller BITS
 typed_caller() {
   in_wine "$(windows_path "$repo/build/win$1/tests/typed-caller.exe")" >"$WORK/raw"
+  tr -d '\r' <"$WORK/raw" | tee "$WORK/printed"
+  script_passed "$WORK/printed"
+}
+
+# host_program BITS SUBJECT
+host_program() {
+  rm -rf "$WINEPREFIX"/drive_c/bbox{,BackUp}
+  start_emulator device --fault "on 3/S busy 14" --fault "on ?/ 3 busy 14"
+  link_com_port 5 "$WORK/device.pty"
+  in_wine "$(windows_path "$repo/build/win$1/tests/host.exe")" "$2" COM5 >"$WORK/raw" ||
+    echo "the program ended with $?"
   tr -d '\r' <"$WORK/raw" | tee "$WORK/printed"
   script_passed "$WORK/printed"
 }
@@ -169,6 +181,14 @@ fi
 if [[ typed_caller == $pattern ]]; then
   for bits in 32 64; do run_case "typed_caller.$bits" typed_caller "$bits"; done
 fi
+for subject in runtime cycles floating_point threads line service scanner; do
+  for bits in 32 64; do
+    # The runtime library takes the exceptions of 32-bit modules alone.
+    # shellcheck disable=SC2053
+    [[ host_$subject == $pattern && $subject.$bits != runtime.64 ]] || continue
+    run_case "host_$subject.$bits" host_program "$bits" "$subject"
+  done
+done
 for script in "$here"/scripts/*.{vbs,js} "$repo"/examples/*/*.{vbs,js}; do
   name=$(basename "$script")
   [[ $script == "$here"/* ]] || name="example.$name"

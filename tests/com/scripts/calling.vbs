@@ -9,6 +9,7 @@ Set module = CreateObject(Library & "fiscalTrevikModule")
 module.Connect_ port, Result, Exresult, Suppress
 
 Conversions
+Objects
 PassedByValue
 Outer Result, Exresult
 Impossible
@@ -22,14 +23,37 @@ Sub Conversions
   Sold "an omitted optional", "70002.50"
 End Sub
 
+' An object of the program's stands for its default property, as a field of a recordset does.
+Class Field
+  Public Reads, Content
+  Public Default Property Get Value
+    Reads = Reads + 1
+    Value = Content
+  End Property
+End Class
+
+Sub Objects
+  Dim description, quantity, code, text
+  Set description = New Field: description.Content = "as an object"
+  Set quantity = New Field: quantity.Content = "2,5"
+  module.ItemSale description, quantity, (quantity), 13, 1, Result, Exresult, True
+  Sold "objects", "70008.75"
+  Expect "objects afterwards", "Field Field", TypeName(description) & " " & TypeName(quantity)
+  Expect "how often they were read", "1 2", description.Reads & " " & quantity.Reads
+  quantity.Content = Null
+  On Error Resume Next
+  module.ItemSale "Null", quantity, 1, 13, 1, Result, Exresult, True
+  Expect "Err.Number of an object whose value is Null", CLng(13), Err.Number
+End Sub
+
 ' What is passed by value takes no result.
 Sub PassedByValue
   Before
   module.ItemSale ("parenthesised"), ("1"), (4.5), 13, 1, (Result), (Exresult), (Suppress)
-  total = "70007.00"
+  total = "70013.25"
   Unchanged "parenthesised arguments"
   module.ItemSale "literals", 1, 0.5, 13, 1, 0, "", True, "note", 1
-  total = "70007.50"
+  total = "70013.75"
   Unchanged "literals"
 End Sub
 

@@ -22,7 +22,7 @@ Save "c:\bbox", "c:\bboxBackUp"
 
 Register
 WithBox
-Save "c:\journal", "c:\copies"
+Save "c:\journal", "c:\" & ChrW(&H43A) & ChrW(&H43E) & ChrW(&H43F) & ChrW(&H438) & ChrW(&H438)
 Unregister
 WScript.Echo "ok"
 
