@@ -137,26 +137,15 @@ std::shared_ptr<Feed>& feed() {
 }
 
 DWORD WINAPI runTraceWindow(void* given) {
-  {
-    const std::unique_ptr<std::shared_ptr<Feed>> own(static_cast<std::shared_ptr<Feed>*>(given));
-    TraceWindow(**own).run();
-  }
-  FreeLibraryAndExitThread(ownModule(), 0);
+  const std::unique_ptr<std::shared_ptr<Feed>> own(static_cast<std::shared_ptr<Feed>*>(given));
+  TraceWindow(**own).run();
+  return 0;
 }
 
 bool startTraceWindow(const std::shared_ptr<Feed>& lines) {
-  // Whoever unloads the component, its code stays as long as the thread is in it.
-  HMODULE held = nullptr;
-  if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&runTraceWindow), &held) ==
-      FALSE) {
-    return false;
-  }
   auto given = std::make_unique<std::shared_ptr<Feed>>(lines);
   const HANDLE thread = CreateThread(nullptr, 0, &runTraceWindow, given.get(), 0, nullptr);
-  if (thread == nullptr) {
-    FreeLibrary(held);
-    return false;
-  }
+  if (thread == nullptr) return false;
   static_cast<void>(given.release());
   CloseHandle(thread);
   return true;

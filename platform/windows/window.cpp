@@ -1,7 +1,5 @@
 #include "platform/windows/window.h"
 
-#include <mutex>
-
 #include "platform/windows/floating_point.h"
 
 namespace mirvane::platform {
@@ -12,9 +10,6 @@ constexpr UINT kDpiChanged = 0x02E0;
 
 // A window that never settles must not hold the call up.
 constexpr int kMostMessages = 1000;
-
-// A class must not go while a window of it is being made on another thread.
-std::mutex classes;
 
 UINT dpiOf(HWND window) {
   // Older systems, which lack the call, give one resolution to all monitors.
@@ -31,11 +26,7 @@ UINT dpiOf(HWND window) {
 }  // namespace
 
 Window::~Window() {
-  if (className_ == nullptr) return;
   if (window_ != nullptr) DestroyWindow(window_);
-  const std::lock_guard lock(classes);
-  // While another window of the class is open it stays.
-  UnregisterClassW(className_, ownModule());
 }
 
 RECT Window::make(const Look& look, HWND owner) {
@@ -50,10 +41,9 @@ RECT Window::make(const Look& look, HWND owner) {
   description.lpfnWndProc = &Window::procedure;
   description.hInstance = ownModule();
   description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-  description.lpszClassName = className_ = look.className;
+  description.lpszClassName = look.className;
 
-  const std::lock_guard lock(classes);
-  RegisterClassExW(&description);
+  RegisterClassExW(&description);  // fails from the second window on: the class stays
   // Made on its monitor, which decides the resolution; only then can its size be told.
   CreateWindowExW(look.extendedStyle, look.className, look.title, look.style, area.left, area.top, 1, 1, owner, nullptr,
                   ownModule(), this);

@@ -15,8 +15,7 @@ struct FontDeleter {
 };
 using Font = std::unique_ptr<std::remove_pointer_t<HFONT>, FontDeleter>;
 
-/// A window of the component. It belongs to the thread that makes it, and takes its class away with it: the class
-/// points into a DLL that may be unloaded.
+/// A window of the component. It belongs to the thread that makes it.
 class Window {
  public:
   Window(const Window&) = delete;
@@ -56,7 +55,6 @@ class Window {
   void paint() const;
 
   HWND window_ = nullptr;
-  const wchar_t* className_ = nullptr;
   UINT dpi_ = 0;
 };
 

@@ -21,8 +21,8 @@ TEST_F(NullDriver, RefusesEveryOperationAlikeAndChangesNothingElse) {
     std::vector<Value> expected;
     for (const Parameter& parameter : member.parameters) {
       const auto [kind, className] = parameter.type;
-      const Value plain = kind == TypeKind::boolean ? Value(true) : Value(Short{7});
-      expected.push_back(kind == TypeKind::object ? Value(create(className)) : plain);
+      expected.push_back(kind == TypeKind::boolean ? Value(true) : Value(Short{7}));
+      if (kind == TypeKind::object) expected.back() = Value(create(className));
     }
     std::vector<Value> variables = expected;
     std::vector<Argument> arguments;

@@ -25,7 +25,8 @@ End Sub
 
 ' An object of the program's stands for its default property, as a field of a recordset does.
 Class Field
-  Public Reads, Content
+  Public Reads
+  Public Content
   Public Default Property Get Value
     Reads = Reads + 1
     Value = Content
@@ -33,12 +34,12 @@ Class Field
 End Class
 
 Sub Objects
-  Dim description, quantity, code, text
+  Dim description, quantity
   Set description = New Field: description.Content = "as an object"
   Set quantity = New Field: quantity.Content = "2,5"
   module.ItemSale description, quantity, (quantity), 13, 1, Result, Exresult, True
   Sold "objects", "70008.75"
-  Expect "objects afterwards", "Field Field", TypeName(description) & " " & TypeName(quantity)
+  Expect "objects afterwards", True, IsObject(description) And IsObject(quantity)
   Expect "how often they were read", "1 2", description.Reads & " " & quantity.Reads
   quantity.Content = Null
   On Error Resume Next
