@@ -5,6 +5,7 @@
 #include <functional>
 #include <initializer_list>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "automation/argument.h"
@@ -198,6 +199,43 @@ struct TypeOf<E> {
   static constexpr Type value{TypeKind::enumeration, enumerationName(E{})};
 };
 
+/// Several parameters of a member that its C++ signature has as one: a structure of references, whose fields' types are
+/// listed in its Types.
+template <class A>
+concept Compound = requires {
+  typename A::Types;
+};
+
+template <class A>
+struct Expanded {
+  static constexpr std::size_t kWidth = 1;
+  static void describe(Parameter* at) {
+    at->type = TypeOf<std::remove_cvref_t<A>>::value;
+    at->byReference = std::is_lvalue_reference_v<A>;
+  }
+  static decltype(auto) take(CallArguments& arguments, std::size_t at) { return arguments.get<A>(at); }
+};
+
+template <class... F>
+struct Fields;
+template <class... F>
+struct Fields<std::tuple<F...>> {
+  static void describe(Parameter* at) { (Expanded<F>::describe(at++), ...); }
+  template <class A, std::size_t... I>
+  static A take(CallArguments& arguments, std::size_t at, std::index_sequence<I...> /*fields*/) {
+    return A{arguments.get<F>(at + I)...};
+  }
+};
+
+template <Compound A>
+struct Expanded<A> {
+  static constexpr std::size_t kWidth = std::tuple_size_v<typename A::Types>;
+  static void describe(Parameter* at) { Fields<typename A::Types>::describe(at); }
+  static A take(CallArguments& arguments, std::size_t at) {
+    return Fields<typename A::Types>::template take<A>(arguments, at, std::make_index_sequence<kWidth>());
+  }
+};
+
 }  // namespace detail
 
 /// One member of an interface that several classes offer: described once, and implemented, refused or forwarded by each
@@ -213,14 +251,15 @@ struct Contract<R(A...)> {
 
   Contract(std::string_view memberName, MemberKind memberKind, Parameters memberParameters)
       : name(memberName), kind(memberKind), parameters(std::move(memberParameters)) {
-    if (parameters.size() != sizeof...(A)) throw std::logic_error("parameter names do not match the signature");
-    std::size_t i = 0;
-    ((parameters[i].type = detail::TypeOf<std::remove_cvref_t<A>>::value,
-      parameters[i].byReference = std::is_lvalue_reference_v<A>, ++i),
-     ...);
+    if (parameters.size() != (0 + ... + detail::Expanded<A>::kWidth)) {
+      throw std::logic_error("parameter names do not match the signature");
+    }
+    [[maybe_unused]] Parameter* at = parameters.data();
+    ((detail::Expanded<A>::describe(at), at += detail::Expanded<A>::kWidth), ...);
   }
 
-  /// The table row whose member runs `implementation`, a member function of C or a callable that takes a C& first.
+  /// The table row whose member runs `implementation`, a member function of C or a callable that takes a C& first. One
+  /// that returns nothing leaves the result Empty.
   template <class C, class F>
   Member implementedBy(F implementation) const {
     return row([implementation](Object& self, CallArguments& arguments) {
@@ -234,16 +273,27 @@ struct Contract<R(A...)> {
   }
 
  private:
+  // Where argument `i` of the signature begins among the parameters.
+  static constexpr std::size_t position(std::size_t i) {
+    constexpr std::array<std::size_t, sizeof...(A) + 1> kWidths = {detail::Expanded<A>::kWidth..., 0};
+    std::size_t at = 0;
+    while (i > 0) at += kWidths[--i];
+    return at;
+  }
+
   template <class C, class F, std::size_t... I>
   static Value run(const F& implementation, C& self, [[maybe_unused]] CallArguments& arguments,
                    std::index_sequence<I...> /*positions*/) {
-    if constexpr (std::is_void_v<R>) {
-      std::invoke(implementation, self, arguments.get<A>(I)...);
+    const auto call = [&]() -> decltype(auto) {
+      return std::invoke(implementation, self, detail::Expanded<A>::take(arguments, position(I))...);
+    };
+    if constexpr (std::is_void_v<decltype(call())>) {
+      call();
       return {};
     } else if constexpr (Enumeration<R>) {
-      return static_cast<std::int32_t>(std::invoke(implementation, self, arguments.get<A>(I)...));
+      return static_cast<std::int32_t>(call());
     } else {
-      return std::invoke(implementation, self, arguments.get<A>(I)...);
+      return call();
     }
   }
 };

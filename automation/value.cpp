@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "automation/number_text.h"
+#include "text/number_text.h"
 
 namespace mirvane {
 namespace {

@@ -6,7 +6,7 @@
 #include <variant>
 
 #include "automation/errors.h"
-#include "platform/code_page.h"
+#include "text/code_page.h"
 
 namespace mirvane {
 

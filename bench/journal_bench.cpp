@@ -8,7 +8,7 @@
 #include <filesystem>
 
 #include "bench/till.h"
-#include "driver/wire.h"
+#include "protocol/wire.h"
 
 namespace mirvane::bench {
 

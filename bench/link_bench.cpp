@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "bench/till.h"
-#include "driver/wire.h"
+#include "protocol/wire.h"
 
 namespace mirvane::bench {
 

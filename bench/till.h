@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/code_page.h"
+#include "text/code_page.h"
 
 namespace mirvane::bench {
 

@@ -4,7 +4,7 @@
 
 #include "bench/till.h"
 #include "component/component.h"
-#include "interface/fiscal_trevik_module.h"
+#include "facade/fiscal_trevik_module.h"
 #include "support/electronic_journal.h"
 
 namespace mirvane::bench {

@@ -2,7 +2,7 @@
 
 #include "com/dispatch.h"
 #include "com/foreign_object.h"
-#include "interface/module_state.h"
+#include "state/module_state.h"
 
 namespace mirvane::com {
 namespace {

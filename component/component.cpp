@@ -3,21 +3,20 @@
 #include <array>
 
 #include "driver/fiscal_varlen_module2.h"
-#include "interface/c_port_prop.h"
-#include "interface/cls_accumulator.h"
-#include "interface/cls_daily_acc.h"
-#include "interface/cls_eft.h"
-#include "interface/cls_param.h"
-#include "interface/cls_status.h"
-#include "interface/cls_trans_total.h"
-#include "interface/clse_send_props.h"
-#include "interface/dec2bin.h"
-#include "interface/fiscal_null_module.h"
-#include "interface/fiscal_trevik_module.h"
+#include "facade/fiscal_null_module.h"
+#include "facade/fiscal_trevik_module.h"
 #include "legacy/older_families.h"
+#include "link/network_endpoint.h"
+#include "records/cls_accumulator.h"
+#include "records/cls_daily_acc.h"
+#include "records/cls_eft.h"
+#include "records/cls_param.h"
+#include "records/cls_status.h"
+#include "records/cls_trans_total.h"
+#include "records/clse_send_props.h"
+#include "records/dec2bin.h"
 #include "support/electronic_journal.h"
 #include "support/price_adjustments.h"
-#include "support/tcp_client.h"
 
 namespace mirvane {
 namespace {
@@ -55,6 +54,7 @@ constexpr std::array kPublicClasses = {
 std::span<const PublicClass> publicClasses() { return kPublicClasses; }
 
 void startComponent() {
+  moduleState().createNullDriver = &create<fiscalNullModule>;
   moduleState().candidates = {kFiscalOrnaModule,
                               kFiscalVarlenModule,
                               {FISCAL_VARLENFISCAL2, FiscalVarlenModule2::kName, &create<FiscalVarlenModule2>}};

@@ -1,124 +1,70 @@
-#include <optional>
-
-#include "automation/number_text.h"
 #include "driver/fiscal_varlen_module2.h"
-#include "driver/result_codes.h"
-#include "interface/c_port_prop.h"
-#include "interface/module_state.h"
-#include "interface/text.h"
-#include "support/message_catalogue.h"
+#include "link/port.h"
+#include "link/transport.h"
 #include "version.h"
 
 namespace mirvane {
 namespace {
 
-constexpr char kLineSettings[] = "115200,n,8,1";
-constexpr platform::LineTimeouts kLineTimeouts{20, 1, 1, 1, 10};
+// Longest logo line of this device, in characters.
+constexpr std::int16_t kLogoLine = 48;
 
-struct NetworkName {
-  Text host;
-  std::int32_t port;
-  std::int32_t localPort;
-};
+// Members of this driver alone, which the wait and programs that hold the driver call by name.
+const Contract<bool(Text&)> kSendData{"SendData", MemberKind::method, parametersOf({{"strData"}})};
+const Contract<Text()> kRecData{"recData", MemberKind::method, {}};
+const Contract<bool()> kAvailData{"availData", MemberKind::method, {}};
+const Contract<void()> kClearBuffer{"clearBuffer", MemberKind::method, {}};
+const Contract<Text(Text&, Outcome, Text&, std::int16_t&)> kSend{
+    "Send_", MemberKind::method, parametersOf({{"CmdString"}, kOutcome, {"Pass", optional("timeOut")}})};
+const Contract<void(Text&, Outcome, Text&, std::int16_t&)> kSendCommand{
+    "SendCommand_", MemberKind::method, parametersOf({{"CmdString"}, kOutcome, {"Pass", optional("timeOut")}})};
 
-std::optional<std::int32_t> numberUpTo(TextView digits, std::int32_t most) {
-  if (digits.empty() || digits.size() > 5 || digits.find_first_not_of(u"0123456789") != TextView::npos) return {};
-  const auto value = static_cast<std::int32_t>(parseNumber(digits).value_or(0));
-  if (value > most) return {};
-  return value;
+// One exchange at the link's own level: no wait, no box but the one about unknown characters.
+Reply exchangeOnce(Driver& driver, TextView command, Outcome outcome, std::int16_t timeOut = 0) {
+  const Reply reply = driver.session.exchange(
+      command, {timeOut, outcome.SupressError_, [&outcome](const Reply& silence) { outcome.take(silence); }});
+  outcome.take(reply);
+  return reply;
 }
 
-// "192.168.1.50:9100" or "192.168.1.50:9100:5000": address, port and, if it matters, the local port.
-std::optional<NetworkName> parseNetworkName(TextView name) {
-  const std::vector<Text> parts = split(name, u':');
-  if (parts.size() < 2 || parts.size() > 3) return {};
-  const std::vector<Text> octets = split(parts[0], u'.');
-  if (octets.size() != 4) return {};
-  // Written anew: the system takes a number with a leading zero for an octal one.
-  Text host;
-  for (const Text& octet : octets) {
-    const auto value = numberUpTo(octet, 255);
-    if (!value) return {};
-    host += (host.empty() ? u"" : u".") + numberText(*value);
-  }
-  const auto port = numberUpTo(parts[1], 65535);
-  const auto localPort = parts.size() == 3 ? numberUpTo(parts[2], 65535) : 0;
-  if (!port || !localPort) return {};
-  return NetworkName{host, *port, *localPort};
-}
-
-bool openNetwork(const NetworkName& name) {
-  const std::shared_ptr<cTCPIP> endpoint = portProp().TCPClass();
-  endpoint->RemoteHostIP(name.host);
-  endpoint->RemotePort(name.port);
-  const bool opened = endpoint->OpenConnection(name.localPort) == 0;
-  if (endpoint->SocketHnd() > 0) {
-    // Marked as the open port even when connecting failed, so that closing finds what was left half open.
-    portProp().tcpPort = true;
-    moduleState().portHandle = endpoint->SocketHnd();
-  } else {
-    portProp().setTCPClass(nullptr);
-  }
-  return opened;
-}
-
-// Names past COM9 are no devices of their own on Windows: they need the prefix.
-bool openSerial(const Text& name) {
-  platform::SerialPort& serial = moduleState().platform->serial;
-  std::int32_t& handle = moduleState().portHandle;
-  handle = serial.open(name);
-  const Text prefix = left(name, 3);
-  const bool isComNumber =
-      (prefix == u"COM" || prefix == u"com") && numberUpTo(TextView(name).substr(3), 65535).has_value();
-  if (handle <= 0 && isComNumber) handle = serial.open(u"\\\\.\\" + name);
-  return handle > 0;
-}
-
-bool configureSerial() {
-  platform::SerialPort& serial = moduleState().platform->serial;
-  serial.setTimeouts(moduleState().portHandle, kLineTimeouts);
-  return serial.configure(moduleState().portHandle, kLineSettings);
+template <class T>
+void addProperty(Rows& rows, const char* name, T Session::*field) {
+  rows.add(Contract<T()>(name, MemberKind::get, {}).template implementedBy<Driver>([field](Driver& driver) {
+    return driver.session.*field;
+  }));
+  rows.add(Contract<void(T)>(name, MemberKind::put, parametersOf({{"value"}}))
+               .template implementedBy<Driver>([field](Driver& driver, T value) { driver.session.*field = value; }));
 }
 
 }  // namespace
 
-void FiscalVarlenModule2::Connect_(Text PORT, std::int16_t& Result, Text& Exresult, bool& SupressError_) {
-  Result = 0;
-  Exresult.clear();
-  ModuleState& state = moduleState();
-  if (state.portHandle > 0) return;
-  const auto network = parseNetworkName(PORT);
-  const bool opened = network ? openNetwork(*network) : openSerial(PORT);
-  if (!opened) {
-    Result = kCannotOpen;
-    Exresult = u"Πρόβλημα στην Θύρα :" + PORT;
-  }
-  // Tried on a port that did not open too: its failure is the one that the caller sees.
-  if (!network && !configureSerial()) {
-    Result = kCannotConfigure;
-    Exresult = langMessage(message::kPortNotConfigured) + PORT;
-  }
-  if (Result == 0) return;
-  // Variables of its own: the caller keeps the failure that is being cleaned up after.
-  std::int16_t closeResult = 0;
-  Text closeText;
-  DisConnect_(PORT, closeResult, closeText, SupressError_);
-}
-
-Value FiscalVarlenModule2::DisConnect_(Text& /*PORT*/, std::int16_t& Result, Text& /*Exresult*/,
-                                       bool& /*SupressError_*/) {
-  Result = closePort();
-  return {};
-}
-
-void FiscalVarlenModule2::GetVersionInfo(std::int16_t& Result, Text& Exresult, bool& SupressError_, Text& Pass) {
-  Text command = u"v/";
-  std::int16_t timeOut = 0;
-  Send_(command, Result, Exresult, SupressError_, Pass, timeOut);
-  if (Result != 0) return;
-  const std::vector<Text> fields = split(lastReply_, u'/');
-  Exresult = pieceAt(fields, 3) + u"\r\n" + pieceAt(fields, 4) + u"[" + pieceAt(fields, 5) + u"]\r\n" +
-             fromUtf8(MIRVANE_VERSION "\r\n" MIRVANE_PRODUCT);
+void addConnection(Rows& rows) {
+  using namespace contract;
+  addProperty(rows, "lastResult", &Session::lastResult);
+  addProperty(rows, "lastexResult", &Session::lastexResult);
+  rows.implement(kSendData, [](Driver&, Text& text) { return transport().write(toCodePage(text)); })
+      .implement(kRecData, [](Driver&) { return fromCodePage(transport().read()); })
+      .implement(kAvailData, [](Driver&) { return transport().hasDatagram(); })
+      .implement(kClearBuffer, [](Driver&) { transport().drain(); })
+      .implement(lastReply, [](Driver& driver) { return driver.session.lastReply(); })
+      .implement(kSend, [](Driver& driver, Text& command, Outcome outcome, Text&,
+                           Integer& timeOut) { return exchangeOnce(driver, command, outcome, timeOut).raw(); })
+      .implement(kSendCommand, [](Driver& driver, Text& command, Outcome outcome, Text&,
+                                  Integer& timeOut) { driver.session.send(command, outcome, timeOut); })
+      .implement(GetVersionInfo,
+                 [](Driver& driver, Outcome outcome, Text&) {
+                   const Reply reply = exchangeOnce(driver, u"v/", outcome);
+                   if (!reply.succeeded()) return;
+                   // A version that is not told is a blank one.
+                   const auto part = [&reply](std::size_t i) {
+                     return i < reply.countAll() ? reply.textAt(i) : Text();
+                   };
+                   outcome.Exresult = part(0) + u"\r\n" + part(1) + u"[" + part(2) + u"]\r\n" +
+                                      fromUtf8(MIRVANE_VERSION "\r\n" MIRVANE_PRODUCT);
+                 })
+      .implement(Connect_, [](Driver&, const Text& PORT, Outcome outcome) { outcome.take(openPort(PORT)); })
+      .implement(DisConnect_, [](Driver&, Text&, Outcome outcome) { outcome.Result = closePort(); })
+      .implement(logoLineDescLength, [](Driver&) { return kLogoLine; });
 }
 
 }  // namespace mirvane

@@ -1,7 +1,6 @@
 #include "driver/fiscal_varlen_module2.h"
-#include "interface/module_state.h"
-#include "interface/numbers.h"
-#include "interface/text.h"
+#include "interface/send_by_name.h"
+#include "state/module_state.h"
 #include "support/electronic_journal.h"
 
 namespace mirvane {
@@ -10,67 +9,69 @@ namespace {
 constexpr int kJournalTries = 3;
 constexpr std::uint32_t kPauseMilliseconds = 3000;
 
-constexpr std::int16_t kJournalNotTransferred = 61;
-
-}  // namespace
-
 // Takes the day's journal from the device, before a closing. True when that failed; `message` is then the code, "~"
 // and its text.
-bool FiscalVarlenModule2::journalStepFails(Text& message) {
+bool journalStepFails(Driver& driver, Text& message) {
   message = u"0";
-  if (journal_ == nullptr) journal_ = std::make_shared<FiscalJournal>();
+  if (driver.journal == nullptr) driver.journal = std::make_shared<FiscalJournal>();
   bool closesDay = true;
   bool withForm = true;
   moduleState().journalStepFailed = true;  // also when a file error leaves the step
-  moduleState().journalStepFailed = journal_->eMakeZreport(message, closesDay, withForm) != 0;
+  moduleState().journalStepFailed = driver.journal->eMakeZreport(message, closesDay, withForm) != 0;
   return moduleState().journalStepFailed;
 }
 
-void FiscalVarlenModule2::tellJournalFailure(const Text& message, std::int16_t& Result, Text& Exresult) {
-  const std::size_t code = message.find(u'~');
-  Result = toInt(TextView(message).substr(0, code));
-  Exresult = code == Text::npos ? Text() : message.substr(code + 1);
-}
-
-bool FiscalVarlenModule2::journalIsTaken(Text& message) {
+bool journalIsTaken(Driver& driver, Text& message) {
   for (int i = 0; i < kJournalTries; ++i) {
-    if (!journalStepFails(message)) return true;
+    if (!journalStepFails(driver, message)) return true;
     moduleState().platform->clock.sleep(kPauseMilliseconds);
   }
   return false;
 }
 
-Value FiscalVarlenModule2::issueZReport(std::int16_t& Result, Text& Exresult, bool& SupressError_) {
-  Text message;
-  if (journalIsTaken(message)) {
-    bool silent = true;
-    sendByCurrentDriver(u"x/2/2", Result, Exresult, silent);
-  } else if (!SupressError_) {
-    // A silent caller keeps its variables: it learns of the failure from the missing report alone.
-    tellJournalFailure(message, Result, Exresult);
-    report(Result, Exresult, SupressError_);
-  }
-  return {};
+Reply failureOf(const Text& message) {
+  const std::size_t code = message.find(u'~');
+  return {toInt(TextView(message).substr(0, code)), code == Text::npos ? Text() : message.substr(code + 1)};
 }
 
-Value FiscalVarlenModule2::issueZReprintReport(std::int16_t& Result, Text& Exresult, bool& SupressError_) {
-  Text message;
-  if (moduleState().journalStepFailed && journalStepFails(message)) {
-    tellJournalFailure(message, Result, Exresult);
-    if (!SupressError_) {
-      moduleState().platform->screen.messageBox(message, platform::kExclamation, kDeviceFamilyName);
-    }
-    return {};
-  }
+// The box of a device error never comes from the Z report and its reprint.
+void printSilently(const Text& command, Outcome outcome) {
   bool silent = true;
-  sendByCurrentDriver(u"x/9/", Result, Exresult, silent);
-  if (Result == kJournalNotTransferred) issueZReport(Result, Exresult, SupressError_);
-  return {};
+  sendByCurrentDriver(command, {outcome.Result, outcome.Exresult, silent});
 }
 
-Value FiscalVarlenModule2::issueXReport(std::int16_t& Result, Text& Exresult, bool& SupressError_) {
-  sendByCurrentDriver(u"x/1/", Result, Exresult, SupressError_);
-  return {};
+// Closes the fiscal day once its journal is on the disk. Without the journal nothing is closed: the box and the outcome
+// tell it, but a silent caller keeps its variables and learns of it from the missing report alone. A file error raises
+// typeMismatch.
+void closeDay(Driver& driver, Outcome outcome) {
+  Text message;
+  if (journalIsTaken(driver, message)) {
+    printSilently(u"x/2/2", outcome);
+  } else if (!outcome.SupressError_) {
+    Session::fail(failureOf(message), outcome);
+  }
+}
+
+}  // namespace
+
+void addReports(Rows& rows) {
+  using namespace contract;
+  rows.implement(issueZReport, closeDay)
+      // The whole closing when the device has a journal that was not taken yet.
+      .implement(issueZReprintReport,
+                 [](Driver& driver, Outcome outcome) {
+                   Text message;
+                   if (moduleState().journalStepFailed && journalStepFails(driver, message)) {
+                     outcome.take(failureOf(message));
+                     if (outcome.SupressError_) return;
+                     moduleState().platform->screen.messageBox(message, platform::kExclamation, kDeviceFamilyName);
+                     return;
+                   }
+                   printSilently(u"x/9/", outcome);
+                   if (outcome.Result == static_cast<int>(DeviceCode::kJournalNotTransferred))
+                     closeDay(driver, outcome);
+                 })
+      .implement(issueXReport, [](Driver&, Outcome outcome) { sendByCurrentDriver(u"x/1/", outcome); });
 }
 
 }  // namespace mirvane

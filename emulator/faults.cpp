@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "emulator/device.h"
-#include "platform/code_page.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 namespace {

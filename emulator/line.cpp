@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "driver/wire.h"
+#include "protocol/wire.h"
 
 namespace mirvane::emulator {
 namespace {

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string_view>
 
-#include "platform/code_page.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 

@@ -5,7 +5,7 @@
 
 #include "emulator/money.h"
 #include "emulator/result_code.h"
-#include "platform/code_page.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "driver/wire.h"
 #include "emulator/transport.h"
+#include "protocol/wire.h"
 
 namespace mirvane::emulator {
 namespace {

@@ -1,62 +1,52 @@
 #pragma once
 
 #include "automation/member.h"
-#include "interface/cls_accumulator.h"
-#include "interface/cls_daily_acc.h"
-#include "interface/cls_eft.h"
-#include "interface/cls_param.h"
-#include "interface/cls_status.h"
-#include "interface/cls_trans_total.h"
+#include "interface/outcome.h"
+#include "records/cls_accumulator.h"
+#include "records/cls_daily_acc.h"
+#include "records/cls_eft.h"
+#include "records/cls_param.h"
+#include "records/cls_status.h"
+#include "records/cls_trans_total.h"
 
 // What a program can ask of a register. Every driver offers these members under exactly these names, and the facade
 // reaches them by name, with the caller's own variables.
 //
-// Every operation reports through three variables of the caller's:
-//   Result         0 success; greater than 0 a code of the device (100: no driver is selected); less than 0 the port or
-//                  the link failed (-1, -2 port; -3, -4 no answer; -6 not open; -207 not now)
-//   Exresult       the text for the operator; on success what the operation put there
-//   SupressError_  True: no message box is shown; only the network endpoint's own boxes know no suppression
+// Every operation reports through its Outcome: three variables of the caller's.
 // Pass, where there is one, is the command's password. Amounts are in euro, rates in percent.
 namespace mirvane::contract {
 
-using Integer = std::int16_t&;
-using Real = double&;
-using String = Text&;
-using Flag = bool&;
-using Byte = std::uint8_t&;
+using Integer = std::int16_t;
+using Real = double;
+using Byte = std::uint8_t;
 
-/// The variables that every operation reports through.
-inline constexpr std::array<ParameterName, 3> kResult = {"Result", "Exresult", "SupressError_"};
-
-/// An operation: its own parameters, the result variables, and what stands behind those.
+/// An operation: its own parameters, the variables that it reports through, and what stands behind those.
 template <class Signature>
 Contract<Signature> method(std::string_view name, ParameterNames before = {}, ParameterNames after = {}) {
-  return {name, MemberKind::method, parametersOf({before, kResult, after})};
+  return {name, MemberKind::method, parametersOf({before, kOutcome, after})};
 }
 
-using Plain = Value(Integer, String, Flag);
-using PlainProcedure = void(Integer, String, Flag);
-using WithText = Value(String, Integer, String, Flag);
-using WithInteger = Value(Integer, Integer, String, Flag);
-using WithAmount = Value(Real, String, Integer, String, Flag);
-using FiveRates = Value(Real, Real, Real, Real, Real, Integer, String, Flag);
-using FiveLines = Value(String, Integer, String, Integer, String, Integer, String, Integer, String, Integer, Integer,
-                        String, Flag);
-using ThreeLines = Value(String, Integer, String, Integer, String, Integer, Integer, String, Flag);
+using Plain = Value(Outcome);
+using PlainProcedure = void(Outcome);
+using WithText = Value(Text&, Outcome);
+using WithInteger = Value(Integer&, Outcome);
+using WithAmount = Value(Real&, Text&, Outcome);
+using FiveRates = Value(Real&, Real&, Real&, Real&, Real&, Outcome);
+using FiveLines = Value(Text&, Integer&, Text&, Integer&, Text&, Integer&, Text&, Integer&, Text&, Integer&, Outcome);
+using ThreeLines = Value(Text&, Integer&, Text&, Integer&, Text&, Integer&, Outcome);
 template <class Record>
-using WithRecord = void(Record&, Integer, String, Flag);
-using Classifier = bool(Integer);
-using ItemLine = Value(String, Real, Real, Real, Integer, Integer, String, Flag, String, Integer);
+using WithRecord = void(Record&, Outcome);
+using Classifier = bool(Integer&);
+using ItemLine = Value(Text&, Real&, Real&, Real&, Integer&, Outcome, Text&, Integer&);
 
 // ---- Connection
 
 /// Sends a command text of the caller's own.
-inline const auto SendCommand_ =
-    method<void(String, Integer, String, Flag, String)>("SendCommand_", {"CmdString"}, {"Pass"});
+inline const auto SendCommand_ = method<void(Text&, Outcome, Text&)>("SendCommand_", {"CmdString"}, {"Pass"});
 /// Exresult becomes four lines: model, version and build, version of the driver, name of the component.
-inline const auto GetVersionInfo = method<void(Integer, String, Flag, String)>("GetVersionInfo", {}, {"Pass"});
+inline const auto GetVersionInfo = method<void(Outcome, Text&)>("GetVersionInfo", {}, {"Pass"});
 /// PORT is "COM1" and so on, or "192.168.1.50:9100" with an optional ":local port" for a register on the network.
-inline const auto Connect_ = method<void(Text, Integer, String, Flag)>("Connect_", {"PORT"});
+inline const auto Connect_ = method<void(Text, Outcome)>("Connect_", {"PORT"});
 /// Result is 1 when a port was closed, 0 when none was open.
 inline const auto DisConnect_ = method<WithText>("DisConnect_", {"PORT"});
 
@@ -74,12 +64,12 @@ inline const auto ItemVoid = method<ItemLine>("ItemVoid", kItemParameters, kItem
 /// Takes back goods of an earlier receipt.
 inline const auto ItemRefund = method<ItemLine>("ItemRefund", kItemParameters, kItemOptions);
 /// Pays, and closes the receipt when nothing is left to pay. The form without a card terminal, of the null driver.
-inline const auto Payment = method<Value(Integer, String, Real, Integer, String, Flag, String, Flag)>(
+inline const auto Payment = method<Value(Integer&, Text&, Real&, Outcome, Text&, bool&)>(
     "Payment", {"paymentNumber", "paymentDesc", "paymentAmount"},
     {optional("paymentDesc2"), optional("bReadEJ", false)});
 /// Pays, by card terminal eftposNum of type eftposType where these are greater than 0, and closes the receipt when
 /// nothing is left to pay. The form of the drivers.
-using CardPayment = Value(Integer, String, Real, Integer, Integer, Integer, String, Flag, String, Flag, Flag);
+using CardPayment = Value(Integer&, Text&, Real&, Integer&, Integer&, Outcome, Text&, bool&, bool&);
 inline constexpr std::array<ParameterName, 5> kCardPaymentParameters = {"paymentNumber", "paymentDesc", "paymentAmount",
                                                                         "eftposNum", "eftposType"};
 inline const auto DriverPayment = method<CardPayment>(
@@ -90,17 +80,17 @@ inline const auto DriverPayment = method<CardPayment>(
 inline const auto FeedPaper = method<WithInteger>("FeedPaper", {"Lines_"});
 /// At most 48 characters.
 inline const auto commentPrinterPrint =
-    method<Value(String, Integer, Integer, String, Flag)>("commentPrinterPrint", {"CommentText_", "Size_"});
+    method<Value(Text&, Integer&, Outcome)>("commentPrinterPrint", {"CommentText_", "Size_"});
 /// At most 20 characters.
 inline const auto commentDisplayPrint =
-    method<Value(Integer, String, Integer, String, Flag)>("commentDisplayPrint", {"lineNumber", "CommentText_"});
+    method<Value(Integer&, Text&, Outcome)>("commentDisplayPrint", {"lineNumber", "CommentText_"});
 /// The daily closing.
 inline const auto issueZReport = method<Plain>("issueZReport");
 inline const auto issueZReprintReport = method<Plain>("issueZReprintReport");
 /// The day's totals so far; closes nothing.
 inline const auto issueXReport = method<Plain>("issueXReport");
 inline const auto DrawerOpen = method<Plain>("DrawerOpen");
-inline const auto CutPaper = method<Value(Flag, Integer, String, Flag)>("CutPaper", {"Full_"});
+inline const auto CutPaper = method<Value(bool&, Outcome)>("CutPaper", {"Full_"});
 inline const auto executeCashIn = method<WithAmount>("executeCashIn", {"Amount", "cashInDesc"});
 inline const auto executeCashOut = method<WithAmount>("executeCashOut", {"Amount", "cashOutDesc"});
 /// Cancels the open receipt, or closes it when it cannot be cancelled any more.
@@ -122,19 +112,18 @@ inline const auto getFooter = method<ThreeLines>("getFooter", kThreeLines);
 inline const auto setFooter = method<ThreeLines>("setFooter", kThreeLines);
 /// A footer for the next receipt only.
 inline const auto setTempFooter =
-    method<Value(String, String, String, Integer, String, Flag)>("setTempFooter", {"line1", "line2", "line3"});
+    method<Value(Text&, Text&, Text&, Outcome)>("setTempFooter", {"line1", "line2", "line3"});
 inline const auto getVatCategories = method<FiveRates>("getVatCategories", kFiveRates);
 inline const auto setVatCategories = method<FiveRates>("setVatCategories", kFiveRates);
 inline const auto sentBitmapData =
-    method<Value(String, Integer, Integer, String, Flag)>("sentBitmapData", {"BMPfileName", "BitmapID"});
+    method<Value(Text&, Integer&, Outcome)>("sentBitmapData", {"BMPfileName", "BitmapID"});
 inline const auto setReceiptBitmap = method<WithInteger>("setReceiptBitmap", {"BitmapID"});
 inline const auto setReceiptBitmapSize = method<WithInteger>("setReceiptBitmapSize", {"sizeOf"});
 inline const auto settingsRead = method<WithRecord<clsParam>>("settingsRead", {"c"});
 inline const auto settingsWrite = method<WithRecord<clsParam>>("settingsWrite", {"c"});
-inline const auto setDepartment = method<void(Integer, String, Integer, Integer, String, Flag)>(
-    "setDepartment", {"depID", "depDescription", "depCategory"});
-inline const auto setCategory =
-    method<void(Integer, String, Integer, String, Flag)>("setCategory", {"catID", "catDescription"});
+inline const auto setDepartment =
+    method<void(Integer&, Text&, Integer&, Outcome)>("setDepartment", {"depID", "depDescription", "depCategory"});
+inline const auto setCategory = method<void(Integer&, Text&, Outcome)>("setCategory", {"catID", "catDescription"});
 inline const auto transactionTotals = method<WithRecord<clsTransTotal>>("transactionTotals", {"c"});
 inline const auto getSalesPerDepartment = method<WithRecord<clsAccumulator>>("getSalesPerDepartment", {"c"});
 inline const auto getSalesPerCategory = method<WithRecord<clsAccumulator>>("getSalesPerCategory", {"c"});
@@ -143,15 +132,12 @@ inline const auto getDailyTotals = method<WithRecord<clsDailyAcc>>("getDailyTota
 inline const Contract<std::shared_ptr<clsStatus>()> StatusRead{"StatusRead", MemberKind::get, {}};
 /// Asks the device for its state, for StatusRead to tell.
 inline const auto printerStatusRead = method<PlainProcedure>("printerStatusRead");
-inline const auto setVATNumber =
-    method<void(String, Integer, String, Flag, String)>("setVATNumber", {"sVat"}, {"Pass"});
-inline const auto setTaxCardNumber =
-    method<void(String, Integer, String, Flag, String)>("setTaxCardNumber", {"nTaxCard"}, {"Pass"});
+inline const auto setVATNumber = method<void(Text&, Outcome, Text&)>("setVATNumber", {"sVat"}, {"Pass"});
+inline const auto setTaxCardNumber = method<void(Text&, Outcome, Text&)>("setTaxCardNumber", {"nTaxCard"}, {"Pass"});
 inline constexpr std::array<ParameterName, 4> kServer = {"bActiveSend", "sWeb", "sPort", "sAES"};
 inline const auto setServer =
-    method<void(std::uint8_t, Text, Text, Text, Integer, String, Flag, String)>("setServer", kServer, {"Pass"});
-inline const auto getServer =
-    method<void(Byte, String, String, String, Integer, String, Flag, String)>("getServer", kServer, {"Pass"});
+    method<void(std::uint8_t, Text, Text, Text, Outcome, Text&)>("setServer", kServer, {"Pass"});
+inline const auto getServer = method<void(Byte&, Text&, Text&, Text&, Outcome, Text&)>("getServer", kServer, {"Pass"});
 
 // ---- Card terminals
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "interface/module_state.h"
+#include "state/module_state.h"
 
 namespace mirvane {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/code_page.h"
+#include "text/code_page.h"
 
 // Everything that the component asks of the machine. The core knows only these; platform/windows and platform/posix
 // implement them for real, tests supply fakes.

@@ -2,11 +2,10 @@
 
 #include <algorithm>
 
-#include "automation/number_text.h"
-#include "driver/reply_fields.h"
-#include "driver/result_codes.h"
-#include "interface/module_state.h"
-#include "interface/text.h"
+#include "interface/send_by_name.h"
+#include "state/module_state.h"
+#include "text/number_text.h"
+#include "text/text.h"
 
 namespace mirvane {
 namespace {
@@ -15,8 +14,6 @@ constexpr TextView kBoxName = u"quorndll_webupdate.box";
 constexpr TextView kFixedFolders = u"c:\\bbox\\$\\;c:\\bboxBackUp\\$\\";
 
 constexpr std::uint32_t kPollMilliseconds = 5;
-// The device is still preparing its journal.
-constexpr std::int16_t kPreparing = 81;
 
 constexpr std::size_t kSerialNumberLength = 11;
 constexpr std::size_t kZNumberLength = 4;
@@ -68,46 +65,23 @@ void save(const Text& folder, const Text& name, TextView data) {
   if (!files.makeFolder(folder) || !files.replace(folder + name, toCodePage(data) + "\r\n")) failOnFile();
 }
 
-// One exchange with the device.
-struct Reply {
-  std::int16_t result = 0;
-  Text text;
-  bool hasStatus = false;
-  std::vector<Text> pieces;
-
-  const Text& piece(std::size_t i) const {
-    if (i >= pieces.size()) throw AutomationError(AutomationCode::badIndex);
-    return pieces[i];
-  }
-  std::int16_t zNumber(double later = 0) const {
-    return convertTo<std::int16_t>(Value(convertTo<double>(Value(piece(3))) + later));
-  }
-};
-
-Reply ask(TextView command) {
-  Reply reply;
-  bool silent = true;
-  sendByCurrentDriver(Text(command), reply.result, reply.text, silent);
-  // From the reply itself: a status condition such as paper end puts its own text in place of it.
-  if (reply.result == 0) {
-    const Text whole = convertTo<Text>(currentDriver()->call("lastReply"));
-    reply.hasStatus = hasStatus(whole);
-    reply.pieces = split(whole, u'/');
-  }
-  return reply;
+// The Z number in a reply's first field.
+std::int16_t zNumberIn(const Reply& reply, double later = 0) {
+  return convertTo<std::int16_t>(Value(convertTo<double>(Value(reply.textAt(0))) + later));
 }
 
+// Asks until the device has its journal ready.
 Reply askUntilPrepared(TextView command) {
   for (;;) {
-    Reply reply = ask(command);
-    if (reply.result != kPreparing) return reply;
+    Reply reply = askCurrentDriver(Text(command));
+    if (!reply.is(DeviceCode::kPreparing)) return reply;
     moduleState().platform->clock.sleep(kPollMilliseconds);
   }
 }
 
 std::int32_t outcome(const Reply& reply, Text& errorDesc) {
   errorDesc = numberText(std::int32_t{reply.result});
-  if (reply.result != 0) errorDesc += u"~" + reply.text;
+  if (!reply.succeeded()) errorDesc += u"~" + reply.message;
   return reply.result;
 }
 
@@ -127,20 +101,21 @@ struct Download {
     for (;;) {
       moduleState().platform->clock.sleep(kPollMilliseconds);
       processEvents();
-      Reply reply = ask(u"Q/");
+      const Reply reply = askCurrentDriver(u"Q/");
       processEvents();
-      if (reply.result != 0) return reply;
-      if (!reply.hasStatus) return lost();
-      if (reply.pieces.size() < 6) continue;
-      const Text& state = reply.pieces[3];
-      const Text& name = reply.pieces[5];
+      if (!reply.succeeded()) return reply;
+      if (!hasStatus(reply.raw())) return lost();
+      // State, piece and file name; the last may be missing.
+      if (reply.countAll() < 3) continue;
+      const Text& state = reply.textAt(0);
+      const Text& name = reply.textAt(2);
       if ((state == u"1" || state == u"2") && !name.empty() && name != fileName) return lost();
       if (state == u"0") {
         whenNext();
         fileName = name;
         if (view) view->beginFile(fileName);
       } else if (state == u"1") {
-        take(reply.pieces[4]);
+        take(reply.textAt(1));
       } else if (state == u"2") {
         whenComplete();
       } else if (state == u"3") {
@@ -150,7 +125,7 @@ struct Download {
   }
 
  private:
-  static Reply lost() { return {kNoAnswer, Text(kNoAnswerText), false, {}}; }
+  static Reply lost() { return {link_result::kNoAnswer, link_result::kNoAnswerText}; }
   void take(TextView piece) {
     text += piece;
     count += piece.size();
@@ -219,25 +194,25 @@ std::int32_t FiscalJournal::eEJFileSave(Text& Filename, Text& Filedata, std::int
 
 std::int32_t FiscalJournal::eMakeZreport(Text& errorDesc, bool& bExecZReport, bool& bWithForm) {
   const Reply day = askUntilPrepared(bExecZReport ? u"A/" : u"#/");
-  if (day.result != 0) return outcome(day, errorDesc);
-  std::int16_t zNumber = day.zNumber(bExecZReport ? 0 : 1);
+  if (!day.succeeded()) return outcome(day, errorDesc);
+  std::int16_t zNumber = zNumberIn(day, bExecZReport ? 0 : 1);
 
   const bool withForm = bWithForm;
   Download journal;
   if (withForm) {
     journal.view = moduleState().platform->screen.showJournal();
   } else {
-    ask(u"7/1/ΑΝΑΓΝΩΣΗ ΦΟΡΟΛ/");
+    askCurrentDriver(u"7/1/ΑΝΑΓΝΩΣΗ ΦΟΡΟΛ/");
   }
   const Reply end = journal.run(
       [&] {
         eEJFileSave(journal.fileName, journal.text, zNumber);
-        if (!withForm) ask(u"7/2/OK/");
+        if (!withForm) askCurrentDriver(u"7/2/OK/");
       },
       [&] {
-        if (!journal.text.empty()) eEJFileSave(journal.fileName, journal.text, zNumber);
+        if (!journal.fileName.empty() && !journal.text.empty()) eEJFileSave(journal.fileName, journal.text, zNumber);
       });
-  if (end.result == 0 && journal.fileName.ends_with(kSummarySuffix) && !journal.text.empty()) {
+  if (end.succeeded() && journal.fileName.ends_with(kSummarySuffix) && !journal.text.empty()) {
     eEJFileSave(journal.fileName, journal.text, zNumber);
   }
   return outcome(end, errorDesc);
@@ -245,16 +220,16 @@ std::int32_t FiscalJournal::eMakeZreport(Text& errorDesc, bool& bExecZReport, bo
 
 std::int32_t FiscalJournal::MakeZreport(Text& errorDesc) {
   const Reply name = askUntilPrepared(u")/");
-  if (name.result != 0) return outcome(name, errorDesc);
-  Text fileName = name.piece(3);
+  if (!name.succeeded()) return outcome(name, errorDesc);
+  Text fileName = name.textAt(0);
   const Reply day = askUntilPrepared(u"A/");
-  if (day.result != 0) return outcome(day, errorDesc);
-  Text signature = day.piece(4);
+  if (!day.succeeded()) return outcome(day, errorDesc);
+  Text signature = day.textAt(1);
 
   Download journal;
   journal.view = moduleState().platform->screen.showJournal();
   const Reply end = journal.run([] {}, [] {});
-  if (end.result == 0) EJFileSave(fileName, journal.text, signature);
+  if (end.succeeded()) EJFileSave(fileName, journal.text, signature);
   return outcome(end, errorDesc);
 }
 

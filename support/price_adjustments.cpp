@@ -2,35 +2,17 @@
 
 #include <cmath>
 
-#include "automation/number_text.h"
-#include "interface/module_state.h"
-#include "interface/numbers.h"
-#include "interface/text.h"
-#include "interface/vat_shares.h"
+#include "interface/send_by_name.h"
+#include "protocol/command.h"
+#include "state/module_state.h"
+#include "support/vat_shares.h"
 
 namespace mirvane {
 namespace {
 
-struct Outcome {
-  std::int16_t& Result;
-  Text& Exresult;
-  bool& SupressError_;
-};
-
-void send(const Text& command, const Outcome& outcome) {
-  sendByCurrentDriver(command, outcome.Result, outcome.Exresult, outcome.SupressError_);
-}
-
 // `kind` is the command's second field and `place` its third: the department of the last item, or 1 for the subtotal.
-Text command(TextView kind, std::int32_t place, const Text& description, const Text& comment, double amount,
-             const VatAmounts* shares) {
-  Text text = u"4/" + Text(kind) + numberText(place) + u"/" + cleanText(description) + u"/" + cleanText(comment) +
-              u"/" + formatAmount(amount) + u"/";
-  for (std::size_t i = 0; i < VatAmounts().size(); ++i) {
-    text += shares == nullptr ? Text(u"0") : formatAmount((*shares)[i]);
-    text += u'/';
-  }
-  return text;
+Command command(TextView kind, std::int32_t place, const Text& description, const Text& comment, double amount) {
+  return Command(u"4/" + Text(kind)).integer(place).text(description).text(comment).amount(amount);
 }
 
 struct Kind {
@@ -46,28 +28,32 @@ constexpr Kind kDiscount{u"1/", u"2/", Adjustment::discount};
 // and makes the total the adjustment. The totals come from the reply itself, since a status condition puts its message
 // into Exresult; a reply without them raises badIndex.
 template <class Share>
-void adjustSubtotal(const Kind& kind, const Text& description, const Text& comment, Share share,
-                    const Outcome& outcome) {
-  send(u"9/", outcome);
-  if (outcome.Result != 0) return;
-  const std::vector<Text> pieces = split(convertTo<Text>(currentDriver()->call("lastReply")), u'/');
-  if (pieces.size() < 10) throw AutomationError(AutomationCode::badIndex);
-  const auto piece = [&pieces](std::size_t i) { return leadingNumber(pieces[i]); };
-  const VatAmounts totals{piece(3), piece(4), piece(5), piece(6), piece(7)};
-  double total = piece(9);
+void adjustSubtotal(const Kind& kind, const Text& description, const Text& comment, Share share, Outcome outcome) {
+  const Reply reply = sendByCurrentDriver(u"9/", outcome);
+  if (!reply.succeeded()) return;
+  const auto number = [&reply](std::size_t i) { return leadingNumber(reply.textAt(i)); };
+  double total = number(6);
+  const VatAmounts totals{number(0), number(1), number(2), number(3), number(4)};
   VatAmounts shares{};
   share(totals, shares, total);
-  send(command(kind.onSubtotal, 1, description, comment, total, &shares), outcome);
+  Command all = command(kind.onSubtotal, 1, description, comment, total);
+  for (const double part : shares) all.amount(part);
+  sendByCurrentDriver(all, outcome);
+}
+
+void adjustLastItem(const Kind& kind, const Text& description, const Text& comment, double amount, Outcome outcome) {
+  Command whole = command(kind.onLastItem, moduleState().lastItemDep, description, comment, amount);
+  for (std::size_t i = 0; i < VatAmounts().size(); ++i) whole.integer(0);
+  sendByCurrentDriver(whole, outcome);
 }
 
 // The caller's percentage becomes the amount that it made of the last item.
-void adjustByPercent(const Kind& kind, const Text& description, double& percent, const Text& comment,
-                     const Outcome& outcome) {
+void adjustByPercent(const Kind& kind, const Text& description, double& percent, const Text& comment, Outcome outcome) {
   const ModuleState& state = moduleState();
   percent = std::abs(percent);
   if (state.adjustOnLastItem) {
     percent = state.lastItemAmount * percent / 100;
-    send(command(kind.onLastItem, state.lastItemDep, description, comment, percent, nullptr), outcome);
+    adjustLastItem(kind, description, comment, percent, outcome);
   } else {
     const auto share = [&](const VatAmounts& totals, VatAmounts& shares, double& total) {
       apportionByVat(totals, shares, total, -percent / 100, kind.direction);
@@ -76,12 +62,11 @@ void adjustByPercent(const Kind& kind, const Text& description, double& percent,
   }
 }
 
-void adjustByAmount(const Kind& kind, const Text& description, double& amount, const Text& comment,
-                    const Outcome& outcome) {
+void adjustByAmount(const Kind& kind, const Text& description, double& amount, const Text& comment, Outcome outcome) {
   const ModuleState& state = moduleState();
   amount = std::abs(amount);
   if (state.adjustOnLastItem) {
-    send(command(kind.onLastItem, state.lastItemDep, description, comment, amount, nullptr), outcome);
+    adjustLastItem(kind, description, comment, amount, outcome);
   } else {
     const auto share = [&](const VatAmounts& totals, VatAmounts& shares, double& total) {
       if (total != 0) {
@@ -97,42 +82,36 @@ void adjustByAmount(const Kind& kind, const Text& description, double& amount, c
 
 }  // namespace
 
-Value clsAdjust::percentMarkUP(Text& actionDesc, double& dblPercent, std::int16_t& Result, Text& Exresult,
-                               bool& SupressError_, Text& exComment) {
-  adjustByPercent(kMarkUp, actionDesc, dblPercent, exComment, {Result, Exresult, SupressError_});
-  return {};
+void clsAdjust::percentMarkUP(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment) {
+  adjustByPercent(kMarkUp, actionDesc, dblPercent, exComment, outcome);
 }
 
-Value clsAdjust::percentDiscount(Text& actionDesc, double& dblPercent, std::int16_t& Result, Text& Exresult,
-                                 bool& SupressError_, Text& exComment) {
-  adjustByPercent(kDiscount, actionDesc, dblPercent, exComment, {Result, Exresult, SupressError_});
-  return {};
+void clsAdjust::percentDiscount(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment) {
+  adjustByPercent(kDiscount, actionDesc, dblPercent, exComment, outcome);
 }
 
-Value clsAdjust::amountMarkUp(Text& actionDesc, double& dblAmount, std::int16_t& Result, Text& Exresult,
-                              bool& SupressError_, Text& exComment) {
-  adjustByAmount(kMarkUp, actionDesc, dblAmount, exComment, {Result, Exresult, SupressError_});
-  return {};
+void clsAdjust::amountMarkUp(Text& actionDesc, double& dblAmount, Outcome outcome, Text& exComment) {
+  adjustByAmount(kMarkUp, actionDesc, dblAmount, exComment, outcome);
 }
 
-Value clsAdjust::amountDiscount(Text& actionDesc, double& dblAmount, std::int16_t& Result, Text& Exresult,
-                                bool& SupressError_, Text& exComment) {
-  adjustByAmount(kDiscount, actionDesc, dblAmount, exComment, {Result, Exresult, SupressError_});
-  return {};
+void clsAdjust::amountDiscount(Text& actionDesc, double& dblAmount, Outcome outcome, Text& exComment) {
+  adjustByAmount(kDiscount, actionDesc, dblAmount, exComment, outcome);
 }
 
 const ClassInfo& clsAdjust::describe() {
-  static const ClassInfo info =
-      ClassBuilder<clsAdjust>()
-          .method("percentMarkUP", &clsAdjust::percentMarkUP,
-                  {"actionDesc", "dblPercent", "Result", "Exresult", "SupressError_", optional("exComment")})
-          .method("percentDiscount", &clsAdjust::percentDiscount,
-                  {"actionDesc", "dblPercent", "Result", "Exresult", "SupressError_", optional("exComment")})
-          .method("amountMarkUp", &clsAdjust::amountMarkUp,
-                  {"actionDesc", "dblAmount", "Result", "Exresult", "SupressError_", optional("exComment")})
-          .method("amountDiscount", &clsAdjust::amountDiscount,
-                  {"actionDesc", "dblAmount", "Result", "Exresult", "SupressError_", optional("exComment")})
-          .build();
+  static const ClassInfo info = [] {
+    ClassBuilder<clsAdjust> table;
+    const auto add = [&table](const char* name, const char* value, auto member) {
+      const Contract<Value(Text&, double&, Outcome, Text&)> contract(
+          name, MemberKind::method, parametersOf({{"actionDesc", value}, kOutcome, {optional("exComment")}}));
+      table.implement(contract, member);
+    };
+    add("percentMarkUP", "dblPercent", &clsAdjust::percentMarkUP);
+    add("percentDiscount", "dblPercent", &clsAdjust::percentDiscount);
+    add("amountMarkUp", "dblAmount", &clsAdjust::amountMarkUp);
+    add("amountDiscount", "dblAmount", &clsAdjust::amountDiscount);
+    return table.build();
+  }();
   return info;
 }
 

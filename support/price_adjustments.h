@@ -1,6 +1,7 @@
 #pragma once
 
 #include "automation/object.h"
+#include "interface/outcome.h"
 
 namespace mirvane {
 
@@ -12,14 +13,10 @@ class clsAdjust : public ObjectOf<clsAdjust> {
   static const ClassInfo& describe();
 
   /// On the last item line, `dblPercent` holds the amount in euro afterwards.
-  Value percentMarkUP(Text& actionDesc, double& dblPercent, std::int16_t& Result, Text& Exresult, bool& SupressError_,
-                      Text& exComment);
-  Value percentDiscount(Text& actionDesc, double& dblPercent, std::int16_t& Result, Text& Exresult, bool& SupressError_,
-                        Text& exComment);
-  Value amountMarkUp(Text& actionDesc, double& dblAmount, std::int16_t& Result, Text& Exresult, bool& SupressError_,
-                     Text& exComment);
-  Value amountDiscount(Text& actionDesc, double& dblAmount, std::int16_t& Result, Text& Exresult, bool& SupressError_,
-                       Text& exComment);
+  void percentMarkUP(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment);
+  void percentDiscount(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment);
+  void amountMarkUp(Text& actionDesc, double& dblAmount, Outcome outcome, Text& exComment);
+  void amountDiscount(Text& actionDesc, double& dblAmount, Outcome outcome, Text& exComment);
 };
 
 }  // namespace mirvane

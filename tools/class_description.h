@@ -3,9 +3,9 @@
 #include <array>
 #include <string>
 
-#include "automation/number_text.h"
 #include "component/component.h"
-#include "interface/fiscal_types.h"
+#include "state/fiscal_types.h"
+#include "text/number_text.h"
 
 // What the programs that describe the public classes have in common.
 namespace mirvane {

@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "platform/code_page.h"
+#include "text/code_page.h"
 
 namespace {
 

@@ -13,9 +13,9 @@
 #include <set>
 #include <sstream>
 
-#include "driver/device_errors.h"
 #include "driver/fiscal_varlen_module2.h"
-#include "driver/result_codes.h"
+#include "protocol/device_codes.h"
+#include "protocol/result_codes.h"
 #include "tools/class_description.h"
 
 namespace {

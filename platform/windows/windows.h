@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/code_page.h"
+#include "text/code_page.h"
 
 // What the sources of this folder and of com/ need beyond <windows.h>.
 namespace mirvane {

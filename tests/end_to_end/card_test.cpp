@@ -1,4 +1,4 @@
-#include "interface/cls_eft.h"
+#include "records/cls_eft.h"
 #include "tests/end_to_end/till.h"
 
 // Card payments, and states that the register ends by itself: the till waits for real seconds.

@@ -1,6 +1,6 @@
-#include "interface/cls_accumulator.h"
-#include "interface/cls_daily_acc.h"
-#include "interface/cls_trans_total.h"
+#include "records/cls_accumulator.h"
+#include "records/cls_daily_acc.h"
+#include "records/cls_trans_total.h"
 #include "tests/end_to_end/journal_folders.h"
 #include "tests/end_to_end/till.h"
 

@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "component/component.h"
-#include "interface/fiscal_trevik_module.h"
-#include "interface/module_state.h"
+#include "facade/fiscal_trevik_module.h"
+#include "state/module_state.h"
 #include "tests/end_to_end/emulator_process.h"
 
 namespace mirvane::test {

@@ -5,10 +5,10 @@
 
 #include "component/component.h"
 #include "driver/fiscal_varlen_module2.h"
-#include "interface/c_port_prop.h"
-#include "interface/module_state.h"
-#include "interface/text.h"
+#include "link/network_endpoint.h"
+#include "state/module_state.h"
 #include "tests/fakes/fake_line.h"
+#include "text/text.h"
 
 namespace mirvane::test {
 
@@ -56,7 +56,6 @@ class ComponentTest : public testing::Test {
     files.setCatalogue(2, {{2, "Τίτλος"}, {180, "Κλειστή θύρα"}, {182, "Ρύθμιση :"}}, 92);
     moduleState() = ModuleState{};
     moduleState().platform = &machine;
-    replyFields().clear();
     startComponent();
   }
   ~ComponentTest() override {

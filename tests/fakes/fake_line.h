@@ -4,7 +4,7 @@
 #include <optional>
 #include <set>
 
-#include "driver/wire.h"
+#include "protocol/wire.h"
 #include "tests/fakes/fake_machine.h"
 
 namespace mirvane::test {

@@ -1,5 +1,5 @@
-#include "automation/number_text.h"
 #include "tests/fakes/component_test.h"
+#include "text/number_text.h"
 
 namespace mirvane::test {
 namespace {

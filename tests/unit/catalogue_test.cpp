@@ -1,4 +1,4 @@
-#include "support/message_catalogue.h"
+#include "state/message_catalogue.h"
 #include "tests/fakes/component_test.h"
 
 namespace mirvane::test {

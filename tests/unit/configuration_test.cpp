@@ -1,5 +1,5 @@
-#include "interface/cls_param.h"
-#include "interface/fiscal_trevik_module.h"
+#include "facade/fiscal_trevik_module.h"
+#include "records/cls_param.h"
 #include "tests/fakes/component_test.h"
 
 namespace mirvane::test {

@@ -1,4 +1,4 @@
-#include "interface/cls_eft.h"
+#include "records/cls_eft.h"
 #include "tests/fakes/component_test.h"
 
 namespace mirvane::test {

@@ -1,6 +1,6 @@
 #include <set>
 
-#include "driver/device_errors.h"
+#include "protocol/device_codes.h"
 #include "tests/fakes/component_test.h"
 
 namespace mirvane::test {

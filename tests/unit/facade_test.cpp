@@ -1,5 +1,5 @@
+#include "facade/fiscal_trevik_module.h"
 #include "interface/driver_interface.h"
-#include "interface/fiscal_trevik_module.h"
 #include "tests/fakes/component_test.h"
 
 namespace mirvane::test {
@@ -20,11 +20,11 @@ struct Substitute : ObjectOf<Substitute<kNumber>> {
   }
   static ObjectPtr create() { return std::make_shared<Substitute>(); }
 
-  void Connect_(Text PORT, Short& Result, Text& Exresult, bool& SupressError_) {
-    drivers.log.push_back(std::to_string(kNumber) + " " + toUtf8(PORT) + " " + std::to_string(Result) +
-                          (SupressError_ ? " silent" : " loud"));
-    if (drivers.results.contains(kNumber)) Result = drivers.results.at(kNumber);
-    Exresult = u"from the driver";
+  void Connect_(Text PORT, Outcome outcome) {
+    drivers.log.push_back(std::to_string(kNumber) + " " + toUtf8(PORT) + " " + std::to_string(outcome.Result) +
+                          (outcome.SupressError_ ? " silent" : " loud"));
+    if (drivers.results.contains(kNumber)) outcome.Result = drivers.results.at(kNumber);
+    outcome.Exresult = u"from the driver";
   }
 };
 

@@ -11,7 +11,7 @@ class Link : public DriverTest {
   /// One exchange at the link's own level. Returns the reply.
   std::string transfer(Text command, Short timeOut = 0) {
     Result = 77;
-    return toUtf8(driver->Send_(command, Result, Exresult, SupressError_, Pass, timeOut));
+    return toUtf8(convertTo<Text>(driver->call("Send_", command, Result, Exresult, SupressError_, Pass, timeOut)));
   }
   std::vector<std::string> sent() const {
     std::vector<std::string> bytes;

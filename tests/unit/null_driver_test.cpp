@@ -1,4 +1,4 @@
-#include "interface/fiscal_null_module.h"
+#include "facade/fiscal_null_module.h"
 #include "tests/fakes/component_test.h"
 
 namespace mirvane::test {

@@ -1,11 +1,11 @@
 #include <cmath>
 #include <numeric>
 
-#include "interface/cls_param.h"
-#include "interface/dec2bin.h"
-#include "interface/numbers.h"
-#include "interface/vat_shares.h"
+#include "records/cls_param.h"
+#include "records/dec2bin.h"
+#include "support/vat_shares.h"
 #include "tests/fakes/component_test.h"
+#include "text/numbers.h"
 
 namespace mirvane::test {
 namespace {
@@ -67,35 +67,6 @@ TEST_F(Utilities, PropertiesThatConvertWhatTheyAreGiven) {
        {std::pair(0, "0"), {1, "1"}, {6, "110"}, {32767, "111111111111111"}, {-3, "1"}, {-32768, "0"}}) {
     put(*digits, "Decimal_", Long{given});
     EXPECT_EQ(digits->call("Bin_"), Value(fromUtf8(read)));
-  }
-}
-
-TEST_F(Utilities, SumsRoundHalfToEven) {
-  const double numbers[] = {0.125, 0.375, -0.125, 2.5, 1.004999};
-  EXPECT_NEAR(sumRounded(numbers), 0.12 + 0.38 - 0.12 + 2.5 + 1.0, 1e-12);
-}
-
-TEST_F(Utilities, ReplyFields) {
-  const std::vector<Text> kept = {u"kept"};
-  const std::pair<const char16_t*, std::vector<Text>> cases[] = {
-      {u"a/b/c/d/e", {u"d"}}, {u"a/b/c/d/e/", {u"d", u"e"}},    {u"a/b/c/d", kept}, {u"", kept}, {u"////", {u""}},
-      {u"a/b/c/d/", {u"d"}},  {u"a/b/c//e//", {u"", u"e", u""}}};
-  for (const auto& [reply, fields] : cases) {
-    replyFields() = kept;
-    splitReply(reply);
-    EXPECT_EQ(replyFields(), fields) << toUtf8(reply);
-  }
-}
-
-TEST_F(Utilities, TimeOutsCountSinglePrecisionSecondsOfTheDay) {
-  const std::tuple<double, float, float, bool> cases[] = {
-      {110, 100, 10, false},         {110.01, 100, 10, true},
-      {80010.003, 80000, 10, false},  // single precision knows no such fraction any more
-      {80010.02, 80000, 10, true},   {5, 86390, 10, false},
-      {86399, 86390, 5, true}};
-  for (const auto& [now, start, limit, timedOut] : cases) {
-    clock.startOfDay = now;
-    EXPECT_EQ(isTimedOut(start, limit), timedOut) << now;
   }
 }
 

@@ -1,4 +1,4 @@
-#include "interface/fiscal_trevik_module.h"
+#include "facade/fiscal_trevik_module.h"
 #include "tests/fakes/component_test.h"
 
 namespace mirvane::test {

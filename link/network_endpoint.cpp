@@ -1,0 +1,110 @@
+#include "link/network_endpoint.h"
+
+#include "state/module_state.h"
+
+namespace mirvane {
+namespace {
+
+constexpr std::size_t kMostBytes = 10000;
+
+platform::DatagramSockets& sockets() { return moduleState().platform->sockets; }
+
+// Shown even to callers that suppress errors: this class has no switch for it.
+void report(TextView prompt) {
+  moduleState().platform->screen.messageBox(prompt, platform::kCritical, kDeviceFamilyName);
+}
+
+}  // namespace
+
+cTCPIP::~cTCPIP() {
+  if (socket_ != 0) ShutdownConnection();
+}
+
+std::int16_t cTCPIP::OpenConnection(std::int32_t nPort) {
+  if (socket_ != 0) ShutdownConnection();
+  if (!sockets().startUp()) return -1;
+  socket_ = sockets().create();
+  if (socket_ == platform::kInvalidSocket) return -2;
+  if (!sockets().bind(socket_, static_cast<std::uint16_t>(nPort))) return -4;
+  const bool connected = sockets().connect(socket_, toCodePage(remoteHost_), static_cast<std::uint16_t>(remotePort_));
+  // Set even when connecting failed: the link counts as up from here on, and a bad address shows at the first send.
+  portProp().isConnected = true;
+  return connected ? 0 : -6;
+}
+
+bool cTCPIP::SendData(Text strData) { return sendBytes(toCodePage(strData)); }
+
+bool cTCPIP::sendBytes(std::string_view bytes) {
+  if (sockets().send(socket_, bytes)) return true;
+  report(u"Λάθος κατά την αποστολή δεδομένων στην θύρα (Ethernet)");
+  return false;
+}
+
+bool cTCPIP::IsDataAvailable(std::int16_t& iTM) { return sockets().waitReadable(socket_, iTM); }
+
+// One datagram; nothing, after the message box, when reading fails.
+std::optional<std::string> cTCPIP::receive() {
+  auto datagram = sockets().receive(socket_, kMostBytes);
+  if (!datagram) report(u"Λάθος κατά την ανάγνωση στοιχείων απο την θύρα (Ethernet)");
+  return datagram;
+}
+
+std::string cTCPIP::receiveBytes() {
+  return sockets().waitReadable(socket_, 0) ? receive().value_or(std::string()) : std::string();
+}
+
+bool cTCPIP::ReceiveData(Value& strData, Value& lngBytesReceived) {
+  if (!sockets().waitReadable(socket_, 0)) return false;
+  const auto datagram = receive();
+  if (!datagram) {
+    strData = Text();
+    lngBytesReceived = std::int16_t{0};
+    return false;
+  }
+  strData = fromCodePage(*datagram);
+  lngBytesReceived = static_cast<std::int32_t>(datagram->size());
+  return true;
+}
+
+void cTCPIP::ShutdownConnection() {
+  // Without a start of ours there is nothing to end: the program may use the socket library itself.
+  if (socket_ == 0) return;
+  sockets().shutDown(socket_);
+  socket_ = 0;
+}
+
+const ClassInfo& cTCPIP::describe() {
+  static const ClassInfo info =
+      ClassBuilder<cTCPIP>()
+          .readOnly("SocketHnd", &cTCPIP::SocketHnd)
+          .method("OpenConnection", &cTCPIP::OpenConnection, {"nPort"})
+          .method("ReceiveData", &cTCPIP::ReceiveData, {"strData", "lngBytesReceived"})
+          .method("SendData", &cTCPIP::SendData, {"strData"})
+          .method("IsDataAvailable", &cTCPIP::IsDataAvailable, {optional("iTM", std::int16_t{1})})
+          .method("ShutdownConnection", &cTCPIP::ShutdownConnection)
+          .writeOnly("RemotePort", &cTCPIP::RemotePort)
+          .writeOnly("RemoteHostIP", &cTCPIP::RemoteHostIP)
+          .writeOnly("LocalHostIP", &cTCPIP::LocalHostIP)
+          .readOnly("ErrorDescription", &cTCPIP::ErrorDescription)
+          .readOnly("ErrorCode", &cTCPIP::ErrorCode)
+          .build();
+  return info;
+}
+
+const ClassInfo& cPortProp::describe() {
+  static const ClassInfo info = ClassBuilder<cPortProp>()
+                                    .property("tcpPort", &cPortProp::tcpPort)
+                                    .property("comHandle", &cPortProp::comHandle)
+                                    .property("TCPClass", &cPortProp::TCPClass, &cPortProp::setTCPClass)
+                                    .property("isConnected", &cPortProp::isConnected)
+                                    .build();
+  return info;
+}
+
+cPortProp& portProp() {
+  auto& shared = moduleState().portProp;
+  if (shared == nullptr) shared = std::make_shared<cPortProp>();
+  return *shared;
+}
+
+}  // namespace mirvane

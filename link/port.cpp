@@ -1,0 +1,122 @@
+#include "link/port.h"
+
+#include <optional>
+
+#include "link/network_endpoint.h"
+#include "link/network_transport.h"
+#include "link/serial_transport.h"
+#include "state/message_catalogue.h"
+#include "state/module_state.h"
+#include "text/text.h"
+
+namespace mirvane {
+namespace {
+
+constexpr char kLineSettings[] = "115200,n,8,1";
+constexpr platform::LineTimeouts kLineTimeouts{20, 1, 1, 1, 10};
+
+struct NetworkName {
+  Text host;
+  std::int32_t port;
+  std::int32_t localPort;
+};
+
+std::optional<std::int32_t> numberUpTo(TextView digits, std::int32_t most) {
+  if (digits.empty() || digits.size() > 5 || digits.find_first_not_of(u"0123456789") != TextView::npos) return {};
+  const auto value = static_cast<std::int32_t>(parseNumber(digits).value_or(0));
+  if (value > most) return {};
+  return value;
+}
+
+// "192.168.1.50:9100" or "192.168.1.50:9100:5000": address, port and, if it matters, the local port.
+std::optional<NetworkName> parseNetworkName(TextView name) {
+  const std::vector<Text> parts = split(name, u':');
+  if (parts.size() < 2 || parts.size() > 3) return {};
+  const std::vector<Text> octets = split(parts[0], u'.');
+  if (octets.size() != 4) return {};
+  // Written anew: the system takes a number with a leading zero for an octal one.
+  Text host;
+  for (const Text& octet : octets) {
+    const auto value = numberUpTo(octet, 255);
+    if (!value) return {};
+    host += (host.empty() ? u"" : u".") + numberText(*value);
+  }
+  const auto port = numberUpTo(parts[1], 65535);
+  const auto localPort = parts.size() == 3 ? numberUpTo(parts[2], 65535) : 0;
+  if (!port || !localPort) return {};
+  return NetworkName{host, *port, *localPort};
+}
+
+bool openNetwork(const NetworkName& name) {
+  const std::shared_ptr<cTCPIP> endpoint = portProp().TCPClass();
+  endpoint->RemoteHostIP(name.host);
+  endpoint->RemotePort(name.port);
+  const bool opened = endpoint->OpenConnection(name.localPort) == 0;
+  if (endpoint->SocketHnd() > 0) {
+    // Marked as the open port even when connecting failed, so that closing finds what was left half open.
+    portProp().tcpPort = true;
+    moduleState().portHandle = endpoint->SocketHnd();
+  } else {
+    portProp().setTCPClass(nullptr);
+  }
+  return opened;
+}
+
+// Names past COM9 are no devices of their own on Windows: they need the prefix.
+bool openSerial(const Text& name) {
+  platform::SerialPort& serial = moduleState().platform->serial;
+  std::int32_t& handle = moduleState().portHandle;
+  handle = serial.open(name);
+  const Text prefix = left(name, 3);
+  const bool isComNumber =
+      (prefix == u"COM" || prefix == u"com") && numberUpTo(TextView(name).substr(3), 65535).has_value();
+  if (handle <= 0 && isComNumber) handle = serial.open(u"\\\\.\\" + name);
+  return handle > 0;
+}
+
+bool configureSerial() {
+  platform::SerialPort& serial = moduleState().platform->serial;
+  serial.setTimeouts(moduleState().portHandle, kLineTimeouts);
+  return serial.configure(moduleState().portHandle, kLineSettings);
+}
+
+}  // namespace
+
+Transport& transport() {
+  static SerialTransport serial;
+  static NetworkTransport network;
+  if (portProp().tcpPort) return network;
+  return serial;
+}
+
+Reply openPort(const Text& name) {
+  if (moduleState().portHandle > 0) return {};
+  const auto network = parseNetworkName(name);
+  Reply outcome;
+  if (!(network ? openNetwork(*network) : openSerial(name))) {
+    outcome = {link_result::kCannotOpen, u"Πρόβλημα στην Θύρα :" + name};
+  }
+  // Tried on a port that did not open too: its failure is the one that the caller sees.
+  if (!network && !configureSerial()) {
+    outcome = {link_result::kCannotConfigure, langMessage(message::kPortNotConfigured) + name};
+  }
+  if (!outcome.succeeded()) closePort();
+  return outcome;
+}
+
+std::int16_t closePort() {
+  ModuleState& state = moduleState();
+  if (state.portHandle <= 0) return 0;
+  bool closed = true;
+  if (portProp().tcpPort) {
+    portProp().TCPClass()->ShutdownConnection();
+    portProp().setTCPClass(nullptr);
+    portProp().tcpPort = false;
+  } else {
+    closed = state.platform->serial.close(state.portHandle);
+  }
+  state.portHandle = 0;
+  return closed ? 1 : 0;
+}
+
+}  // namespace mirvane

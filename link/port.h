@@ -1,0 +1,16 @@
+#pragma once
+
+#include "protocol/reply.h"
+
+namespace mirvane {
+
+/// Opens a port and makes it the component's: "COM1" and so on, or "192.168.1.50:9100" with an optional ":local port".
+/// An open port is kept, whatever `name` says. Fails with kCannotOpen for a port that is not there or taken, and with
+/// kCannotConfigure for a line that cannot be set up; what was opened is closed then.
+Reply openPort(const Text& name);
+
+/// Closes the serial port or the network endpoint, whichever is open, whatever fails on the way: 1 when one was closed,
+/// 0 when none was open.
+std::int16_t closePort();
+
+}  // namespace mirvane

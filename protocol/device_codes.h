@@ -1,0 +1,105 @@
+#pragma once
+
+#include <cstdint>
+
+#include "text/code_page.h"
+
+namespace mirvane {
+
+/// The outcome of a command, as the first two characters of the reply carry it (in hexadecimal), where one has a name.
+enum class DeviceCode : std::uint8_t {
+  kOk = 0,
+  kFieldCount = 1,
+  kFieldTooLong = 2,
+  kFieldTooShort = 3,
+  kFieldRange = 5,
+  kUnknownRequest = 6,
+  kDayOpen = 10,
+  kNoClosure = 13,
+  kBusy = 14,
+  kClosing = 21,
+  kPaperEnd = 25,
+  kPrinterOffline = 26,
+  kSaleOperation = 37,
+  kVatRate = 39,
+  kPaymentNumber = 40,
+  kPrinterTimeout = 41,
+  kPrinterHead = 44,
+  kJournalNotStarted = 58,
+  kJournalNotTransferred = 61,
+  kTransactionNotOpen = 64,
+  kTransactionOpen = 65,
+  kCashInOpen = 67,
+  kCashOutOpen = 68,
+  kInPayment = 69,
+  kZeroAdjustment = 70,
+  kAdjustmentInVat = 71,
+  kAdjustmentInTotal = 72,
+  kAdjustmentShares = 73,
+  kMustClose = 75,
+  kSameVatRate = 78,
+  kZeroPrice = 79,
+  kPreparing = 81,
+  kCategory = 84,
+  kDepartment = 85,
+  kPaymentTaken = 89,
+  kNotInPayment = 91,
+  kPrice = 96,
+  kAdjustmentKind = 97,
+  kAdjustmentPlace = 98,
+  kNoMoreSales = 99,
+  kQuantity = 103,
+  kAdjustmentLimit = 106,
+  kBlankDescription = 107,
+  kNegativeTotal = 109,
+  kNoChange = 112,
+  kPaymentAmount = 113,
+  kReceiptLimit = 116,
+  kDayLimit = 117,
+  kVatNumber = 120,
+  kInvalidIp = 122,
+  kInvalidRefund = 123,
+  kInvalidVoid = 124,
+  kAmountLimit = 125,
+  kEmptyHeader = 126,
+  kJournalWrite = 134,
+  kServerKey = 136,
+  kEthernet = 138,
+  kGsisBusy = 146,
+  kCardFailed = 156,
+  kCardNotRead = 157,
+  kCardUnderWay = 158,
+  kTerminalInactive = 159,
+  kReservedIp = 160,
+  kZeroTotal = 165,
+};
+
+/// What Result tells of the port and the link, where there is no code of the device's. Programs know these numbers.
+namespace link_result {
+constexpr std::int16_t kCannotOpen = -1;
+constexpr std::int16_t kCannotConfigure = -2;
+constexpr std::int16_t kNoAnswer = -3;           ///< network: no datagram came back, four times; or nothing was told
+constexpr std::int16_t kNoAnswerToCommand = -4;  ///< serial line: seen only while the exchange is being repeated
+constexpr std::int16_t kNotOpen = -6;
+constexpr std::int16_t kNotNow = -207;  ///< network: NAK
+
+/// The text of kNoAnswer. Its first letter is a Latin one: programs in the field compare it.
+constexpr TextView kNoAnswerText = u"H ταμειακή δεν Απαντά!";
+}  // namespace link_result
+
+/// The device's message for one of its result codes, 1 to 166; empty for any other.
+TextView deviceErrorText(std::int32_t code);
+
+/// Whether a result tells of a state that the device ends by itself: busy, busy with the tax authority, or a card
+/// payment under way. Paper, an open tray or an offline printer need a person, who may not be there.
+bool endsByItself(std::int32_t result);
+
+/// Whether the command that met such a state may be sent again once it has passed. Never after a card payment: the
+/// device took that command, and sending it again could charge the card twice.
+bool mayBeSentAgain(std::int32_t result);
+
+/// Whether only help from outside lets the till go on: fiscal unit, battery, flash and memory card failures, and a lost
+/// link; but not a device that asks to be tried later.
+bool isCritical(std::int32_t result);
+
+}  // namespace mirvane

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "automation/object.h"
+#include "platform/ports.h"
+#include "state/fiscal_types.h"
+
+namespace mirvane {
+
+struct cPortProp;
+
+/// A driver class that probing tries.
+struct DriverCandidate {
+  FISCAL_TYPES type;
+  std::string_view className;
+  /// Makes a driver; null for a family whose driver is not present, which probing passes over.
+  ObjectPtr (*create)();
+};
+
+/// What the whole component shares: one copy for every facade object and every driver. Nothing is locked here: whoever
+/// lets programs in lets in one call at a time.
+struct ModuleState {
+  /// The selected driver, or null when none is selected.
+  ObjectPtr currentDriver;
+  FISCAL_TYPES fiscalType = FISCAL_unknown;
+  /// The open serial port or socket; 0 or less when none is open.
+  std::int32_t portHandle = 0;
+  std::shared_ptr<cPortProp> portProp;  ///< see portProp()
+
+  /// What a price adjustment refers to: the last `adjustment` call's argument, and department and amount (quantity by
+  /// unit price) of the last item line that the device took.
+  bool adjustOnLastItem = false;
+  std::int16_t lastItemDep = 0;
+  double lastItemAmount = 0;
+
+  /// Whether the last journal step of this process failed.
+  bool journalStepFailed = false;
+
+  /// Whether the operator is waiting for the device.
+  bool waitDialogOpen = false;
+  bool traceActive = false;
+
+  platform::Platform* platform = &platform::hostPlatform();
+  /// The driver classes in probe order.
+  std::vector<DriverCandidate> candidates;
+  /// Makes the driver that is current while no device is.
+  ObjectPtr (*createNullDriver)() = nullptr;
+  /// How many facade objects there are; the trace ends with the last.
+  int facades = 0;
+  /// Makes an object of another component by its programmatic identifier, Nothing when there is none; null where no
+  /// other components can be.
+  ObjectPtr (*createObject)(TextView programmaticId) = nullptr;
+};
+
+ModuleState& moduleState();
+
+/// The current driver; when there is none, the one that probing `port` finds becomes it.
+ObjectPtr driverOn(TextView port);
+
+/// The current driver; when there is none, the null driver, which refuses, becomes it.
+ObjectPtr driverOrRefusal();
+
+/// Forgets the current driver. The fiscal type stays.
+void releaseDriver();
+
+/// Tries the candidates on `port`, with message boxes suppressed, and returns the first that connects, which stays
+/// connected; the null driver when the port is empty or nothing answers. Records the fiscal type.
+ObjectPtr probeDriver(TextView port);
+
+/// Switches the debug trace and its window on or off.
+void setTrace(bool active);
+
+/// One line of the debug trace, behind the time as "mm:ss"; nothing while the trace is off.
+void trace(TextView label, TextView text = {});
+
+/// Title of the message boxes that speak of the device.
+inline constexpr TextView kDeviceFamilyName = u"Varlen Fiscal";
+
+}  // namespace mirvane

@@ -1,0 +1,58 @@
+#include "support/vat_shares.h"
+
+#include <algorithm>
+#include <cmath>
+#include <tuple>
+
+#include "automation/errors.h"
+#include "text/number_text.h"
+#include "text/numbers.h"
+
+namespace mirvane {
+namespace {
+
+// Beyond it, cents are not exact.
+constexpr double kLargest = 1e12;
+
+// An amount in cents, without its sign.
+double cents(double amount) {
+  if (!(std::abs(amount) <= kLargest)) throw AutomationError(AutomationCode::overflow);
+  return std::round(*parseNumber(formatAmount(std::abs(amount))) * 100);
+}
+
+struct Share {
+  std::int16_t category;
+  bool hasSales;
+  double cents;
+  double room;  // cents that may be added to it
+};
+
+}  // namespace
+
+std::int16_t apportionByVat(const VatAmounts& totals, VatAmounts& shares, double& total, double factor,
+                            Adjustment kind) {
+  const double adjustment = cents(total * factor);
+  double remainder = adjustment;
+  std::array<Share, 5> sorted{};
+  for (std::size_t i = 0; i < sorted.size(); ++i) {
+    const double share = cents(totals[i] * factor);
+    const double room = kind == Adjustment::discount ? std::max(0.0, cents(totals[i]) - share) : HUGE_VAL;
+    sorted[i] = {static_cast<std::int16_t>(i), totals[i] != 0, share, room};
+    remainder -= share;
+  }
+  // Where no share reaches a cent, a category that sold nothing still has nothing to adjust.
+  std::stable_sort(sorted.begin(), sorted.end(), [](const Share& a, const Share& b) {
+    return std::tie(a.cents, a.hasSales) < std::tie(b.cents, b.hasSales);
+  });
+  for (auto share = sorted.rbegin(); share != sorted.rend(); ++share) {
+    const double applied = std::clamp(remainder, -share->cents, share->room);
+    share->cents += applied;
+    remainder -= applied;
+  }
+  sorted.back().cents += remainder;
+  for (const Share& share : sorted) shares[static_cast<std::size_t>(share.category)] = share.cents / 100;
+  total = adjustment / 100;
+  return sorted.back().category;
+}
+
+}  // namespace mirvane
