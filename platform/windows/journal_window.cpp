@@ -18,8 +18,8 @@ constexpr int kMargin = 10;
 constexpr std::size_t kMostLines = 300;
 constexpr std::size_t kLongestLine = 4096;
 
-// Twenty pictures a second look continuous; more would only slow the transfer.
-constexpr ULONGLONG kPictureTime = 50;
+// A few pictures a second show that it goes on. The line is idle while one is drawn.
+constexpr ULONGLONG kPictureTime = 400;
 
 Text grouped(std::size_t number) {
   std::string digits = std::to_string(number);
