@@ -60,9 +60,9 @@ bool keepJournal(const std::string& folder, const Journal::File& file) {
 }
 
 /// A folder that takes no file is told now, not at the day's closing.
-void requireWritable(const std::string& option, const std::string& folder) {
+void requireWritable(const std::string& folder) {
   const Journal::File probe{".mirvane-emulator", ""};
-  if (!keepJournal(folder, probe)) throw UsageError(option + " " + folder + ": no file can be written there");
+  if (!keepJournal(folder, probe)) throw UsageError(folder + ": no journal can be written there");
   std::remove((folder + "/" + probe.name).c_str());
 }
 
@@ -109,7 +109,7 @@ Options parse(const std::vector<std::string>& arguments, Faults& faults) {
       options.paper = value(option);
     } else if (option == "--journal") {
       const std::string& folder = value(option);
-      requireWritable(option, folder);
+      requireWritable(folder);
       options.journal.keep = [folder](const Journal::File& file) { return keepJournal(folder, file); };
     } else if (option == "--journal-piece") {
       // With its frame, a piece must fit a datagram.
@@ -122,7 +122,7 @@ Options parse(const std::vector<std::string>& arguments, Faults& faults) {
       addOutcome(options.cards, value(option));
     } else if (option == "--acknowledge") {
       const std::string& what = value(option);
-      if (what != "frame" && what != "enq") throw UsageError(option + " takes frame or enq, not " + what);
+      if (what != "frame" && what != "enq") throw UsageError("--acknowledge takes frame or enq, not " + what);
       options.acknowledges = what == "enq" ? Line::Acknowledges::kEnq : Line::Acknowledges::kFrame;
     } else if (option == "--quiet") {
       options.isQuiet = true;
