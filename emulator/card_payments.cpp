@@ -12,14 +12,16 @@ std::string terminalIdentifier(int number) {
 void CardPayments::begin(const Payment& payment, double now) {
   payment_ = payment;
   end_ = now + options.seconds;
+  decision_.reset();
   forgetFailure();
 }
 
 std::optional<Payment> CardPayments::takeApproved(double now) {
-  if (!payment_ || now < end_) return std::nullopt;
+  const bool isDecided = decision_ || (options.answers && now >= end_);
+  if (!payment_ || !isDecided) return std::nullopt;
   auto payment = std::exchange(payment_, std::nullopt);
-  failure_ = options.otherwise;
-  if (!options.next.empty()) {
+  failure_ = decision_.value_or(options.otherwise);
+  if (!decision_ && !options.next.empty()) {
     failure_ = options.next.front();
     options.next.pop_front();
   }

@@ -41,12 +41,18 @@ class CardPayments {
     /// How the next payments end, one after the other, and how all others do: kOk or a code that refuses.
     std::deque<Code> next;
     Code otherwise = Code::kOk;
+    /// Whether the terminal comes to a decision by itself.
+    bool answers = true;
   };
   Options options;
 
   /// Hands `payment` to its terminal. `now` is in seconds, from any fixed moment.
   void begin(const Payment& payment, double now);
   bool isUnderWay() const { return payment_.has_value(); }
+  /// What the terminal has now.
+  const std::optional<Payment>& underWay() const { return payment_; }
+  /// Has the terminal decide about what it has, now: kOk, or a code that refuses.
+  void decide(Code outcome) { decision_ = outcome; }
   /// The payment to book, once its terminal has approved it.
   std::optional<Payment> takeApproved(double now);
 
@@ -54,9 +60,18 @@ class CardPayments {
   Code takeFailure();
   void forgetFailure() { failure_ = Code::kOk; }
 
+  /// Hands all that outlives a power cut to `visit(name, member)`. A terminal has decided when the power is back.
+  template <class Visitor>
+  void visitMemory(Visitor&& visit) {
+    visit("payment", payment_);
+    visit("approvals", approvals_);
+    visit("failure", failure_);
+  }
+
  private:
   std::optional<Payment> payment_;
   double end_ = 0;
+  std::optional<Code> decision_;
   int approvals_ = 0;
   Code failure_ = Code::kOk;
 };

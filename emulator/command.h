@@ -10,21 +10,30 @@
 
 namespace mirvane::emulator {
 
+using Name = std::string_view;
+
 /// What a field of a command may hold.
 struct FieldRule {
+  /// For whoever reads along; empty where there is nothing to say.
+  Name name;
   enum class Kind { kText, kWhole, kFlag, kAmount, kQuantity } kind;
   std::size_t longest;
   bool mayBeEmpty;
 };
 
 namespace field {
-constexpr FieldRule text(std::size_t longest) { return {FieldRule::Kind::kText, longest, true}; }
-constexpr FieldRule whole(std::size_t longest) { return {FieldRule::Kind::kWhole, longest, false}; }
+constexpr FieldRule text(Name name, std::size_t longest) { return {name, FieldRule::Kind::kText, longest, true}; }
+constexpr FieldRule whole(Name name, std::size_t longest) { return {name, FieldRule::Kind::kWhole, longest, false}; }
 /// 0 or 1.
-constexpr FieldRule flag() { return {FieldRule::Kind::kFlag, 3, false}; }
-constexpr FieldRule wholeOrEmpty(std::size_t longest) { return {FieldRule::Kind::kWhole, longest, true}; }
-constexpr FieldRule amount() { return {FieldRule::Kind::kAmount, 11, false}; }
-constexpr FieldRule quantity() { return {FieldRule::Kind::kQuantity, 10, false}; }
+constexpr FieldRule flag(Name name) { return {name, FieldRule::Kind::kFlag, 3, false}; }
+constexpr FieldRule wholeOrEmpty(Name name, std::size_t longest) {
+  return {name, FieldRule::Kind::kWhole, longest, true};
+}
+constexpr FieldRule amount(Name name) { return {name, FieldRule::Kind::kAmount, 11, false}; }
+constexpr FieldRule quantity(Name name) { return {name, FieldRule::Kind::kQuantity, 10, false}; }
+/// A digit that has picked the command already.
+constexpr FieldRule selector(std::size_t longest = 1) { return whole("", longest); }
+constexpr FieldRule empty() { return text("", 0); }
 }  // namespace field
 
 /// The fields of a command behind its code, numbered from 0. They have passed the rules of their command.
@@ -73,10 +82,14 @@ struct Command {
   std::string_view code;
   /// The first field that picks this row among those with the same code; an empty one takes any.
   std::string_view selector;
+  /// For whoever reads along.
+  Name name;
   std::vector<FieldRule> fields;
   /// Refused while the printer cannot print.
   bool prints;
   Code (*run)(Register& machine, const Fields& fields, ReplyFields& reply);
+  /// Of the reply's fields behind the status bytes.
+  std::vector<Name> replyNames = {};
   /// No "/" closes its last field.
   bool endsOpen = false;
 };

@@ -95,28 +95,47 @@ Code testTerminal(Register& machine, const Fields& fields, ReplyFields&) {
 
 const std::vector<Command>& cardCommands() {
   using namespace field;
-  constexpr FieldRule kNumber = whole(5);
+  constexpr FieldRule kTerminal = whole("terminal", 2);
+  constexpr FieldRule kEnabled = whole("enabled", 3);
+  constexpr FieldRule kPort = whole("port", 5);
+  constexpr FieldRule kTimeout = whole("time-out", 5);
   // Room for texts that are no addresses, so that they are refused as such.
-  constexpr FieldRule kIp = text(40);
-  constexpr FieldRule kDescription = text(10);
-  constexpr FieldRule kMiddlewareText = text(30);
-  constexpr FieldRule kEmpty = text(0);
-  // selector, terminal, enabled and middleware, port, time-out, IP, description, variant, four bitmaps, acquirer and
-  // terminal of the middleware, transaction, format of the register's identifier
-  static const std::vector<FieldRule> kRecord = {
-      whole(1),        whole(2),        whole(3),        kNumber, kNumber, kIp,
-      kDescription,    kNumber,         kNumber,         kNumber, kNumber, kNumber,
-      kMiddlewareText, kMiddlewareText, kMiddlewareText, kNumber};
+  constexpr FieldRule kIp = text("IP", 40);
+  constexpr FieldRule kDescription = text("description", 10);
+  constexpr FieldRule kBitmap = whole("bitmap", 5);
+  static const std::vector<FieldRule> kRecord = {selector(),
+                                                 kTerminal,
+                                                 kEnabled,
+                                                 kPort,
+                                                 kTimeout,
+                                                 kIp,
+                                                 kDescription,
+                                                 whole("variant", 5),
+                                                 kBitmap,
+                                                 kBitmap,
+                                                 kBitmap,
+                                                 kBitmap,
+                                                 text("acquirer", 30),
+                                                 text("middleware terminal", 30),
+                                                 text("transaction", 30),
+                                                 whole("format", 5)};
   static const std::vector<Command> kCommands = {
-      {"E", "0", {whole(1), whole(2), kEmpty, kEmpty, kEmpty, kEmpty, kEmpty, kEmpty, kEmpty}, false, tellTerminal},
-      {"E", "1", kRecord, false, setTerminal},
-      // selector, terminal, enabled, port, time-out, IP, description, 1, 0
+      {"E",
+       "0",
+       "read card terminal",
+       {selector(), kTerminal, empty(), empty(), empty(), empty(), empty(), empty(), empty()},
+       false,
+       tellTerminal,
+       {"enabled", "IP", "port", "description", "variant", "time-out", "bitmap", "bitmap", "bitmap", "bitmap", "TID",
+        "middleware", "acquirer", "middleware terminal", "transaction", "format"}},
+      {"E", "1", "card terminal", kRecord, false, setTerminal},
       {"E",
        "2",
-       {whole(1), whole(2), whole(3), kNumber, kNumber, kIp, kDescription, whole(1), whole(1)},
+       "test card terminal",
+       {selector(), kTerminal, kEnabled, kPort, kTimeout, kIp, kDescription, selector(), selector()},
        false,
        testTerminal},
-      {"E", "4", kRecord, false, deleteTerminal},
+      {"E", "4", "delete card terminal", kRecord, false, deleteTerminal},
   };
   return kCommands;
 }

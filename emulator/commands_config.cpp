@@ -65,7 +65,7 @@ Code tellVatRates(Register& machine, const Fields&, ReplyFields& reply) {
 Code setVatRates(Register& machine, const Fields& fields, ReplyFields&) {
   const Code code = machine.fiscal.dayProblem();
   if (code != Code::kOk) return code;
-  std::array<std::int64_t, kVatCategories> rates{};
+  VatRates rates{};
   for (std::size_t i = 0; i < kVatCategories; ++i) {
     rates[i] = fields.number(i);
     if (rates[i] < 0 || rates[i] > 9999) return Code::kFieldRange;
@@ -144,15 +144,17 @@ Code endServerDialogue(Register&, const Fields&, ReplyFields&) { return Code::kO
 
 std::vector<FieldRule> sizedLines(std::size_t count) {
   std::vector<FieldRule> rules;
-  for (std::size_t i = 0; i < count; ++i) rules.insert(rules.end(), {field::whole(2), field::text(Paper::kColumns)});
+  for (std::size_t i = 0; i < count; ++i) {
+    rules.insert(rules.end(), {field::whole("size", 2), field::text("line", Paper::kColumns)});
+  }
   return rules;
 }
 
 /// Eighteen fields, all empty but the ninth.
 std::vector<FieldRule> vatNumberFields() {
-  std::vector<FieldRule> rules(18, field::text(0));
+  std::vector<FieldRule> rules(18, field::empty());
   // Longer than any VAT number, so that a wrong one is refused as such.
-  rules[8] = field::text(20);
+  rules[8] = field::text("VAT number", 20);
   return rules;
 }
 
@@ -160,33 +162,62 @@ std::vector<FieldRule> vatNumberFields() {
 
 const std::vector<Command>& configCommands() {
   using namespace field;
-  constexpr FieldRule kLine = text(Paper::kColumns);
-  constexpr FieldRule kEmpty = text(0);
-  constexpr FieldRule kUrl = text(200);
-  constexpr FieldRule kName = text(35);
+  constexpr FieldRule kLine = text("line", Paper::kColumns);
+  constexpr FieldRule kUrl = text("URL", 200);
+  constexpr FieldRule kName = text("description", 35);
   static const std::vector<Command> kCommands = {
-      {"h", "", {}, false, tellHeader},
-      {"H", "", sizedLines(5), false, setHeader},
-      {"{", "", {}, false, tellFooter},
-      {"Y", "", sizedLines(3), false, setFooter},
-      {"m", "", {kLine, kLine, kLine}, false, setNextFooter, true},
-      {"e", "", {}, false, tellVatRates},
-      {"b", "", {amount(), amount(), amount(), amount(), amount()}, false, setVatRates},
-      // number, description, category
-      {"d", "", {whole(3), kName, whole(3)}, false, setDepartment},
-      {"K", "", {whole(3), kName}, false, setCategory},
-      {"s", "", {}, false, tellSettings},
-      // printer, its description, cashier, flags, top and bottom logo, flags
+      {"h",
+       "",
+       "read header",
+       {},
+       false,
+       tellHeader,
+       {"size", "line", "size", "line", "size", "line", "size", "line", "size", "line"}},
+      {"H", "", "header", sizedLines(5), false, setHeader},
+      {"{", "", "read footer", {}, false, tellFooter, {"size", "line", "size", "line", "size", "line"}},
+      {"Y", "", "footer", sizedLines(3), false, setFooter},
+      {"m", "", "next footer", {kLine, kLine, kLine}, false, setNextFooter, {}, true},
+      {"e", "", "read VAT rates", {}, false, tellVatRates, {"rate A", "rate B", "rate C", "rate D", "rate E"}},
+      {"b",
+       "",
+       "VAT rates",
+       {amount("rate A"), amount("rate B"), amount("rate C"), amount("rate D"), amount("rate E")},
+       false,
+       setVatRates},
+      {"d", "", "department", {whole("department", 3), kName, whole("category", 3)}, false, setDepartment},
+      {"K", "", "category", {whole("category", 3), kName}, false, setCategory},
+      {"s",
+       "",
+       "read settings",
+       {},
+       false,
+       tellSettings,
+       {"printer", "description", "cashier", "drawer on total", "VAT detail", "footer", "top logo", "cutter",
+        "display"}},
       {"S",
        "",
-       {whole(5), text(8), text(20), flag(), flag(), flag(), flag(), flag(), whole(5), whole(5), flag(), flag()},
+       "settings",
+       {whole("printer", 5), text("description", 8), text("cashier", 20), flag("department"), flag("drawer on total"),
+        flag("no sale"), flag("VAT detail"), flag("footer"), whole("top logo", 5), whole("bottom logo", 5),
+        flag("cutter"), flag("display")},
        false,
        setSettings},
-      {"B", "", vatNumberFields(), false, setVatNumber},
-      // active, address, port, key, -, -, -, address for QR codes
-      {"]", "", {flag(), kUrl, wholeOrEmpty(5), text(200), kEmpty, kEmpty, kEmpty, kUrl}, false, setServer},
-      {",", "0", {whole(1)}, false, tellServer},
-      {",", "1", {whole(1)}, false, endServerDialogue},
+      {"B", "", "VAT number", vatNumberFields(), false, setVatNumber},
+      {"]",
+       "",
+       "server",
+       {flag("active"), kUrl, wholeOrEmpty("port", 5), text("key", 200), empty(), empty(), empty(),
+        text("QR URL", 200)},
+       false,
+       setServer},
+      {",",
+       "0",
+       "read server",
+       {selector()},
+       false,
+       tellServer,
+       {"active", "URL", "port", "key", "", "", "", "QR URL"}},
+      {",", "1", "end of server", {selector()}, false, endServerDialogue},
   };
   return kCommands;
 }

@@ -47,16 +47,18 @@ Code cut(Register& machine, const Fields& fields, ReplyFields&) {
 const std::vector<Command>& printerCommands() {
   using namespace field;
   static const std::vector<Command> kCommands = {
-      // text, size
-      {"P", "", {text(Paper::kColumns), whole(1)}, true, printComment},
-      // -, -, -, line, text
-      {"2", "10", {whole(2), whole(1), whole(1), whole(1), text(20)}, false, showText},
-      // -, text
-      {"7", "1", {whole(1), text(20)}, false, showMessage},
-      {"7", "2", {whole(1), text(20)}, false, showMessage},
-      {"F", "", {whole(2)}, true, feed},
-      {"p", "1", {whole(1)}, false, openDrawer},
-      {"p", "2", {whole(1), flag()}, true, cut},
+      {"P", "", "comment", {text("text", Paper::kColumns), whole("size", 1)}, true, printComment},
+      {"2",
+       "10",
+       "display",
+       {selector(2), selector(), selector(), whole("line", 1), text("text", 20)},
+       false,
+       showText},
+      {"7", "1", "display message", {selector(), text("text", 20)}, false, showMessage},
+      {"7", "2", "display message", {selector(), text("text", 20)}, false, showMessage},
+      {"F", "", "feed", {whole("lines", 2)}, true, feed},
+      {"p", "1", "open the drawer", {selector()}, false, openDrawer},
+      {"p", "2", "cut", {selector(), flag("full")}, true, cut},
   };
   return kCommands;
 }

@@ -58,15 +58,31 @@ Code tellDayTotals(Register& machine, const Fields&, ReplyFields& reply) {
 }  // namespace
 
 const std::vector<Command>& readCommands() {
+  using namespace field;
+  static const std::vector<Name> kTotals = {"sales A",  "sales B",        "sales C",   "sales D", "sales E",   "sales",
+                                            "receipts", "cash documents", "voids",     "refunds", "cancelled", "cash",
+                                            "cards",    "cheques",        "discounts", "mark-ups"};
   static const std::vector<Command> kCommands = {
-      {"v", "", {}, false, tellVersion},
-      {"?", "", {}, false, tellStatus},
-      {"9", "", {}, false, tellReceiptTotals},
-      {"a", "", {}, false, tellSerialNumber},
-      {"t", "", {}, false, tellTime},
-      {"0", "", {}, false, tellDayTotals},
-      {"D", "", {field::whole(3)}, false, tellDepartment},
-      {"k", "", {field::whole(3)}, false, tellCategory},
+      {"v", "", "version", {}, false, tellVersion, {"model", "version", "build"}},
+      {"?", "", "status", {}, false, tellStatus},
+      {"9",
+       "",
+       "open receipt",
+       {},
+       false,
+       tellReceiptTotals,
+       {"sales A", "sales B", "sales C", "sales D", "sales E", "receipt", "total"}},
+      {"a", "", "serial number", {}, false, tellSerialNumber, {"serial number"}},
+      {"t", "", "date and time", {}, false, tellTime, {"date", "time"}},
+      {"0", "", "day totals", {}, false, tellDayTotals, kTotals},
+      {"D",
+       "",
+       "read department",
+       {whole("department", 3)},
+       false,
+       tellDepartment,
+       {"description", "department", "category", "amount", "count"}},
+      {"k", "", "read category", {whole("category", 3)}, false, tellCategory, {"description", "amount", "count"}},
   };
   return kCommands;
 }

@@ -159,27 +159,39 @@ Code openCashDocument(Register& machine, const Fields& fields, ReplyFields&) {
 const std::vector<Command>& receiptCommands() {
   using namespace field;
   static const std::vector<Command> kCommands = {
-      // operation, -, description, comment, -, quantity, price, department, VAT rate, category
       {"3",
        "",
-       {text(1), text(0), text(30), text(30), text(0), quantity(), amount(), whole(3), amount(), whole(3)},
+       "item",
+       {text("operation", 1), empty(), text("description", 30), text("comment", 30), empty(), quantity("quantity"),
+        amount("price"), whole("department", 3), amount("VAT rate"), whole("category", 3)},
        true,
        addItem},
-      // kind, place, description, comment, amount, shares of the VAT categories
       {"4",
        "",
-       {whole(2), whole(3), text(Paper::kColumns), text(Paper::kColumns), amount(), amount(), amount(), amount(),
-        amount(), amount()},
+       "adjustment",
+       {whole("kind", 2), whole("place", 3), text("description", Paper::kColumns), text("comment", Paper::kColumns),
+        amount("amount"), amount("share A"), amount("share B"), amount("share C"), amount("share D"),
+        amount("share E")},
        true,
        adjust},
-      {"5", "99", {whole(2), whole(1), whole(1), whole(1)}, false, tellRemaining},
-      // number, description, second description, amount, card terminal, kind of card transaction
-      {"5", "", {whole(2), text(30), text(30), amount(), wholeOrEmpty(3), wholeOrEmpty(3)}, true, pay},
-      // direction, amount, description
-      {"6", "0", {whole(1), amount(), text(30)}, true, openCashDocument},
-      {"6", "1", {whole(1), amount(), text(30)}, true, openCashDocument},
-      {"O", "1", {whole(1)}, true, close},
-      {"O", "2", {whole(1)}, true, cancel},
+      {"5",
+       "99",
+       "what remains to pay",
+       {selector(2), selector(), selector(), selector()},
+       false,
+       tellRemaining,
+       {"remaining", "change", "paid"}},
+      {"5",
+       "",
+       "payment",
+       {whole("tender", 2), text("description", 30), text("second description", 30), amount("amount"),
+        wholeOrEmpty("card terminal", 3), wholeOrEmpty("transaction", 3)},
+       true,
+       pay},
+      {"6", "0", "cash in", {selector(), amount("amount"), text("description", 30)}, true, openCashDocument},
+      {"6", "1", "cash out", {selector(), amount("amount"), text("description", 30)}, true, openCashDocument},
+      {"O", "1", "close", {selector()}, true, close},
+      {"O", "2", "cancel", {selector()}, true, cancel},
   };
   return kCommands;
 }

@@ -89,10 +89,13 @@ Code printLastZ(Register& machine, const Fields&, ReplyFields&) {
 const std::vector<Command>& reportCommands() {
   using namespace field;
   static const std::vector<Command> kCommands = {
-      {"x", "1", {whole(1)}, true, printX},     {"x", "2", {whole(1), whole(1)}, true, closeDay, true},
-      {"x", "9", {whole(1)}, true, printLastZ}, {"A", "", {}, false, prepareClosing},
-      {"#", "", {}, false, prepareOpenDay},     {")", "", {}, false, tellJournalName},
-      {"Q", "", {}, false, readJournal},
+      {"x", "1", "X report", {selector()}, true, printX},
+      {"x", "2", "Z report", {selector(), selector()}, true, closeDay, {}, true},
+      {"x", "9", "Z report again", {selector()}, true, printLastZ},
+      {"A", "", "end the day's sales", {}, false, prepareClosing, {"closure", "signature"}},
+      {"#", "", "journal so far", {}, false, prepareOpenDay, {"last closure"}},
+      {")", "", "journal name", {}, false, tellJournalName, {"file name"}},
+      {"Q", "", "read journal", {}, false, readJournal, {"state", "piece", "file name"}},
   };
   return kCommands;
 }

@@ -44,11 +44,6 @@ Code run(Register& machine, std::string_view command, std::uint8_t printerStatus
   return code;
 }
 
-void bookApproved(Register& machine) {
-  const auto payment = machine.cards.takeApproved(machine.elapsed());
-  if (payment && machine.fiscal.receipt->pay(*payment) == Code::kOk) printPayment(machine);
-}
-
 }  // namespace
 
 platform::LocalTime systemTime() {
@@ -63,18 +58,36 @@ double steadySeconds() {
 
 Device::Device(Paper::Sink paper, LocalClock clock, ElapsedClock elapsed)
     : machine_{{},
-               Paper([this, sink = std::move(paper)](TextView line) {
+               Paper([this, sink = std::move(paper)](const PaperLine& line) {
                  machine_.journal.record(line);
+                 machine_.roll.print(line);
                  if (sink) sink(line);
                }),
                std::move(clock),
                std::move(elapsed)} {}
 
 std::string Device::execute(std::string_view command, std::uint8_t printerStatus) {
-  bookApproved(machine_);
+  settleCard();
   ReplyFields reply;
   const Code code = run(machine_, command, printerStatus, reply);
   return refuse(code, printerStatus) + (code == Code::kOk ? reply.bytes() : "");
+}
+
+void Device::settleCard() {
+  const auto payment = machine_.cards.takeApproved(machine_.elapsed());
+  if (payment && machine_.fiscal.receipt->pay(*payment) == Code::kOk) printPayment(machine_);
+}
+
+void Device::restore(FiscalState fiscal, Journal journal, CardPayments cards) {
+  journal.options = std::move(machine_.journal.options);
+  cards.options = std::move(machine_.cards.options);
+  machine_.fiscal = std::move(fiscal);
+  machine_.journal = std::move(journal);
+  machine_.cards = std::move(cards);
+  machine_.display = {};
+  machine_.drawerOpenings = 0;
+  machine_.roll.clear();
+  if (machine_.fiscal.receipt) beginDocument(machine_, Document::Kind::kReceipt);
 }
 
 std::string Device::refuse(Code code, std::uint8_t printerStatus) const {

@@ -36,6 +36,11 @@ class Device {
   /// The reply that refuses any command with `code`.
   std::string refuse(Code code, std::uint8_t printerStatus = 0) const;
 
+  /// Books and prints a card payment that its terminal has approved meanwhile; the next command would do so too.
+  void settleCard();
+  /// Goes on where another one stood, with no paper printed. How it journals and how card terminals decide stays.
+  void restore(FiscalState fiscal, Journal journal, CardPayments cards);
+
   /// For looking at the register and for preparing it.
   FiscalState& fiscal() { return machine_.fiscal; }
   Journal& journal() { return machine_.journal; }
@@ -43,6 +48,8 @@ class Device {
   /// What the customer sees.
   const Display& display() const { return machine_.display; }
   int drawerOpenings() const { return machine_.drawerOpenings; }
+  Roll& roll() { return machine_.roll; }
+  platform::LocalTime time() const { return machine_.clock(); }
 
  private:
   Register machine_;

@@ -111,7 +111,7 @@ Fault takeFault(Words& words) {
   if (name.empty()) fail("the fault is missing", "");
   const Row* row = std::find_if(std::begin(kRows), std::end(kRows), [name](const Row& r) { return r.name == name; });
   if (row == std::end(kRows)) fail("unknown fault", name);
-  Fault fault{row->kind, row->number, {}};
+  Fault fault{row->kind, row->number, {}, {}};
   switch (row->argument) {
     case Argument::kNone:
       break;
@@ -144,9 +144,10 @@ Fault takeFault(Words& words) {
 
 }  // namespace
 
-void Faults::add(std::string_view rule) {
+int Faults::add(std::string_view rule) {
   Words words(rule);
   Rule parsed;
+  parsed.text = rule;
   const bool isDelayed = words.takeIf("after");
   if (isDelayed) parsed.skip = takeNumber(words, "after");
   if (words.takeIf("on")) {
@@ -168,7 +169,19 @@ void Faults::add(std::string_view rule) {
     words.take();
   }
   parsed.fault = takeFault(words);
+  parsed.fault.rule = rule;
+  parsed.number = ++lastNumber_;
   rules_.push_back(std::move(parsed));
+  return lastNumber_;
+}
+
+bool Faults::remove(int number) {
+  return std::erase_if(rules_, [number](const Rule& rule) { return rule.number == number; }) > 0;
+}
+
+void Faults::clear() {
+  rules_.clear();
+  switches = {};
 }
 
 void Faults::addScript(std::string_view script) {

@@ -36,6 +36,8 @@ struct Fault {
   Kind kind = Kind::kNone;
   std::uint32_t number = 0;
   std::string bytes;
+  /// The rule that it comes from.
+  std::string rule;
 
   bool isOnWire() const { return kind >= Kind::kSilence && kind <= Kind::kStatus; }
 };
@@ -48,19 +50,35 @@ struct FaultError : std::runtime_error {
 /// Misbehaviour on demand. README.md has the grammar of the rules.
 class Faults {
  public:
-  /// Adds a rule. Throws FaultError.
-  void add(std::string_view rule);
+  /// States that hold until they are put back.
+  struct Switches {
+    /// Bits of the printer status byte.
+    std::uint8_t printer = 0;
+    /// Every command is refused as busy.
+    bool isBusy = false;
+    /// The register takes nothing and answers nothing.
+    bool isOff = false;
+  };
+  Switches switches;
+
+  /// Adds a rule and returns its number. Throws FaultError.
+  int add(std::string_view rule);
+  /// False when no such rule stands.
+  bool remove(int number);
   /// Adds the rules of a script, one a line; blank lines and lines beginning with "#" are passed over. Throws
   /// FaultError with the number of the line; the lines before it are in force then.
   void addScript(std::string_view script);
-  void clear() { rules_.clear(); }
+  /// Takes all rules away and puts the switches back.
+  void clear();
 
   /// The fault for a command that has arrived, from the first rule that applies. `isRepeat`: the command was executed
   /// before and only its reply is wanted. `now` is in seconds, from any fixed moment.
   Fault take(std::string_view command, bool isRepeat, double now);
 
- private:
   struct Rule {
+    /// Counts from 1.
+    int number = 0;
+    std::string text;
     std::string prefix;
     std::uint32_t skip = 0;
     /// How often the rule still applies; with `seconds`, it applies that long from its first time on.
@@ -70,8 +88,13 @@ class Faults {
     Fault fault;
   };
 
+  /// Those that still stand.
+  const std::vector<Rule>& rules() const { return rules_; }
+
+ private:
   static bool applies(Rule& rule, double now);
 
+  int lastNumber_ = 0;
   std::vector<Rule> rules_;
 };
 

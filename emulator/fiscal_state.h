@@ -8,6 +8,7 @@
 
 #include "emulator/card_payments.h"
 #include "emulator/receipt.h"
+#include "emulator/roll.h"
 #include "emulator/settings.h"
 
 namespace mirvane::emulator {
@@ -72,7 +73,7 @@ struct FiscalState {
   ServerSettings server;
   CardTerminals cardTerminals{{1, {true, 0, "192.168.1.50", 4000, u"ΤΕΡΜΑΤΙΚΟ", 0, 60, {}, "", "", "", 0}}};
   /// Categories A to E, in hundredths of a percent.
-  std::array<std::int64_t, kVatCategories> vatRates{2400, 1300, 600, 3600, 0};
+  VatRates vatRates{2400, 1300, 600, 3600, 0};
   /// Number 1 stands at index 0.
   std::vector<Department> departments;
   std::vector<SalesGroup> categories;
@@ -83,7 +84,7 @@ struct FiscalState {
   /// Gross sales of all closed days.
   Cents grandTotal = 0;
   /// The latest closure's report, as it was printed.
-  std::vector<Text> lastReport;
+  std::vector<PaperLine> lastReport;
   bool isDayOpen = false;
   DayTotals day;
   /// Given to receipts when they open, anew every day; a cancelled receipt keeps its number.

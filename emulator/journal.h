@@ -65,6 +65,19 @@ class Journal {
   /// is then told again and again.
   std::optional<Step> read();
 
+  /// Hands all that outlives a power cut to `visit(name, member)`. A reading begins anew when the power is back.
+  template <class Visitor>
+  void visitMemory(Visitor&& visit) {
+    visit("printed", printed_);
+    visit("signatures", signatures_);
+    visit("receiptStart", receiptStart_);
+    visit("preparationCalls", preparationCalls_);
+    visit("files", files_);
+    visit("signature", signature_);
+    visit("isClosing", isClosing_);
+    visit("isTransferred", isTransferred_);
+  }
+
  private:
   std::vector<File> filesNow(const std::string& name, std::string summary) const;
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 #include "protocol/wire.h"
 
@@ -24,6 +25,11 @@ Line::Line(Device& device, Faults& faults, Outlet& outlet, Acknowledges acknowle
     : device_(device), faults_(faults), outlet_(outlet), acknowledges_(acknowledges), elapsed_(std::move(elapsed)) {}
 
 void Line::feed(std::string_view bytes) {
+  if (faults_.switches.isOff) {
+    isInFrame_ = false;
+    outlet_.drop();
+    return;
+  }
   for (const char byte : bytes) take(byte);
 }
 
@@ -44,7 +50,7 @@ void Line::take(char byte) {
       isInFrame_ = false;
       break;
     case wire::kAck:
-      if (!isInFrame_) awaitsAck_ = false;
+      if (!isInFrame_ && std::exchange(memory_.awaitsAck, false) && witness_) witness_->acknowledged();
       break;
     default:
       // One byte more than any good frame holds is enough to know that this one is too long.
@@ -59,6 +65,7 @@ void Line::takeFrame() {
   }
   const std::size_t length = frame_.size() < 2 ? 0 : frame_.size() - 2;
   if (frame_.size() < 2 || frame_.substr(length) != checksum(frame_.substr(0, length))) {
+    if (witness_) witness_->answered({});
     outlet_.send({&wire::kNak, 1}, 0);
     return;
   }
@@ -66,32 +73,22 @@ void Line::takeFrame() {
 }
 
 void Line::answer(const std::string& command) {
-  const bool isRepeat = awaitsAck_ && command == lastCommand_;
+  const bool isRepeat = memory_.awaitsAck && command == memory_.command;
   const Fault fault = faults_.take(command, isRepeat, elapsed_());
-  if (fault.kind == Kind::kSilence) return;
-  if (fault.kind == Kind::kNak) {
-    outlet_.send({&wire::kNak, 1}, 0);
-    return;
-  }
-  if (!isRepeat) {
-    lastCommand_ = command;
-    lastReply_ = wire::kStx + execute(command, fault) + wire::kEtx;
-    awaitsAck_ = true;
-  }
-  if (fault.kind != Kind::kLost) sendReply(lastReply_, fault);
+  const bool isExecuted = fault.kind != Kind::kSilence && fault.kind != Kind::kNak;
+  if (isExecuted && !isRepeat) memory_ = {command, execute(command, fault), true};
+  if (witness_) witness_->answered({command, isExecuted ? memory_.reply : "", fault, isRepeat});
+  if (fault.kind == Kind::kNak) outlet_.send({&wire::kNak, 1}, 0);
+  if (isExecuted && fault.kind != Kind::kLost) sendReply(wire::kStx + memory_.reply + wire::kEtx, fault);
 }
 
 std::string Line::execute(const std::string& command, const Fault& fault) {
-  switch (fault.kind) {
-    case Kind::kCode:
-      return device_.refuse(static_cast<Code>(fault.number));
-    case Kind::kReply:
-      return fault.bytes;
-    case Kind::kPrinter:
-      return device_.execute(command, static_cast<std::uint8_t>(fault.number));
-    default:
-      return device_.execute(command);
-  }
+  const Faults::Switches& switches = faults_.switches;
+  if (fault.kind == Kind::kReply) return fault.bytes;
+  if (fault.kind == Kind::kCode) return device_.refuse(static_cast<Code>(fault.number), switches.printer);
+  if (switches.isBusy) return device_.refuse(Code::kBusy, switches.printer);
+  const std::uint32_t printer = fault.kind == Kind::kPrinter ? fault.number : 0;
+  return device_.execute(command, static_cast<std::uint8_t>(printer | switches.printer));
 }
 
 void Line::sendReply(std::string reply, const Fault& fault) {

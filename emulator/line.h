@@ -23,6 +23,28 @@ class Outlet {
   virtual void drop() = 0;
 };
 
+/// A frame of the till, and what came of it.
+struct Exchange {
+  /// Bare, code page 1253; empty for a frame that was spoiled.
+  std::string command;
+  /// The register's own, bare, whatever then happened to it on the wire; empty when it made none.
+  std::string reply;
+  Fault fault;
+  /// The command had been executed before.
+  bool isRepeat = false;
+};
+
+/// Looks on at a line.
+class Witness {
+ public:
+  virtual ~Witness() = default;
+
+  /// The register has done what `exchange` tells; nothing of it has been sent yet.
+  virtual void answered(const Exchange& exchange) = 0;
+  /// The till has told that it has the reply.
+  virtual void acknowledged() = 0;
+};
+
 /// The device's side of one link to a till.
 ///
 /// A till that has missed a reply sends the same frame again. So a frame identical to the one executed last is
@@ -37,6 +59,17 @@ class Line {
   static constexpr std::size_t kLongestCommand = 4096;
 
   Line(Device& device, Faults& faults, Outlet& outlet, Acknowledges acknowledges, ElapsedClock elapsed);
+
+  void setWitness(Witness* witness) { witness_ = witness; }
+
+  /// The latest command and its reply.
+  struct Memory {
+    std::string command, reply;
+    bool awaitsAck = false;
+  };
+  const Memory& memory() const { return memory_; }
+  /// As if `memory` had been the latest.
+  void setMemory(Memory memory) { memory_ = std::move(memory); }
 
   /// Takes bytes as they arrive; on a network, one datagram.
   void feed(std::string_view bytes);
@@ -56,9 +89,8 @@ class Line {
 
   bool isInFrame_ = false;
   std::string frame_;
-  std::string lastCommand_;
-  std::string lastReply_;
-  bool awaitsAck_ = false;
+  Memory memory_;
+  Witness* witness_ = nullptr;
 };
 
 }  // namespace mirvane::emulator

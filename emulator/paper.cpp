@@ -2,10 +2,10 @@
 
 namespace mirvane::emulator {
 
-void Paper::line(TextView text) {
+void Paper::line(TextView text, int size) {
   do {
     const TextView row = text.substr(0, kColumns);
-    if (sink_) sink_(row.substr(0, row.find_last_not_of(u' ') + 1));
+    sink_({Text(row.substr(0, row.find_last_not_of(u' ') + 1)), size});
     text.remove_prefix(row.size());
   } while (!text.empty());
 }
@@ -16,11 +16,8 @@ void Paper::sized(TextView text, int size, bool centred) {
     for (const char16_t c : text) spread.append({c, u' '});
     text = spread;
   }
-  if (centred && text.size() < kColumns) {
-    line(Text((kColumns - text.size()) / 2, u' ').append(text));
-  } else {
-    line(text);
-  }
+  const std::size_t margin = centred && text.size() < kColumns ? (kColumns - text.size()) / 2 : 0;
+  line(Text(margin, u' ').append(text), std::max(size, 1));
 }
 
 void Paper::pair(TextView left, TextView right) {
@@ -38,7 +35,7 @@ void Paper::feed(int lines) {
 void Paper::cut(bool full) {
   Text text = u"8<";
   while (text.size() + 2 <= kColumns) text += full ? u"--" : u"- ";
-  line(text);
+  sink_({text, 1, true});
 }
 
 }  // namespace mirvane::emulator

@@ -67,7 +67,7 @@ class Receipt {
  public:
   static constexpr std::size_t kMostLines = 500;
 
-  explicit Receipt(int number) : number_(number) {}
+  explicit Receipt(int number = 0) : number_(number) {}
 
   /// A void takes back what this receipt sold, so no VAT category may fall below zero by it; nor by a refund, which
   /// may not make the whole receipt negative either. The limits are those of the total and of what the day can take.
@@ -90,6 +90,19 @@ class Receipt {
   bool inPayment() const { return !payments_.empty(); }
   bool isCardTaken() const;
   bool isFull() const { return items_.size() + adjustments_.size() >= kMostLines; }
+
+  /// Hands all that outlives a power cut to `visit(name, member)`.
+  template <class Visitor>
+  void visitMemory(Visitor&& visit) {
+    visit("number", number_);
+    visit("items", items_);
+    visit("latestAmount", latestAmount_);
+    visit("adjustments", adjustments_);
+    visit("payments", payments_);
+    visit("vatSums", vatSums_);
+    visit("paid", paid_);
+    visit("change", change_);
+  }
 
  private:
   int number_;

@@ -86,7 +86,18 @@ void printHeader(Paper& paper, const FiscalState& fiscal) {
   paper.centred(u"ΑΦΜ " + fromCodePage(fiscal.vatNumber));
 }
 
+void beginDocument(Register& machine, Document::Kind kind) {
+  Document document;
+  document.kind = kind;
+  document.closure = machine.fiscal.closures + 1;
+  document.time = machine.clock();
+  if (kind == Document::Kind::kReceipt) document.number = machine.fiscal.receipt->number();
+  document.vatRates = machine.fiscal.vatRates;
+  machine.roll.begin(std::move(document));
+}
+
 void printReceiptStart(Register& machine) {
+  beginDocument(machine, Document::Kind::kReceipt);
   printHeader(machine.paper, machine.fiscal);
   machine.paper.centred(u"ΝΟΜΙΜΗ ΑΠΟΔΕΙΞΗ - ΕΝΑΡΞΗ");
   machine.paper.pair(u"ΑΠΟΔΕΙΞΗ " + paddedNumber(machine.fiscal.receipt->number(), 4),
@@ -134,6 +145,7 @@ void printReceiptEnd(Register& machine) {
   machine.paper.rule();
   if (machine.fiscal.settings.printsVatDetail) printVatAnalysis(machine);
   printEnd(machine, u"ΝΟΜΙΜΗ ΑΠΟΔΕΙΞΗ - ΛΗΞΗ");
+  machine.roll.end(Document::State::kClosed, receipt);
 }
 
 void signReceipt(Register& machine) {
@@ -147,10 +159,12 @@ void printReceiptCancelled(Register& machine) {
   machine.paper.rule();
   machine.paper.pair(u"ΑΚΥΡΩΘΗΚΕ", printedAmount(machine.fiscal.receipt->total()) + u"  ");
   printEnd(machine, u"ΑΚΥΡΩΜΕΝΗ ΑΠΟΔΕΙΞΗ - ΛΗΞΗ");
+  machine.roll.end(Document::State::kCancelled, machine.fiscal.receipt);
 }
 
 void printCashDocument(Register& machine, TextView description) {
   const CashDocument& document = *machine.fiscal.cashDocument;
+  beginDocument(machine, document.isIn ? Document::Kind::kCashIn : Document::Kind::kCashOut);
   printHeader(machine.paper, machine.fiscal);
   machine.paper.centred(document.isIn ? u"ΕΙΣΠΡΑΞΗ" : u"ΠΛΗΡΩΜΗ");
   machine.paper.rule();
@@ -160,6 +174,7 @@ void printCashDocument(Register& machine, TextView description) {
 void printCashDocumentEnd(Register& machine) {
   machine.paper.rule();
   printEnd(machine, u"ΠΑΡΑΣΤΑΤΙΚΟ ΜΗ ΦΟΡΟΛΟΓΙΚΟ");
+  machine.roll.end(Document::State::kClosed);
 }
 
 }  // namespace mirvane::emulator

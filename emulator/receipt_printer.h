@@ -14,6 +14,8 @@ Text printedTime(const platform::LocalTime& time);
 /// A VAT category and its rate.
 Text printedVat(const FiscalState& fiscal, std::size_t category);
 
+/// What is printed from now on is a document of its own.
+void beginDocument(Register& machine, Document::Kind kind);
 /// The header with the VAT number of the business.
 void printHeader(Paper& paper, const FiscalState& fiscal);
 void printReceiptStart(Register& machine);

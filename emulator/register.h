@@ -7,6 +7,7 @@
 #include "emulator/fiscal_state.h"
 #include "emulator/journal.h"
 #include "emulator/paper.h"
+#include "emulator/roll.h"
 #include "platform/ports.h"
 
 namespace mirvane::emulator {
@@ -27,6 +28,7 @@ struct Register {
   Display display{};
   int drawerOpenings = 0;
   Journal journal{};
+  Roll roll{};
   CardPayments cards{};
 };
 

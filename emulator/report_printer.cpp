@@ -21,6 +21,10 @@ void printGroups(Paper& paper, TextView title, const std::vector<Group>& groups)
   paper.rule();
 }
 
+void printLines(Register& machine, const std::vector<PaperLine>& lines) {
+  for (const PaperLine& line : lines) machine.paper.line(line, line.size);
+}
+
 void printReport(Paper& paper, Register& machine, TextView title) {
   const platform::LocalTime now = machine.clock();
   printHeader(paper, machine.fiscal);
@@ -63,19 +67,27 @@ void printDayTotals(Paper& paper, const FiscalState& fiscal) {
   amountLine(paper, u"ΓΕΝΙΚΟ ΣΥΝΟΛΟ", fiscal.grandTotal + sumOf(day.gross));
 }
 
-void printXReport(Register& machine) { printReport(machine.paper, machine, u"ΑΝΑΦΟΡΑ Χ"); }
+void printXReport(Register& machine) {
+  beginDocument(machine, Document::Kind::kReport);
+  printReport(machine.paper, machine, u"ΑΝΑΦΟΡΑ Χ");
+  machine.roll.end(Document::State::kClosed);
+}
 
 void printZReport(Register& machine) {
-  std::vector<Text> lines;
-  Paper sheet([&lines](TextView line) { lines.emplace_back(line); });
+  std::vector<PaperLine> lines;
+  Paper sheet([&lines](const PaperLine& line) { lines.push_back(line); });
   printReport(sheet, machine, u"ΔΕΛΤΙΟ Ζ " + paddedNumber(machine.fiscal.closures + 1, 4));
-  for (const Text& line : lines) machine.paper.line(line);
+  beginDocument(machine, Document::Kind::kReport);
+  printLines(machine, lines);
+  machine.roll.end(Document::State::kClosed);
   machine.fiscal.lastReport = std::move(lines);
 }
 
 void printZReportCopy(Register& machine) {
+  beginDocument(machine, Document::Kind::kReport);
   machine.paper.centred(u"ΑΝΤΙΓΡΑΦΟ");
-  for (const Text& line : machine.fiscal.lastReport) machine.paper.line(line);
+  printLines(machine, machine.fiscal.lastReport);
+  machine.roll.end(Document::State::kClosed);
 }
 
 }  // namespace mirvane::emulator

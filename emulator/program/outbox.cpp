@@ -1,6 +1,8 @@
-#include <algorithm>
+#include "emulator/program/outbox.h"
 
-#include "emulator/transport.h"
+#include <algorithm>
+#include <utility>
+
 #include "protocol/wire.h"
 
 namespace mirvane::emulator {
@@ -39,6 +41,7 @@ void Outbox::sendCopy(std::string_view bytes, std::uint32_t delay) {
 void Outbox::drop() {
   std::erase_if(pieces_, [](const Piece& piece) { return !piece.isCopy; });
   outputEnd_ = {};
+  ++drops_;
 }
 
 void Outbox::add(Piece piece) {
@@ -48,9 +51,10 @@ void Outbox::add(Piece piece) {
 
 void Outbox::received(std::size_t count) { inputEnd_ = std::max(inputEnd_, Clock::now()) + onWire(count); }
 
-void Outbox::sent(std::size_t count) {
-  pieces_.front().bytes.erase(0, count);
-  if (pieces_.front().bytes.empty()) pieces_.pop_front();
+std::string Outbox::take() {
+  std::string bytes = std::move(pieces_.front().bytes);
+  pieces_.pop_front();
+  return bytes;
 }
 
 }  // namespace mirvane::emulator

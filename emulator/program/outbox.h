@@ -1,0 +1,52 @@
+#pragma once
+
+#include <chrono>
+#include <deque>
+#include <string>
+#include <string_view>
+
+#include "emulator/line.h"
+
+namespace mirvane::emulator {
+
+/// Bytes on their way out, each with the moment it may leave. When paced, bytes need the time that a line of
+/// wire::kBaud gives them: the last byte of a piece is handed over when it would have crossed the wire, and a reply
+/// starts after the command's bytes would have.
+class Outbox : public Outlet {
+ public:
+  using Time = std::chrono::steady_clock::time_point;
+
+  explicit Outbox(bool isPaced) : isPaced_(isPaced) {}
+
+  void send(std::string_view bytes, std::uint32_t delay) override;
+  void sendCopy(std::string_view bytes, std::uint32_t delay) override;
+  void drop() override;
+  /// Counts `count` bytes that have arrived.
+  void received(std::size_t count);
+
+  bool empty() const { return pieces_.empty(); }
+  /// When the next piece is due. The box is not empty.
+  Time due() const { return pieces_.front().due; }
+  /// Takes the next piece out.
+  std::string take();
+  /// How often `drop` was called.
+  unsigned drops() const { return drops_; }
+
+ private:
+  struct Piece {
+    Time due;
+    std::string bytes;
+    bool isCopy;
+  };
+
+  void add(Piece piece);
+
+  const bool isPaced_;
+  unsigned drops_ = 0;
+  std::deque<Piece> pieces_;
+  /// When the wire has carried everything that came in, and everything that was sent.
+  Time inputEnd_{};
+  Time outputEnd_{};
+};
+
+}  // namespace mirvane::emulator

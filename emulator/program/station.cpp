@@ -1,0 +1,145 @@
+#include "emulator/program/station.h"
+
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <ctime>
+#include <filesystem>
+
+#include "emulator/program/state.h"
+#include "emulator/program/system.h"
+#include "platform/ports.h"
+
+namespace mirvane::emulator {
+namespace {
+
+constexpr std::size_t kMostEntries = 1000;
+
+platform::LocalTime timeAhead(std::int64_t seconds) {
+  const std::time_t then = std::time(nullptr) + seconds;
+  const std::tm* local = std::localtime(&then);
+  if (!local) return systemTime();
+  return {local->tm_year + 1900, local->tm_mon + 1, local->tm_mday, local->tm_hour, local->tm_min, local->tm_sec};
+}
+
+int millisecondsNow() {
+  using namespace std::chrono;
+  return static_cast<int>(duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count() % 1000);
+}
+
+}  // namespace
+
+bool isSerialNumber(std::string_view text) {
+  const auto isPart = [](unsigned char c) { return c < 0x80 && std::isalnum(c); };
+  return !text.empty() && text.size() <= 20 && std::all_of(text.begin(), text.end(), isPart);
+}
+
+/// What the station hears of one line.
+class Station::Watcher : public Witness {
+ public:
+  Watcher(Station& station, std::string name) : station_(station), name_(std::move(name)) {}
+
+  void answered(const Exchange& exchange) override { station_.record(name_, exchange); }
+  void acknowledged() override { station_.save(); }
+
+ private:
+  Station& station_;
+  const std::string name_;
+};
+
+Station::Station(Paper::Sink paper) : device(std::move(paper), [this] { return timeAhead(clockOffset); }) {}
+
+Station::~Station() = default;
+
+void Station::attach(Line& line, const std::string& name) {
+  lines_.push_back({name, &line});
+  line.setWitness(&watchers_.emplace_back(*this, name));
+}
+
+std::string Station::execute(const std::string& command) {
+  const std::string reply = device.execute(command, faults.switches.printer);
+  record("http", {command, reply, {}});
+  return reply;
+}
+
+void Station::record(const std::string& line, const Exchange& exchange) {
+  conversation_.push_back({++lastEntry_, systemTime(), millisecondsNow(), line, exchange});
+  if (conversation_.size() > kMostEntries) conversation_.pop_front();
+  changed();
+}
+
+void Station::changed() {
+  save();
+  if (onChange) onChange();
+}
+
+void Station::keepStateIn(const std::string& path, bool isAnew) {
+  // An absolute one stays the same whatever folder the program works in later.
+  const std::u8string absolute = std::filesystem::absolute(pathOf(path)).u8string();
+  statePath_.assign(absolute.begin(), absolute.end());
+  if (!isAnew && std::filesystem::exists(pathOf(path))) {
+    const auto text = platform::hostPlatform().files.read(fromUtf8(statePath_));
+    if (!text) throw StateError(path + ": cannot be read");
+    try {
+      recallState(*this, *text);
+    } catch (const StateError& error) {
+      throw StateError(path + ": " + error.what());
+    }
+    savedState_ = *text;
+  }
+  save();
+}
+
+void Station::save() {
+  if (statePath_.empty()) return;
+  std::string state = rememberedState(*this);
+  if (state == savedState_) return;
+  if (!platform::hostPlatform().files.replace(fromUtf8(statePath_), state)) {
+    throw StateError(statePath_ + ": cannot be written");
+  }
+  savedState_ = std::move(state);
+}
+
+void Station::calm() {
+  faults.clear();
+  device.cards().options = cardDefaults;
+}
+
+bool Station::reset(const std::string& preset) {
+  FiscalState fiscal;
+  if (preset == "kiosk") {
+    fiscal.header = {{{u"ΠΕΡΙΠΤΕΡΟ", 4},
+                      {u"ΕΞΟΜΟΙΩΤΗΣ ΤΑΜΕΙΑΚΗΣ - ΔΕΝ ΕΙΝΑΙ ΑΠΟΔΕΙΞΗ", 1},
+                      {u"ΠΛΑΤΕΙΑ ΠΑΡΑΔΕΙΓΜΑΤΟΣ 1, 546 24 ΘΕΣΣΑΛΟΝΙΚΗ", 1},
+                      {},
+                      {}}};
+    fiscal.vatNumber = "099999999";
+    const Text names[] = {u"ΤΥΠΟΣ", u"ΑΝΑΨΥΚΤΙΚΑ", u"ΓΛΥΚΑ", u"ΚΑΠΝΙΚΑ"};
+    for (std::size_t i = 0; i < std::size(names); ++i) fiscal.departments[i].description = names[i];
+    fiscal.cardTerminals.clear();
+  } else if (preset == "restaurant") {
+    fiscal.header = {{{u"ΕΣΤΙΑΤΟΡΙΟ", 4},
+                      {u"Ο ΠΛΑΤΑΝΟΣ", 2},
+                      {u"ΕΞΟΜΟΙΩΤΗΣ ΤΑΜΕΙΑΚΗΣ - ΔΕΝ ΕΙΝΑΙ ΑΠΟΔΕΙΞΗ", 1},
+                      {u"ΟΔΟΣ ΠΑΡΑΔΕΙΓΜΑΤΟΣ 3, 185 36 ΠΕΙΡΑΙΑΣ", 1},
+                      {}}};
+    fiscal.footer = {{{u"ΕΥΧΑΡΙΣΤΟΥΜΕ ΠΟΥ ΜΑΣ ΠΡΟΤΙΜΗΣΑΤΕ", 1}, {}, {}}};
+    fiscal.vatNumber = "099999998";
+    const Text names[] = {u"ΚΟΥΖΙΝΑ", u"ΠΟΤΑ", u"ΚΑΦΕΣ", u"ΓΛΥΚΑ"};
+    for (std::size_t i = 0; i < std::size(names); ++i) fiscal.departments[i].description = names[i];
+    fiscal.cardTerminals[1].description = u"ΤΑΜΕΙΟ";
+    fiscal.cardTerminals[2] = {true, 0, "192.168.1.51", 4000, u"ΣΑΛΑ", 0, 60, {}, "", "", "", 0};
+    fiscal.cardTerminals[3] = {true, 0, "192.168.1.52", 4000, u"ΑΥΛΗ", 0, 60, {}, "", "", "", 0};
+    fiscal.settings.usesCutter = true;
+  } else if (preset != "fresh") {
+    return false;
+  }
+  fiscal.serialNumber = device.fiscal().serialNumber;
+  device.restore(std::move(fiscal), {}, {});
+  calm();
+  for (const auto& [name, line] : lines_) line->setMemory({});
+  clockOffset = 0;
+  return true;
+}
+
+}  // namespace mirvane::emulator

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <list>
+#include <string>
+#include <vector>
+
+#include "emulator/device.h"
+#include "emulator/line.h"
+
+namespace mirvane::emulator {
+
+/// Letters and digits, 1 to 20: it becomes part of file names.
+bool isSerialNumber(std::string_view text);
+
+/// One register as the program runs it: with its faults, its lines, what was said on them, and its memory on the disk.
+class Station {
+ public:
+  explicit Station(Paper::Sink paper);
+  Station(const Station&) = delete;
+  Station& operator=(const Station&) = delete;
+  ~Station();
+
+  Device device;
+  Faults faults;
+  /// Seconds by which the register's clock is ahead of this machine's.
+  std::int64_t clockOffset = 0;
+
+  /// An exchange that took place.
+  struct Entry {
+    /// Counts from 1.
+    int id;
+    /// Of this machine.
+    platform::LocalTime time;
+    int milliseconds;
+    std::string line;
+    Exchange exchange;
+  };
+  /// The latest thousand, oldest first; their ids follow one another.
+  const std::deque<Entry>& conversation() const { return conversation_; }
+  void clearConversation() { conversation_.clear(); }
+
+  /// Has the register remember what is said on `line`, under `name`. The line outlives the station's use.
+  void attach(Line& line, const std::string& name);
+
+  /// Whoever is told of changes: of the register, of the faults, of the conversation.
+  std::function<void()> onChange;
+  /// To be called after a change that was not made over a line. Throws StateError.
+  void changed();
+
+  /// Keeps the register's memory in `path`, and takes over what is there unless `isAnew`. Throws StateError.
+  void keepStateIn(const std::string& path, bool isAnew);
+  /// How card terminals decide when nothing else is wished.
+  CardPayments::Options cardDefaults;
+  /// Takes back all misbehaviour: rules, switches, and what was wished of card terminals.
+  void calm();
+  /// As it came from the factory, for a certain trade ("fresh", "kiosk", "restaurant"), calm. The serial number
+  /// stays. False, and nothing done, when there is no such preset.
+  bool reset(const std::string& preset);
+  /// Carries out a command that came over no line, and returns the reply. Both bare.
+  std::string execute(const std::string& command);
+
+  struct Attached {
+    std::string name;
+    Line* line;
+  };
+  const std::vector<Attached>& lines() const { return lines_; }
+
+ private:
+  class Watcher;
+
+  void record(const std::string& line, const Exchange& exchange);
+  void save();
+
+  std::deque<Entry> conversation_;
+  int lastEntry_ = 0;
+  std::vector<Attached> lines_;
+  std::list<Watcher> watchers_;
+  std::string statePath_, savedState_;
+};
+
+}  // namespace mirvane::emulator

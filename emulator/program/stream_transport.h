@@ -1,0 +1,66 @@
+#pragma once
+
+#include <array>
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/io_context.hpp>
+
+#include "emulator/program/pump.h"
+
+namespace mirvane::emulator {
+
+/// A line that carries a stream of bytes: `Stream` is one of Asio's.
+template <class Stream>
+class StreamTransport : public Pump {
+ public:
+  /// `stream` is open.
+  StreamTransport(std::string name, Stream stream, const Wiring& wiring)
+      : Pump(wiring, Line::Acknowledges::kNothing), name_(std::move(name)), stream_(std::move(stream)) {
+    receive();
+  }
+
+  std::string address() const override { return name_; }
+
+ private:
+  using Error = boost::system::error_code;
+
+  void receive() {
+    stream_.async_read_some(boost::asio::buffer(buffer_), [this](const Error& error, std::size_t count) {
+      if (error == boost::asio::error::operation_aborted) return;
+      if (error) failBy(error);
+      arrived({buffer_.data(), count});
+      receive();
+    });
+  }
+
+  void transmit(std::string bytes) override {
+    sending_ = std::move(bytes);
+    dropsBefore_ = drops();
+    sendSome();
+  }
+
+  void sendSome() {
+    // What the system has been given cannot be taken back when the till begins anew, so it is given little at a time.
+    constexpr std::size_t kMost = 1024;
+    stream_.async_write_some(boost::asio::buffer(sending_, kMost), [this](const Error& error, std::size_t count) {
+      if (error == boost::asio::error::operation_aborted) return;
+      if (error) failBy(error);
+      sending_.erase(0, count);
+      if (!sending_.empty() && drops() == dropsBefore_) return sendSome();
+      transmitted();
+      pump();
+    });
+  }
+
+  [[noreturn]] void failBy(const Error& error) const {
+    if (error == boost::asio::error::eof) throw TransportError(name_ + ": the line is gone");
+    throw TransportError(name_ + ": " + error.message());
+  }
+
+  std::string name_;
+  Stream stream_;
+  std::array<char, 4096> buffer_{};
+  std::string sending_;
+  unsigned dropsBefore_ = 0;
+};
+
+}  // namespace mirvane::emulator

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+// What the program asks of the system it runs on, beside its loop.
+namespace mirvane::emulator {
+
+/// The program's arguments in UTF-8, without its own name.
+std::vector<std::string> commandLine(int count, char** arguments);
+/// The file that `utf8` names.
+inline std::filesystem::path pathOf(const std::string& utf8) { return std::u8string(utf8.begin(), utf8.end()); }
+/// Has the console show UTF-8.
+void prepareConsole();
+/// Shows the page to whoever started the program with a double click, where there is such a thing.
+void openBrowser(const std::string& url);
+/// Keeps a console window that would close with the program until a key is pressed.
+void keepConsole();
+/// Whether a port may be opened in spite of connections that linger there from an earlier run. Where it may, a port
+/// that another program listens at is refused all the same.
+bool mayReusePorts();
+
+}  // namespace mirvane::emulator

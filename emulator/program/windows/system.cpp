@@ -1,0 +1,35 @@
+#include "emulator/program/system.h"
+
+#include <shellapi.h>
+#include <windows.h>
+
+#include <cstdlib>
+
+#include "platform/code_page.h"
+
+namespace mirvane::emulator {
+
+std::vector<std::string> commandLine(int /*count*/, char** /*arguments*/) {
+  int count = 0;
+  wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> arguments;
+  for (int i = 1; i < count; ++i) {
+    const std::wstring_view word = words[i];
+    arguments.push_back(toUtf8(Text(word.begin(), word.end())));
+  }
+  LocalFree(words);
+  return arguments;
+}
+
+void prepareConsole() { SetConsoleOutputCP(CP_UTF8); }
+
+void openBrowser(const std::string& url) {
+  ShellExecuteA(nullptr, "open", url.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+}
+
+void keepConsole() { std::system("pause"); }
+
+// Two programs could listen at one port then.
+bool mayReusePorts() { return false; }
+
+}  // namespace mirvane::emulator
