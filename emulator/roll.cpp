@@ -20,7 +20,8 @@ void Roll::end(Document::State state, std::optional<Receipt> receipt) {
 void Roll::print(const PaperLine& line) {
   constexpr std::size_t kLongestNote = 500;
   const bool addsNothing = line.isCut || line.text.empty();
-  if (documents_.empty() || (!isOpen_ && !addsNothing)) begin({});
+  if (documents_.empty() && addsNothing) return;
+  if (!isOpen_ && !addsNothing) begin({});
   documents_.back().lines.push_back(line);
   const bool isLong = documents_.back().kind == Document::Kind::kNote && documents_.back().lines.size() >= kLongestNote;
   if (isOpen_ && isLong) end(Document::State::kClosed);

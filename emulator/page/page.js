@@ -1,1 +1,392 @@
- 
+'use strict';
+
+const api = '/api/v1';
+const mostDocuments = 60, mostEntries = 300;
+const $ = (id) => document.getElementById(id);
+
+// ---- Words
+
+let language = localStorage.getItem('language') || (navigator.language.startsWith('el') ? 'el' : 'en');
+let word = words[language];
+const named = (name) => word.names[name] || name;
+const money = (value) => new Intl.NumberFormat(language, { minimumFractionDigits: 2, maximumFractionDigits: 2 }).format(value);
+
+/** An element with a class, a text and children. */
+function make(tag, { className = '', text = '', ...attributes } = {}, ...children) {
+  const element = document.createElement(tag);
+  if (className) element.className = className;
+  if (text) element.textContent = text;
+  for (const [name, value] of Object.entries(attributes)) element.setAttribute(name, value);
+  element.append(...children);
+  return element;
+}
+
+function speak() {
+  word = words[language];
+  document.documentElement.lang = language;
+  document.title = 'Mirvane – ' + word.title;
+  for (const element of document.querySelectorAll('[data-word]')) element.textContent = word[element.dataset.word];
+  for (const element of document.querySelectorAll('[data-label]')) element.setAttribute('aria-label', word[element.dataset.label]);
+  for (const element of document.querySelectorAll('[data-hint]')) element.placeholder = word[element.dataset.hint];
+  for (const button of document.querySelectorAll('[data-language]')) {
+    button.setAttribute('aria-pressed', button.dataset.language === language);
+  }
+  for (const [name, button] of Object.entries(switches)) button.textContent = word.switches[name];
+  for (const [rule, button] of Object.entries(shots)) button.textContent = word.shots[rule];
+  for (const [name, button] of Object.entries(cards)) button.textContent = word.cards[name];
+}
+
+// ---- Wishes
+
+let noticeTimer;
+function complain(text) {
+  $('notice').textContent = text;
+  $('notice').hidden = false;
+  clearTimeout(noticeTimer);
+  noticeTimer = setTimeout(() => { $('notice').hidden = true; }, 5000);
+}
+
+async function wish(method, path, body) {
+  try {
+    const response = await fetch(api + path, { method, body: body && JSON.stringify(body) });
+    if (!response.ok) {
+      const { error, where } = await response.json();
+      complain(where ? `${error} (${where})` : error);
+    }
+    return response.ok;
+  } catch {
+    complain(word.lost);
+    return false;
+  }
+}
+
+// ---- The paper
+
+const roll = $('roll');
+let newest = 0, newestLines = 0;
+
+function paperLine({ text, size, cut }) {
+  const line = make('div');
+  if (cut) {
+    line.className = 'cut';
+    return line;
+  }
+  if (size === 2 || size === 4) line.className = 'bold';
+  if (size < 3) {
+    line.textContent = text;
+    return line;
+  }
+  // Double width stands as a blank behind each character; a wide letter takes both places.
+  const margin = text.length - text.trimStart().length;
+  line.append(text.slice(0, margin), make('span', { className: 'wide', text: [...text.slice(margin)].filter((_, i) => i % 2 === 0).join('') }));
+  return line;
+}
+
+function labelText({ kind, number, z, time, state }) {
+  const title = [word.kinds[kind], number && String(number).padStart(4, '0')].filter(Boolean).join(' ');
+  return [title, z && `Z ${z}`, time && time.slice(11, 16), word.states[state]].filter(Boolean).join(' · ');
+}
+
+function documentElement(data) {
+  const path = `${api}/documents/${data.id}`;
+  const element = make('article', { className: 'document', 'data-id': data.id },
+    make('div', { className: 'sheet' }),
+    make('div', { className: 'label' }, make('span'),
+      make('a', { href: path + '.txt', target: '_blank', 'data-form': 'text' }),
+      make('a', { href: path + '.png', target: '_blank', 'data-form': 'picture' }),
+      make('a', { href: path, target: '_blank', 'data-form': 'data' })));
+  return element;
+}
+
+function fillDocument(element, data) {
+  element.firstChild.append(...data.paper.map(paperLine));
+  element.about = data;
+  labelDocument(element);
+}
+
+function labelDocument(element) {
+  element.querySelector('.label span').textContent = labelText(element.about);
+  for (const link of element.querySelectorAll('a')) link.textContent = word[link.dataset.form];
+}
+
+const shownDocuments = () => roll.querySelectorAll('.document');
+
+function showDocuments(documents, first) {
+  const atEnd = roll.scrollHeight - roll.scrollTop - roll.clientHeight < 60;
+  for (const element of shownDocuments()) {
+    if (Number(element.dataset.id) < first) element.remove();
+  }
+  for (const data of documents) {
+    let element = roll.querySelector(`[data-id="${data.id}"]`);
+    if (!element) {
+      element = documentElement(data);
+      element.classList.add('fresh');
+      roll.append(element);
+    }
+    fillDocument(element, data);
+    newest = data.id;
+    newestLines = data.firstLine + data.paper.length;
+  }
+  if (atEnd) {
+    const shown = shownDocuments();
+    for (let i = 0; i < shown.length - mostDocuments; ++i) shown[i].remove();
+    roll.scrollTop = roll.scrollHeight;
+  }
+  const oldest = shownDocuments()[0];
+  $('earlier').hidden = !oldest || Number(oldest.dataset.id) <= first;
+  $('blank').hidden = Boolean(oldest);
+}
+
+async function showEarlier() {
+  const oldest = shownDocuments()[0];
+  const response = await fetch(`${api}/documents?before=${oldest.dataset.id}&limit=20`);
+  const fromEnd = roll.scrollHeight - roll.scrollTop;
+  const documents = await response.json();
+  for (const data of documents) {
+    const element = documentElement(data);
+    oldest.before(element);
+    fillDocument(element, data);
+  }
+  roll.scrollTop = roll.scrollHeight - fromEnd;
+  $('earlier').hidden = documents.length === 0 || documents[0].id === 1;
+}
+
+// ---- The register
+
+let clockAhead = 0;
+function showClock() {
+  const now = new Date(Date.now() + clockAhead);
+  $('clock').textContent = now.toISOString().slice(0, 19).replace('T', ' ');
+}
+
+function showRegister(register, faults) {
+  clockAhead = Date.parse(register.time + 'Z') - Date.now();
+  showClock();
+  $('serial').textContent = register.serialNumber;
+  register.display.forEach((text, i) => { $(`display-${i + 1}`).textContent = text.padEnd(20); });
+  $('fiscal').replaceChildren(...Object.entries(register.fiscal).map(([name, on]) =>
+    make('span', { className: on ? 'on' : '', text: word.fiscal[name] })));
+  $('receipt').textContent = register.receipt ? register.receipt.number : register.lastReceipt || word.none;
+  $('z').textContent = register.z;
+  $('drawer').textContent = register.drawerOpenings;
+  $('day-total').textContent = '€ ' + money(register.day.total);
+  $('taxes').replaceChildren(...register.day.taxes.map((tax) => {
+    const row = make('tr', { className: tax.gross ? '' : 'zero' });
+    const letter = language === 'el' ? 'ΑΒΓΔΕ'['ABCDE'.indexOf(tax.category)] : tax.category;
+    for (const text of [letter, money(tax.rate) + '%', money(tax.net), money(tax.vat), money(tax.gross)]) row.append(make('td', { text }));
+    return row;
+  }));
+  $('tenders').replaceChildren(...Object.entries(word.tenders).map(([name, text]) =>
+    make('div', {}, make('dt', { text }), make('dd', { text: money(register.day[name]) }))));
+
+  for (const [name, button] of Object.entries(switches)) button.setAttribute('aria-checked', faults.switches[name]);
+  const lacks = ['paperEnd', 'offline', 'silent', 'error'].filter((name) => faults.switches[name]);
+  $('lamp').className = 'lamp' + (faults.switches.off ? ' off' : lacks.length ? ' bad' : '');
+  $('printer').textContent = faults.switches.off ? word.printerOff
+    : lacks.map((name) => word.switches[name]).join(', ') || word.printerReady;
+  $('rules').replaceChildren(...faults.rules.map(({ number, rule }) => {
+    const button = make('button', { text: '×', 'aria-label': `${word.remove}: ${rule}` });
+    button.onclick = () => wish('DELETE', `/faults/${number}`);
+    return make('li', {}, make('span', { text: rule }), button);
+  }));
+
+  const { outcome, seconds, answers, running } = register.card;
+  const chosen = !answers ? 'mute' : outcome ? 'declines' : seconds > 5 ? 'slow' : 'approves';
+  for (const [name, button] of Object.entries(cards)) {
+    button.setAttribute('aria-checked', name === chosen);
+    button.tabIndex = name === chosen ? 0 : -1;
+  }
+  $('payment').hidden = !running;
+  if (running) $('payment-text').textContent = word.payment('€ ' + money(running.amount), running.terminal);
+}
+
+// ---- Trouble
+
+const switches = {}, shots = {}, cards = {};
+const cardWishes = {
+  approves: { outcome: 0, seconds: 2, answers: true }, declines: { outcome: 156, seconds: 2, answers: true },
+  slow: { outcome: 0, seconds: 15, answers: true }, mute: { answers: false },
+};
+
+function makeTrouble() {
+  for (const name of Object.keys(word.switches)) {
+    const button = switches[name] = make('button', { role: 'switch', id: 'switch-' + name });
+    button.onclick = () => wish('PATCH', '/switches', { [name]: button.getAttribute('aria-checked') !== 'true' });
+    $('switches').append(button);
+  }
+  for (const rule of Object.keys(word.shots)) {
+    const button = shots[rule] = make('button');
+    button.onclick = () => wish('POST', '/faults', { rule });
+    $('shots').append(button);
+  }
+  for (const name of Object.keys(word.cards)) {
+    const button = cards[name] = make('button', { role: 'radio', id: 'card-' + name });
+    button.onclick = () => wish('PATCH', '/card', cardWishes[name]);
+    $('card').append(button);
+  }
+  $('card').onkeydown = ({ key }) => {
+    const step = { ArrowRight: 1, ArrowDown: 1, ArrowLeft: -1, ArrowUp: -1 }[key];
+    const all = Object.values(cards), at = all.indexOf(document.activeElement);
+    if (!step || at < 0) return;
+    const next = all[(at + step + all.length) % all.length];
+    next.focus();
+    next.click();
+  };
+  $('rule-form').onsubmit = async (event) => {
+    event.preventDefault();
+    if (await wish('POST', '/faults', { rule: $('rule').value })) $('rule').value = '';
+  };
+  $('approve').onclick = () => wish('POST', '/card/decision', { outcome: 0 });
+  $('decline').onclick = () => wish('POST', '/card/decision', { outcome: 156 });
+  $('feed').onclick = () => wish('POST', '/paper', { feed: 1 });
+  $('cut').onclick = () => wish('POST', '/paper', { cut: 'full' });
+  $('calm').onclick = () => wish('DELETE', '/faults');
+  $('reset').onclick = () => { if (confirm(word.resetQuestion)) wish('POST', '/reset'); };
+}
+
+// ---- The conversation
+
+let newestEntry = 0;
+
+/** Fields in words; one without a name only says which command it is, unless none has a name. */
+function fieldTexts(fields) {
+  const isKnown = fields.length < 2 || fields.some(({ name }) => name);
+  return fields.filter(({ name, value }) => value !== '' && (name || !isKnown)).map(({ name, value }) => [named(name), value]);
+}
+
+function fieldsElement(fields) {
+  const element = make('div', { className: 'fields' });
+  fieldTexts(fields).forEach(([name, value], i) => element.append(i ? ' · ' : '', name ? name + ' ' : '', make('i', { text: value })));
+  return element;
+}
+
+function verdict({ reply }) {
+  if (!reply) return word.noReply;
+  if (reply.code === undefined) return reply.raw;
+  return reply.code ? `${reply.code} ${reply.text}` : word.ok;
+}
+
+const title = ({ command }) => command.raw ? named(command.name) || word.unknown : word.spoiled;
+
+function entryElement(entry) {
+  const { command, reply } = entry;
+  const summary = make('summary', {},
+    make('time', { text: entry.time.slice(11) }), make('b', { text: title(entry) }));
+  if (entry.fault) summary.append(make('span', { className: 'mark', text: entry.fault }));
+  if (entry.repeat) summary.append(make('span', { className: 'mark', text: word.repeated }));
+  const passes = [14, 81, 146, 158].includes(reply?.code);
+  const kind = !reply || passes ? ' none' : reply.code ? ' refused' : '';
+  summary.append(make('span', { className: 'code' + kind, text: verdict(entry) }));
+  if (fieldTexts(command.fields).length) summary.append(fieldsElement(command.fields));
+  if (reply?.fields && fieldTexts(reply.fields).length) summary.append(fieldsElement(reply.fields));
+  const raw = make('div', { className: 'raw' }, make('div', { text: `${entry.line} ← ${command.raw}` }));
+  if (reply) raw.append(make('div', { text: `${entry.line} → ${reply.raw}` }));
+  const element = make('li', {}, make('details', {}, summary, raw));
+  element.about = entry;
+  return element;
+}
+
+const filterWords = () => $('filter').value.toLowerCase().split(/\s+/).filter(Boolean);
+
+function sift(elements = $('entries').children) {
+  const wanted = filterWords();
+  for (const element of elements) {
+    const text = element.textContent.toLowerCase();
+    element.hidden = !wanted.every((part) => text.includes(part));
+  }
+}
+
+function showEntries(entries, first) {
+  const list = $('entries');
+  for (const element of [...list.children]) {
+    if (element.about.id < first) element.remove();
+  }
+  // The latest is on top.
+  const fresh = entries.map(entryElement);
+  for (const element of fresh) list.prepend(element);
+  while (list.children.length > mostEntries) list.lastChild.remove();
+  sift(fresh);
+  if (entries.length) newestEntry = entries.at(-1).id;
+}
+
+function conversationText() {
+  return [...$('entries').children].filter((element) => !element.hidden).reverse().map(({ about }) => {
+    const fields = (list) => fieldTexts(list ?? []).map(([name, value]) => `${name} ${value}`).join(', ');
+    return [about.time.replace('T', ' '), about.line, title(about), fields(about.command.fields), '→', verdict(about),
+      fields(about.reply?.fields), about.fault && `[${about.fault}]`, `(${about.command.raw} → ${about.reply?.raw ?? ''})`]
+      .filter(Boolean).join(' ');
+  }).join('\n');
+}
+
+async function copyConversation() {
+  const text = conversationText();
+  try {
+    await navigator.clipboard.writeText(text);
+  } catch {
+    const area = make('textarea', { text });
+    document.body.append(area);
+    area.select();
+    document.execCommand('copy');
+    area.remove();
+  }
+  $('copy').textContent = word.copied;
+  setTimeout(() => { $('copy').textContent = word.copy; }, 1500);
+}
+
+// ---- What changes
+
+let latest, started, isAsking = false, isStale = false;
+
+/** Asks for what is new. One question at a time: what changes meanwhile is asked for once, behind it. */
+async function refresh() {
+  isStale = true;
+  if (isAsking) return;
+  isAsking = true;
+  try {
+    while (isStale) {
+      isStale = false;
+      const response = await fetch(`${api}/changes?document=${newest}&lines=${newestLines}&entry=${newestEntry}`);
+      latest = await response.json();
+      if (started && latest.started !== started) return location.reload();
+      started = latest.started;
+      showRegister(latest.register, latest.faults);
+      showDocuments(latest.documents, latest.firstDocument);
+      showEntries(latest.conversation, latest.firstEntry);
+    }
+  } finally {
+    isAsking = false;
+  }
+}
+
+function listen() {
+  const events = new EventSource(api + '/events');
+  const tell = (isLive) => {
+    $('link').textContent = isLive ? word.live : word.lost;
+    $('link').classList.toggle('lost', !isLive);
+  };
+  events.onopen = () => { tell(true); refresh(); };
+  events.onmessage = refresh;
+  events.onerror = () => tell(false);
+}
+
+function setLanguage(chosen) {
+  language = chosen;
+  localStorage.setItem('language', chosen);
+  speak();
+  $('link').textContent = $('link').classList.contains('lost') ? word.lost : word.live;
+  if (!latest) return;
+  showRegister(latest.register, latest.faults);
+  shownDocuments().forEach(labelDocument);
+  $('entries').replaceChildren(...[...$('entries').children].map(({ about }) => entryElement(about)));
+  sift();
+}
+
+makeTrouble();
+speak();
+for (const button of document.querySelectorAll('[data-language]')) button.onclick = () => setLanguage(button.dataset.language);
+$('earlier').onclick = showEarlier;
+$('filter').oninput = () => sift();
+$('copy').onclick = copyConversation;
+$('clear').onclick = () => wish('DELETE', '/conversation');
+setInterval(showClock, 1000);
+listen();

@@ -158,10 +158,12 @@ Answer getChanges(Call& call) {
   for (const Station::Entry& entry : conversation) {
     if (entry.id > knownEntry && entry.id > newestEntry - 200) entries.push_back(entryView(entry));
   }
-  return json({{"register", registerView(call.station)},
+  return json({{"started", call.station.started},
+               {"register", registerView(call.station)},
                {"faults", faultsView(call.station)},
-               {"firstDocument", all.empty() ? newest + 1 : all.front().id},
+               {"firstDocument", call.station.device.roll().firstId()},
                {"documents", documents},
+               {"firstEntry", call.station.firstEntry()},
                {"conversation", entries}});
 }
 

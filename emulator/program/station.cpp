@@ -22,16 +22,16 @@ platform::LocalTime timeAhead(std::int64_t seconds) {
   return {local->tm_year + 1900, local->tm_mon + 1, local->tm_mday, local->tm_hour, local->tm_min, local->tm_sec};
 }
 
-int millisecondsNow() {
-  using namespace std::chrono;
-  return static_cast<int>(duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count() % 1000);
-}
-
 }  // namespace
 
 bool isSerialNumber(std::string_view text) {
   const auto isPart = [](unsigned char c) { return c < 0x80 && std::isalnum(c); };
   return !text.empty() && text.size() <= 20 && std::all_of(text.begin(), text.end(), isPart);
+}
+
+std::int64_t millisecondsNow() {
+  using namespace std::chrono;
+  return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
 }
 
 /// What the station hears of one line.
@@ -63,7 +63,7 @@ std::string Station::execute(const std::string& command) {
 }
 
 void Station::record(const std::string& line, const Exchange& exchange) {
-  conversation_.push_back({++lastEntry_, systemTime(), millisecondsNow(), line, exchange});
+  conversation_.push_back({++lastEntry_, systemTime(), static_cast<int>(millisecondsNow() % 1000), line, exchange});
   if (conversation_.size() > kMostEntries) conversation_.pop_front();
   changed();
 }

@@ -14,6 +14,9 @@ namespace mirvane::emulator {
 /// Letters and digits, 1 to 20: it becomes part of file names.
 bool isSerialNumber(std::string_view text);
 
+/// Since 1970.
+std::int64_t millisecondsNow();
+
 /// One register as the program runs it: with its faults, its lines, what was said on them, and its memory on the disk.
 class Station {
  public:
@@ -26,6 +29,8 @@ class Station {
   Faults faults;
   /// Seconds by which the register's clock is ahead of this machine's.
   std::int64_t clockOffset = 0;
+  /// Milliseconds of this machine's clock at the start: tells one run from another.
+  const std::int64_t started = millisecondsNow();
 
   /// An exchange that took place.
   struct Entry {
@@ -39,6 +44,8 @@ class Station {
   };
   /// The latest thousand, oldest first; their ids follow one another.
   const std::deque<Entry>& conversation() const { return conversation_; }
+  /// Of the oldest one, or of the first one to come.
+  int firstEntry() const { return conversation_.empty() ? lastEntry_ + 1 : conversation_.front().id; }
   void clearConversation() { conversation_.clear(); }
 
   /// Has the register remember what is said on `line`, under `name`. The line outlives the station's use.
