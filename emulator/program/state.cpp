@@ -194,7 +194,7 @@ template <class Value>
 Json write(Value& value) {
   if constexpr (std::is_same_v<Value, Text>) {
     return toUtf8(value);
-  } else if constexpr (std::is_same_v<Value, std::string>) {
+  } else if constexpr (std::is_same_v<std::remove_const_t<Value>, std::string>) {
     // Bytes are code page 1253, in which every byte is a character.
     return toUtf8(fromCodePage(value));
   } else if constexpr (isNumber<Value>) {
@@ -204,7 +204,7 @@ Json write(Value& value) {
   } else if constexpr (Map<Value>) {
     // As pairs, whatever the key is.
     Json pairs = Json::array();
-    for (auto& [key, mapped] : value) pairs.push_back({write(key), write(mapped)});
+    for (auto& [key, mapped] : value) pairs.push_back(Json::array({write(key), write(mapped)}));
     return pairs;
   } else if constexpr (List<Value>) {
     Json list = Json::array();

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t kMostEntries = 1000;
 
 platform::LocalTime timeAhead(std::int64_t seconds) {
-  const std::time_t then = std::time(nullptr) + seconds;
+  const auto then = static_cast<std::time_t>(std::time(nullptr) + seconds);
   const std::tm* local = std::localtime(&then);
   if (!local) return systemTime();
   return {local->tm_year + 1900, local->tm_mon + 1, local->tm_mday, local->tm_hour, local->tm_min, local->tm_sec};

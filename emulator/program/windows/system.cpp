@@ -1,7 +1,9 @@
-#include "emulator/program/system.h"
-
-#include <shellapi.h>
+// clang-format off
 #include <windows.h>
+#include <shellapi.h>  // which does not include the former itself
+// clang-format on
+
+#include "emulator/program/system.h"
 
 #include <cstdlib>
 

@@ -1,0 +1,41 @@
+#!/bin/bash
+# Drives the emulator's page in Debian's chromium: tests/browser/run_browser_tests.sh [native|windows]. The Windows
+# program runs under Wine, and is sold at over the network and over a COM port.
+set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+repo=$(cd "$here/../.." && pwd)
+WORK="$repo/build/browser-${1:-native}"
+source "$repo/tools/wine.sh"
+ports=
+end_all() {
+  [[ ! $ports ]] || kill "$ports" 2>/dev/null || true
+  clean_up
+}
+trap end_all EXIT
+trap 'exit 130' INT TERM
+
+# npm's own packages, as the lock file has them; never a browser.
+if ! cmp -s "$here/package-lock.json" "$here/node_modules/.locked"; then
+  (cd "$here" && npm ci --ignore-scripts --no-audit --no-fund)
+  cp "$here/package-lock.json" "$here/node_modules/.locked"
+fi
+# A pair of serial ports, joined by a cable.
+rm -f "$WORK"/*.port
+socat "pty,raw,echo=0,link=$WORK/register.port" "pty,raw,echo=0,link=$WORK/till.port" {wine_lock}>&- &
+ports=$!
+await 10 test -e "$WORK/till.port"
+export TILL_SERIAL="$WORK/till.port"
+
+case ${1:-native} in
+  native)
+    unset WINEPREFIX
+    SERIAL_OPTIONS="--serial $WORK/register.port" \
+      node "$here/browser_tests.cjs" "$repo/build/native/mirvane-emulator" {wine_lock}>&-
+    ;;
+  windows)
+    wine_up
+    link_com_port 6 "$(realpath "$WORK/register.port")"
+    SERIAL_OPTIONS="--serial COM6" LC_ALL=el_GR.UTF-8 \
+      node "$here/browser_tests.cjs" "$wine" "$repo/build/win32/mirvane-emulator.exe" {wine_lock}>&-
+    ;;
+esac
