@@ -1,5 +1,6 @@
 #pragma once
 
+#include <boost/asio/error.hpp>
 #include <boost/asio/ip/address.hpp>
 #include <charconv>
 #include <stdexcept>
@@ -21,6 +22,11 @@ Endpoint parseEndpoint(const std::string& option, const std::string& text) {
     throw std::invalid_argument(option + " " + text + ": not [ADDRESS:]PORT");
   }
   return {address, port};
+}
+
+/// Why an address cannot be opened.
+inline std::string reasonOf(const boost::system::error_code& error) {
+  return error == boost::asio::error::address_in_use ? "another program has this port" : error.message();
 }
 
 }  // namespace mirvane::emulator

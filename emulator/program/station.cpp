@@ -57,7 +57,7 @@ void Station::attach(Line& line, const std::string& name) {
 }
 
 std::string Station::execute(const std::string& command) {
-  const std::string reply = device.execute(command, faults.switches.printer);
+  std::string reply = device.execute(command, faults.switches.printer);
   record("http", {command, reply, {}});
   return reply;
 }

@@ -16,7 +16,7 @@ class Udp : public Pump {
       socket_.open(udp::v4());
       socket_.bind(parseEndpoint<udp::endpoint>("udp", text));
     } catch (const boost::system::system_error& error) {
-      throw TransportError("udp " + text + ": " + error.code().message());
+      throw TransportError("udp " + text + ": " + reasonOf(error.code()));
     }
     receive();
   }

@@ -298,7 +298,7 @@ WebServer::WebServer(asio::io_context& loop, const std::string& address, Handler
     hub_->acceptor.bind(endpoint);
     hub_->acceptor.listen();
   } catch (const boost::system::system_error& error) {
-    throw TransportError("web " + address + ": " + error.code().message());
+    throw TransportError("web " + address + ": " + reasonOf(error.code()));
   }
   hub_->accept();
 }

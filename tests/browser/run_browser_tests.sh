@@ -8,7 +8,7 @@ WORK="$repo/build/browser-${1:-native}"
 source "$repo/tools/wine.sh"
 ports=
 end_all() {
-  [[ ! $ports ]] || kill "$ports" 2>/dev/null || true
+  [[ ! $ports ]] || { kill "$ports" && wait "$ports"; } 2>/dev/null || true
   clean_up
 }
 trap end_all EXIT
