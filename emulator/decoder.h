@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/code_page.h"
+#include "text/code_page.h"
 
 // Commands and replies in words, for whoever reads along.
 namespace mirvane::emulator {

@@ -13,9 +13,7 @@
 #include <set>
 #include <sstream>
 
-#include "driver/fiscal_varlen_module2.h"
 #include "protocol/device_codes.h"
-#include "protocol/result_codes.h"
 #include "tools/class_description.h"
 
 namespace {
@@ -194,12 +192,11 @@ constexpr std::int16_t kNoDriver = 100;
 
 /// What the component itself does about a code, and what the code means for the till.
 std::string classification(std::int16_t code) {
-  static const auto driver = std::make_shared<FiscalVarlenModule2>();
   std::string text;
   const auto add = [&text](std::string_view word) { text.append(text.empty() ? "" : ", ").append(word); };
-  if (driver->isErrorFixable(code)) add("waited for");
-  if (driver->bShouldRetry(code)) add("sent again");
-  if (driver->isCriticalError(code)) add("critical");
+  if (endsByItself(code)) add("waited for");
+  if (mayBeSentAgain(code)) add("sent again");
+  if (isCritical(code)) add("critical");
   return text;
 }
 
@@ -214,7 +211,8 @@ void writeResultCodes(std::ostream& page, Descriptions& descriptions) {
        << descriptions.of("result-codes") << "\n\n"
        << "## The component's own\n\n| `Result` | meaning, and what to do | |\n|---|---|---|\n";
   for (const std::int16_t code :
-       {std::int16_t{0}, kCannotOpen, kCannotConfigure, kNoAnswer, kNoAnswerToCommand, kNotOpen, kNotNow, kNoDriver}) {
+       {std::int16_t{0}, link_result::kCannotOpen, link_result::kCannotConfigure, link_result::kNoAnswer,
+        link_result::kNoAnswerToCommand, link_result::kNotOpen, link_result::kNotNow, kNoDriver}) {
     page << "| " << code << " | " << descriptions.of(subjectOf("Result", std::to_string(code))) << " | "
          << classification(code) << " |\n";
   }

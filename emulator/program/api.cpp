@@ -4,11 +4,11 @@
 #include <charconv>
 #include <nlohmann/json.hpp>
 
-#include "driver/device_errors.h"
 #include "emulator/decoder.h"
 #include "emulator/program/assets.h"
 #include "emulator/program/picture.h"
 #include "emulator/program/views.h"
+#include "protocol/device_codes.h"
 
 namespace mirvane::emulator {
 namespace {

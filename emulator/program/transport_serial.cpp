@@ -1,7 +1,7 @@
 #include <boost/asio/serial_port.hpp>
 
-#include "driver/wire.h"
 #include "emulator/program/stream_transport.h"
+#include "protocol/wire.h"
 
 namespace mirvane::emulator {
 

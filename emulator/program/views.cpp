@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
-#include "driver/device_errors.h"
 #include "emulator/decoder.h"
+#include "protocol/device_codes.h"
 
 namespace mirvane::emulator {
 namespace {

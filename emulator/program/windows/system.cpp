@@ -7,7 +7,7 @@
 
 #include <cstdlib>
 
-#include "platform/code_page.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 
