@@ -200,7 +200,7 @@ Answer show(Call& call, const Document& document, const std::string& ending) {
 
 /// Takes the ending off the path's item: "12.png" is "12", ".png".
 std::string takeEnding(std::string& item) {
-  const std::string ending = item.substr(std::min(item.find('.'), item.size()));
+  std::string ending = item.substr(std::min(item.find('.'), item.size()));
   item.resize(item.size() - ending.size());
   return ending;
 }

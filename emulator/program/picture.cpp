@@ -43,7 +43,7 @@ class Face {
         const int px = x + left + column;
         const int py = y + kBaseline + top + row;
         if (px < 0 || px >= kWidth || py < 0 || py >= lines) continue;
-        char& pixel = pixels[static_cast<std::size_t>(py * kWidth + px)];
+        char& pixel = pixels[static_cast<std::size_t>(py) * kWidth + static_cast<std::size_t>(px)];
         const int paper = static_cast<unsigned char>(pixel);
         pixel = static_cast<char>(paper * (255 - glyph[row * width + column]) / 255);
       }
@@ -71,7 +71,7 @@ void drawLine(std::string& pixels, const PaperLine& line, int y) {
 
 std::string pictureOf(const Document& document) {
   const int height = static_cast<int>(document.lines.size()) * kLine + 2 * kMargin;
-  std::string pixels(static_cast<std::size_t>(height * kWidth), '\xFF');
+  std::string pixels(static_cast<std::size_t>(height) * kWidth, '\xFF');
   int y = kMargin;
   for (const PaperLine& line : document.lines) {
     drawLine(pixels, line, y);
