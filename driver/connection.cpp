@@ -1,6 +1,5 @@
 #include "driver/fiscal_varlen_module2.h"
 #include "link/port.h"
-#include "link/transport.h"
 #include "version.h"
 
 namespace mirvane {

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 
-#include "link/stopwatch.h"
-#include "link/transport.h"
+#include "link/port.h"
 #include "protocol/wire.h"
 #include "state/message_catalogue.h"
+#include "state/module_state.h"
 #include "text/text.h"
 
 namespace mirvane {
@@ -78,13 +78,6 @@ void tellOfUnknownCharacters() {
 }
 
 }  // namespace
-
-void Transport::drain() {
-  constexpr double kLongest = 1;  // second
-  const Stopwatch time;
-  const double deadline = time.now() + kLongest;
-  while (hasUnread() && time.now() < deadline) read();
-}
 
 Reply exchange(TextView command, const Sending& sending) {
   const Text sent(trim(command));

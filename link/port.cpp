@@ -82,13 +82,6 @@ bool configureSerial() {
 
 }  // namespace
 
-Transport& transport() {
-  static SerialTransport serial;
-  static NetworkTransport network;
-  if (portProp().tcpPort) return network;
-  return serial;
-}
-
 Reply openPort(const Text& name) {
   if (moduleState().portHandle > 0) return {};
   const auto network = parseNetworkName(name);
@@ -117,6 +110,13 @@ std::int16_t closePort() {
   }
   state.portHandle = 0;
   return closed ? 1 : 0;
+}
+
+Transport& transport() {
+  static SerialTransport serial;
+  static NetworkTransport network;
+  if (portProp().tcpPort) return network;
+  return serial;
 }
 
 }  // namespace mirvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/transport.h"
 #include "protocol/reply.h"
 
 namespace mirvane {
@@ -12,5 +13,8 @@ Reply openPort(const Text& name);
 /// Closes the serial port or the network endpoint, whichever is open, whatever fails on the way: 1 when one was closed,
 /// 0 when none was open.
 std::int16_t closePort();
+
+/// The way to the open port: the serial line, or the network where the shared link properties say so.
+Transport& transport();
 
 }  // namespace mirvane

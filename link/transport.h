@@ -41,7 +41,4 @@ class Transport {
   virtual bool hasUnread() = 0;
 };
 
-/// The way to the open port: the serial line, or the network where the shared link properties say so.
-Transport& transport();
-
 }  // namespace mirvane
