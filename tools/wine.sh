@@ -1,4 +1,4 @@
-# Wine with its hidden display, and the device emulator: verbs for `run` and the COM tests. Sourced, never run.
+# Wine with its hidden display, and the device emulator: verbs for `run` and the tests under Wine. Sourced, never run.
 # The sourcing script sets `repo`, the absolute path of the checkout, and WORK, a folder for logs and papers, and has
 # `clean_up` called when it ends.
 
@@ -37,12 +37,14 @@ in_wine() {
   LC_ALL=el_GR.UTF-8 timeout --foreground --kill-after=5 "${wine_limit:-120}" "$wine" "$@" </dev/null {wine_lock}>&-
 }
 
+# A session that is up already belongs to the script that started this one.
 wine_lock_up() {
-  flock --timeout 900 "$wine_lock" || die "another run has held $WINEPREFIX for 15 minutes"
+  [[ ${WINE_IS_UP-} ]] || flock --timeout 900 "$wine_lock" || die "another run has held $WINEPREFIX for 15 minutes"
 }
 
 wine_up() {
   wine_lock_up
+  [[ ! ${WINE_IS_UP-} ]] || return 0
   Xvfb -displayfd 1 -screen 0 1024x768x24 -nolisten tcp >"$WORK/display" 2>"$WORK/display.log" {wine_lock}>&- &
   display_pid=$!
   await 20 grep -q . "$WORK/display" || die "no X display: $(<"$WORK/display.log")"
@@ -59,6 +61,7 @@ wine_up() {
   # One Wine session for all that follows: at its start, and only then, Wine sets up the COM port links by itself.
   wineserver -p >"$WORK/wineserver.log" 2>&1 {wine_lock}>&-
   in_wine cmd /c ver >"$WORK/wine.log" 2>&1 || die "Wine does not run: $(<"$WORK/wine.log")"
+  export WINE_IS_UP=1
 }
 
 wine_down() {
@@ -67,6 +70,7 @@ wine_down() {
   timeout 60 wineserver -w || true
   kill "$display_pid" 2>/dev/null && wait "$display_pid" || true
   display_pid=
+  unset WINE_IS_UP
   flock --unlock "$wine_lock"
 }
 

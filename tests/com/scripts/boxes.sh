@@ -11,7 +11,7 @@ icon_colour() {
 answer() {
   local read
   await_window "^$3\$" 30
-  read=$(in_wine "$(windows_path "$repo/build/win32/tests/box-text.exe")" 2>/dev/null | tr -d '\r')
+  read=$(in_wine "$(windows_path "$repo/build/win32/tests/com/box-text.exe")" 2>/dev/null | tr -d '\r')
   [[ $read == "$3|$4|${5-}" ]] || die "\"$read\" is not \"$3|$4|${5-}\""
   picture "$1"
   [[ $(icon_colour) == "$2" ]] || die "the icon of \"$4\" is not $2"

@@ -9,7 +9,7 @@ Set shell = CreateObject("WScript.Shell")
 Set files = CreateObject("Scripting.FileSystemObject")
 bits = 64
 If shell.Environment("PROCESS")("PROCESSOR_ARCHITECTURE") = "x86" Then bits = 32
-boxFile = WScript.Arguments(2) & "\..\..\..\win" & bits & "\tests\journal-box.dll"
+boxFile = WScript.Arguments(2) & "\..\..\..\win" & bits & "\tests\com\journal-box.dll"
 Set journal = CreateObject("VarlenFiscalQ7734.FiscalJournal")
 
 Unregister

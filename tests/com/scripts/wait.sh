@@ -2,7 +2,7 @@
 title='Μήνυμα Ταμειακής (Varlen Fiscal)' caption='^Μήνυμα Ταμειακής \(Varlen Fiscal\)$'
 gone() { ! find_window "$caption"; }
 shows() {
-  read=$(in_wine "$(windows_path "$repo/build/win32/tests/box-text.exe")" MirvaneWait 101 102 2>/dev/null | tr -d '\r')
+  read=$(in_wine "$(windows_path "$repo/build/win32/tests/com/box-text.exe")" MirvaneWait 101 102 2>/dev/null | tr -d '\r')
   [[ $read == "$title|$1|topmost" ]]
 }
 await_window "$caption"

@@ -1,11 +1,12 @@
 #!/bin/bash
-# Runs the scripts of tests/com/scripts, and those of examples, against the registered DLL under Wine, each with a
-# device of its own.
+# Runs one case under Wine: a script of tests/com/scripts or examples against the registered DLL, or one of the cases
+# below. CTest has the list of them all.
 #
-#   tests/com/run_com_tests.sh [PATTERN]      PATTERN picks scripts by name, as in "receipt*"
+#   tests/com/com_test.sh NAME.BITS      such as receipt.vbs.32, example.receipt.vbs.32, type_library.64, register
 #
-# A script gets the port name, the device's network address and the paper's path as arguments. It passes when its last
-# line is "ok" and no line begins with "FAIL". Its first line, a comment, may say
+# What a case leaves behind is in build/com/NAME.BITS. A script gets the port name, the address of a device of its own on
+# the network, and the paper's path as arguments. It passes when its last line is "ok" and no line begins with "FAIL".
+# Its first line, a comment, may say
 #
 #   both                  run it against the 64-bit DLL as well
 #   emulator: ARGUMENT... start its device with these arguments (last on the line; quotes work as in a shell)
@@ -16,44 +17,29 @@
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 repo=$(cd "$here/../.." && pwd)
-results="$repo/build/com"
-WORK=$results
+name=$1
+subject=${name%.*}
+bits=${name##*.}
+WORK="$repo/build/com/$name"
 source "$repo/tools/wine.sh"
 wine_lock_up
-rm -rf "$results"
-mkdir -p "$results"
-trap clean_up EXIT
+rm -rf "$WORK"
+mkdir -p "$WORK"
+trap stop_case EXIT
 trap 'exit 130' INT TERM
-failures=0
 
-# run_case NAME COMMAND...: reports one case, in the words of the unit tests.
-run_case() {
-  local name=$1 status start=$SECONDS
-  shift
-  WORK="$results/$name"
-  mkdir -p "$WORK"
-  # A subshell outside of any condition, so that a failing step ends the case and nothing else.
-  set +e
-  (
-    set -e
-    trap stop_case EXIT
-    "$@"
-  ) >"$WORK/output" 2>&1
-  status=$?
-  set -e
-  if ((status == 0)); then
-    echo "[       OK ] $name ($((SECONDS - start)) s)"
-  else
-    failures=$((failures + 1))
-    sed 's/^/    /' "$WORK/output"
-    [[ ! -e $WORK/device.log ]] || tail -n 20 "$WORK/device.log" | sed 's/^/    device: /'
-    echo "[  FAILED  ] $name ($((SECONDS - start)) s), see $WORK"
-  fi
-}
+# Wine's own processes would hold a pipe open, so all is said into a file first.
+exec 3>&1 >"$WORK/output" 2>&1
 
 stop_case() {
-  stop_emulator device
+  local status=$?
   [[ ! ${companion-} ]] || kill "$companion" 2>/dev/null || true
+  clean_up
+  cat "$WORK/output" >&3
+  if ((status)); then
+    [[ ! -e $WORK/device.log ]] || tail -n 20 "$WORK/device.log" | sed 's/^/device: /' >&3
+    echo "see $WORK" >&3
+  fi
 }
 
 # ---- Registration
@@ -65,6 +51,12 @@ snapshot() {
   for hive in HKLM HKCU; do
     in_wine "$(system_program 64 reg)" export "$hive\\Software\\Classes" "$(windows_path "$WORK/utf16.reg")" /y
     iconv -f UTF-16 -t UTF-8 "$WORK/utf16.reg" >"$WORK/$1.$hive"
+  done
+}
+
+register_all() {
+  for bits in 32 64; do
+    register_dll "$bits" || die "regsvr32 refuses the $bits-bit DLL"
   done
 }
 
@@ -113,7 +105,7 @@ type_library() {
 
 # typed_caller BITS
 typed_caller() {
-  in_wine "$(windows_path "$repo/build/win$1/tests/typed-caller.exe")" >"$WORK/raw"
+  in_wine "$(windows_path "$repo/build/win$1/tests/com/typed-caller.exe")" >"$WORK/raw"
   tr -d '\r' <"$WORK/raw" | tee "$WORK/printed"
   script_passed "$WORK/printed"
 }
@@ -123,7 +115,7 @@ host_program() {
   rm -rf "$WINEPREFIX"/drive_c/bbox{,BackUp}
   start_emulator device --fault "on 3/S busy 14" --fault "on ?/ 3 busy 14"
   link_com_port 5 "$WORK/device.pty"
-  in_wine "$(windows_path "$repo/build/win$1/tests/host.exe")" "$2" COM5 >"$WORK/raw" ||
+  in_wine "$(windows_path "$repo/build/win$1/tests/com/host.exe")" "$2" COM5 >"$WORK/raw" ||
     echo "the program ended with $?"
   tr -d '\r' <"$WORK/raw" | tee "$WORK/printed"
   script_passed "$WORK/printed"
@@ -162,40 +154,13 @@ com_script() {
   script_passed "$WORK/printed" || die "the script failed or broke off: $(<"$WORK/remarks")"
 }
 
-pattern=${1:-*}
 wine_up
-if [[ $pattern == '*' ]]; then
-  for bits in 32 64; do
-    run_case "registration.$bits" registration "$bits" HKLM
-    run_case "registration_for_user.$bits" registration "$bits" HKCU /i:user /n
-  done
-fi
-
-WORK=$results
-for bits in 32 64; do
-  register_dll "$bits" || die "regsvr32 refuses the $bits-bit DLL"
-done
-if [[ type_library == $pattern ]]; then
-  for bits in 32 64; do run_case "type_library.$bits" type_library "$bits"; done
-fi
-if [[ typed_caller == $pattern ]]; then
-  for bits in 32 64; do run_case "typed_caller.$bits" typed_caller "$bits"; done
-fi
-for subject in runtime cycles floating_point threads line service scanner; do
-  for bits in 32 64; do
-    # The runtime library takes the exceptions of 32-bit modules alone.
-    # shellcheck disable=SC2053
-    [[ host_$subject == $pattern && $subject.$bits != runtime.64 ]] || continue
-    run_case "host_$subject.$bits" host_program "$bits" "$subject"
-  done
-done
-for script in "$here"/scripts/*.{vbs,js} "$repo"/examples/*/*.{vbs,js}; do
-  name=$(basename "$script")
-  [[ $script == "$here"/* ]] || name="example.$name"
-  # An unmatched wildcard stays as it is.
-  # shellcheck disable=SC2053
-  [[ -e $script && $name == $pattern ]] || continue
-  run_case "$name.32" com_script 32 "$script"
-  [[ $(head -n 1 "$script") != *both* ]] || run_case "$name.64" com_script 64 "$script"
-done
-((failures == 0))
+case $subject in
+  register) register_all ;;
+  registration) registration "$bits" HKLM ;;
+  registration_for_user) registration "$bits" HKCU /i:user /n ;;
+  type_library | typed_caller) "$subject" "$bits" ;;
+  host_*) host_program "$bits" "${subject#host_}" ;;
+  example.*) com_script "$bits" "$repo"/examples/*/"${subject#example.}" ;;
+  *) com_script "$bits" "$here/scripts/$subject" ;;
+esac
