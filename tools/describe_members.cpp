@@ -9,61 +9,16 @@
 #include <functional>
 #include <iomanip>
 #include <iostream>
-#include <map>
 #include <set>
 #include <sstream>
 
 #include "protocol/device_codes.h"
 #include "tools/class_description.h"
+#include "tools/descriptions.h"
 
 namespace {
 
 using namespace mirvane;
-
-// ---- Descriptions
-
-/// The sentences by what they tell about: "class", "class.member", "class.*" for the members without one of their own,
-/// "FISCAL_TYPES.constant", or "Result.code". Every one has to be used.
-class Descriptions {
- public:
-  explicit Descriptions(std::istream& input) {
-    for (std::string line; std::getline(input, line);) {
-      if (line.empty() || line.starts_with('#')) continue;
-      const std::size_t colon = line.find(": ");
-      if (colon == std::string::npos) throw std::runtime_error("neither a description nor a comment: " + line);
-      const std::string subject = line.substr(0, colon);
-      if (!texts_.emplace(subject, line.substr(colon + 2)).second) {
-        throw std::runtime_error(subject + " is described twice");
-      }
-    }
-  }
-
-  const std::string& of(const std::string& subject) {
-    const auto found = find(subject);
-    if (found == texts_.end()) throw std::runtime_error(subject + " has no description");
-    used_.insert(found->first);
-    return found->second;
-  }
-
-  void requireAllUsed() const {
-    for (const auto& [subject, text] : texts_) {
-      if (!used_.contains(subject)) throw std::runtime_error("there is no " + subject + " to describe");
-    }
-  }
-
- private:
-  std::map<std::string, std::string>::const_iterator find(const std::string& subject) const {
-    const auto own = texts_.find(subject);
-    return own != texts_.end() ? own : texts_.find(subject.substr(0, subject.find('.')) + ".*");
-  }
-
-  std::map<std::string, std::string> texts_;
-  std::set<std::string> used_;
-};
-
-std::string subjectOf(std::string_view owner, std::string_view part) {
-  return std::string(owner).append(".").append(part);
-}
 
 constexpr std::string_view kMadeBy =
     "<!-- Made by describe-members (./run docs) from the member tables, the driver and docs/descriptions.txt. Not to "
@@ -242,9 +197,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   try {
-    std::ifstream input(argv[1]);
-    if (!input) throw std::runtime_error("cannot be read");
-    Descriptions descriptions(input);
+    Descriptions descriptions(argv[1]);
     const std::string folder = argv[2];
     writeFile(folder + "/reference.md", [&](std::ostream& page) { writeReference(page, descriptions); });
     writeFile(folder + "/result-codes.md", [&](std::ostream& page) { writeResultCodes(page, descriptions); });

@@ -1,10 +1,15 @@
 // Writes the type library's description, in the interface definition language, to the standard output. Everything in it
-// comes from the member tables of the public classes.
+// comes from the member tables of the public classes, and its help strings from the sentences of the reference.
+//
+//   describe-type-library DESCRIPTIONS
 
+#include <algorithm>
 #include <iostream>
+#include <regex>
 #include <string>
 
 #include "tools/class_description.h"
+#include "tools/descriptions.h"
 
 namespace {
 
@@ -29,7 +34,19 @@ std::string parameterText(const Parameter& parameter) {
   return text.append(parameter.name);
 }
 
-std::string memberText(const Member& member) {
+/// The attribute for what an object browser shows about a subject: its description without Markdown, a guide's name in
+/// quotes. A type library knows no Unicode.
+std::string help(Descriptions& descriptions, const std::string& subject) {
+  static const std::regex kLink(R"(\[([^\]]*)\]\([^)]*\))"), kCode("`"), kQuote(R"(["\\])");
+  std::string text = std::regex_replace(descriptions.of(subject), kLink, "\"$1\"");
+  text = std::regex_replace(text, kCode, "");
+  if (std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c > '~'; })) {
+    throw std::runtime_error("more than plain letters about " + subject + ": " + text);
+  }
+  return "helpstring(\"" + std::regex_replace(text, kQuote, R"(\$&)") + "\")";
+}
+
+std::string memberText(const Member& member, const std::string& help) {
   std::string text = "[id(" + std::to_string(member.dispatchId) + ")";
   if (member.kind == MemberKind::get) text += ", propget";
   if (member.kind == MemberKind::put) {
@@ -37,7 +54,7 @@ std::string memberText(const Member& member) {
     const Type& type = member.parameters.back().type;
     text += type.kind == TypeKind::object && !type.name.empty() ? ", propputref" : ", propput";
   }
-  text += "] " + typeName(member.result) + " " + std::string(member.name) + "(";
+  text += ", " + help + "] " + typeName(member.result) + " " + std::string(member.name) + "(";
   std::string_view separator;
   for (const Parameter& parameter : member.parameters) {
     text.append(separator).append(parameterText(parameter));
@@ -57,27 +74,27 @@ void writeEnumeration() {
   std::cout << "\n  } FISCAL_TYPES;\n\n";
 }
 
-void writeInterface(const PublicClass& c) {
+void writeInterface(const PublicClass& c, Descriptions& descriptions) {
   const ClassInfo& info = c.describe();
   std::cout << "  [uuid(" << withoutBraces(c.interfaceId) << "), hidden]\n"
             << "  dispinterface " << interfaceName(info.name()) << " {\n"
             << "    properties:\n"
             << "    methods:\n";
-  for (const Member& member : info.members()) std::cout << "      " << memberText(member) << "\n";
+  for (const Member& member : info.members()) {
+    std::cout << "      " << memberText(member, help(descriptions, subjectOf(info.name(), member.name))) << "\n";
+  }
   std::cout << "  };\n\n";
 }
 
-void writeClass(const PublicClass& c) {
-  const std::string_view name = c.describe().name();
-  std::cout << "  [uuid(" << withoutBraces(c.classId) << ")]\n"
+void writeClass(const PublicClass& c, Descriptions& descriptions) {
+  const std::string name(c.describe().name());
+  std::cout << "  [uuid(" << withoutBraces(c.classId) << "), " << help(descriptions, name) << "]\n"
             << "  coclass " << name << " {\n"
             << "    [default] dispinterface " << interfaceName(name) << ";\n"
             << "  };\n\n";
 }
 
-}  // namespace
-
-int main() {
+void writeLibrary(Descriptions& descriptions) {
   std::cout << "// Made by describe-type-library from the member tables of the public classes. Not to be edited.\n\n"
             << "import \"base.idl\";\n\n"
             << "[uuid(" << withoutBraces(kTypeLibraryId) << "), version(" << kTypeLibraryMajor << "."
@@ -88,9 +105,25 @@ int main() {
     std::cout << "  dispinterface " << interfaceName(c.describe().name()) << ";\n";
   }
   std::cout << "\n";
-  for (const PublicClass& c : publicClasses()) writeInterface(c);
-  for (const PublicClass& c : publicClasses()) writeClass(c);
+  for (const PublicClass& c : publicClasses()) writeInterface(c, descriptions);
+  for (const PublicClass& c : publicClasses()) writeClass(c, descriptions);
   std::cout << "};\n";
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::cerr << "usage: describe-type-library DESCRIPTIONS\n";
+    return 2;
+  }
+  try {
+    Descriptions descriptions(argv[1]);
+    writeLibrary(descriptions);
+  } catch (const std::exception& error) {
+    std::cerr << argv[1] << ": " << error.what() << "\n";
+    return 1;
+  }
   std::cout.flush();
   return std::cout ? 0 : 1;
 }

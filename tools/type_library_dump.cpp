@@ -2,7 +2,7 @@
 //
 //   library NAME VERSION
 //   enum NAME CONSTANT = VALUE
-//   class NAME: INTERFACE                              a class that can be created, and its default interface
+//   class NAME: INTERFACE "HELP"                 a class that can be created, its default interface and its help string
 //   NAME ID KIND MEMBER(PARAMETERS) -> RESULT    a member of that interface; the class's lines follow it
 //
 // KIND is method, get, put or putref; ID the dispatch id. A parameter is "name: type", followed by " ref" when it is
@@ -15,7 +15,8 @@
 //   clsEFT 4 put eftPort(long) -> void
 //   cPortProp 3 putref TCPClass(_cTCPIP) -> void
 //
-// What it cannot name so, it prints as a number behind a question mark, "?26", and a call that fails as "FAIL".
+// What it cannot name so, it prints as a number behind a question mark, "?26", and a call that fails as "FAIL". Behind
+// a member whose help string is missing, or is not made of plain sentences, stands "?help" and the string.
 
 #include <iostream>
 #include <stdexcept>
@@ -45,6 +46,15 @@ std::string nameOf(Info& info, MEMBERID member = MEMBERID_NIL) {
   check(info.GetDocumentation(member, &name, nullptr, nullptr, nullptr), "GetDocumentation");
   return taken(name);
 }
+
+template <class Info>
+std::string helpOf(Info& info, MEMBERID member = MEMBERID_NIL) {
+  BSTR help = nullptr;
+  check(info.GetDocumentation(member, nullptr, &help, nullptr, nullptr), "GetDocumentation");
+  return taken(help);
+}
+
+bool isPlain(const std::string& help) { return help.ends_with('.') && help.find_first_of("`[*") == std::string::npos; }
 
 // A type description, with the system's structure that tells it.
 class Described {
@@ -154,7 +164,9 @@ std::string memberText(ITypeInfo& info, const FUNCDESC& function) {
     if (names[i + 1] != nullptr) text += taken(names[i + 1]) + ": ";
     text += parameterText(info, function.lprgelemdescParam[i]);
   }
-  return text + ") -> " + typeText(info, function.elemdescFunc.tdesc);
+  text += ") -> " + typeText(info, function.elemdescFunc.tdesc);
+  const std::string help = helpOf(info, function.memid);
+  return isPlain(help) ? text : text + " ?help " + help;
 }
 
 void printEnumeration(const Described& enumeration) {
@@ -187,7 +199,7 @@ void printClass(const Described& described) {
     HREFTYPE reference = 0;
     check(described.info().GetRefTypeOfImplType(i, &reference), "GetRefTypeOfImplType");
     const Described face(referred(described.info(), reference));
-    std::cout << "class " << name << ": " << nameOf(face.info()) << "\n";
+    std::cout << "class " << name << ": " << nameOf(face.info()) << " \"" << helpOf(described.info()) << "\"\n";
     printMembers(name, face);
   }
 }
