@@ -100,7 +100,8 @@ type_library() {
     die "$(<"$WORK/complaint")"
   tr -d '\r' <"$WORK/dump" >"$WORK/type_library"
   diff -u "$here/type_library.golden" "$WORK/type_library" ||
-    die "type_library.golden (-) is the contract that programs rely on, the library (+) breaks it: mend the library"
+    die "type_library.golden (-) is the contract that programs rely on, the library (+) breaks it: mend the library;" \
+      "what was only added to it, or its help strings, take in with ./run approve"
 }
 
 # typed_caller BITS
