@@ -63,7 +63,7 @@ class Call {
     bad_ = kNone;
     std::vector<Argument> arguments;
     arguments.reserve(arguments_.size());
-    for (const CallArgument& argument : arguments_) arguments.push_back(argument.argument());
+    for (const VariantArgument& argument : arguments_) arguments.push_back(argument.argument());
     Value result = member_.invoke(object, arguments);
     completed_ = true;
     return result;
@@ -105,7 +105,7 @@ class Call {
 
   const Member& member_;
   const DISPPARAMS& given_;
-  std::vector<CallArgument> arguments_;
+  std::vector<VariantArgument> arguments_;
   std::vector<UINT> sources_;
   UINT bad_ = kNone;
   bool completed_ = false;

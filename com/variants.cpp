@@ -180,7 +180,7 @@ void toVariant(const Value& value, VARIANT& result) {
   result.vt = kTypes[value.index()];
 }
 
-void CallArgument::read(VARIANT& given) {
+void VariantArgument::read(VARIANT& given) {
   // A script's variable can itself refer to a variable of an outer procedure, and so on.
   constexpr int kMostReferences = 16;
   VARIANT* source = &given;
@@ -223,7 +223,7 @@ void CallArgument::read(VARIANT& given) {
   }
 }
 
-HRESULT CallArgument::writeBack(bool assigned) {
+HRESULT VariantArgument::writeBack(bool assigned) {
   return guarded([&]() -> HRESULT {
     if (argument_.missing()) return S_OK;
     const Value result = argument_.value();
@@ -237,14 +237,14 @@ HRESULT CallArgument::writeBack(bool assigned) {
 }
 
 // What the member did not write to stays exactly what the caller had, be it a date or a currency.
-void CallArgument::writeVariant(const Value& result, bool assigned) const {
+void VariantArgument::writeVariant(const Value& result, bool assigned) const {
   if (result == before_ && (!assigned || variant_->vt == kTypes[result.index()])) return;
   Variant written;
   toVariant(result, written);
   std::swap(static_cast<VARIANT&>(written), *variant_);
 }
 
-void CallArgument::writeTyped(const Value& result) const {
+void VariantArgument::writeTyped(const Value& result) const {
   if (const auto* text = std::get_if<Text>(&result)) {
     SysFreeString(std::exchange(*typed_->pbstrVal, toBstr(*text)));
   } else if (const auto* flag = std::get_if<bool>(&result)) {

@@ -11,11 +11,11 @@ namespace mirvane::com {
 ///
 /// A reference to a variable of one of the member's own types is used in place. Any other variable is read, and what
 /// the member made of it is written back after the call. A plain value is only read.
-class CallArgument {
+class VariantArgument {
  public:
-  CallArgument() = default;
-  CallArgument(const CallArgument&) = delete;
-  CallArgument& operator=(const CallArgument&) = delete;
+  VariantArgument() = default;
+  VariantArgument(const VariantArgument&) = delete;
+  VariantArgument& operator=(const VariantArgument&) = delete;
 
   /// Takes the caller's VARIANT. Raises typeMismatch for what no member can take, such as an array.
   void read(VARIANT& given);

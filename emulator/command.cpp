@@ -41,11 +41,11 @@ Code Fields::check(const std::vector<FieldRule>& rules, bool endsOpen) {
 
 bool isBlank(TextView text) { return text.find_first_not_of(u' ') == TextView::npos; }
 
-const Command* findCommand(const Fields& fields, Code& code) {
+const CommandRow* findCommand(const Fields& fields, Code& code) {
   code = Code::kUnknownRequest;
   for (const auto* table : {&receiptCommands(), &printerCommands(), &readCommands(), &configCommands(),
                             &reportCommands(), &cardCommands()}) {
-    for (const Command& command : *table) {
+    for (const CommandRow& command : *table) {
       if (command.code != fields.code()) continue;
       if (command.selector.empty() || fields.bytes(0) == command.selector) return &command;
       code = Code::kFieldRange;

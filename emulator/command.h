@@ -61,15 +61,15 @@ class Fields {
 };
 
 /// Collects the fields of a reply behind its status bytes.
-class ReplyFields {
+class ReplyWriter {
  public:
-  ReplyFields& text(std::string_view bytes) {
+  ReplyWriter& text(std::string_view bytes) {
     bytes_.append(bytes).push_back('/');
     return *this;
   }
-  ReplyFields& text(TextView value) { return text(toCodePage(value)); }
-  ReplyFields& amount(Cents value) { return text(formatCents(value)); }
-  ReplyFields& whole(std::int64_t value) { return text(std::to_string(value)); }
+  ReplyWriter& text(TextView value) { return text(toCodePage(value)); }
+  ReplyWriter& amount(Cents value) { return text(formatCents(value)); }
+  ReplyWriter& whole(std::int64_t value) { return text(std::to_string(value)); }
 
   const std::string& bytes() const { return bytes_; }
 
@@ -78,7 +78,7 @@ class ReplyFields {
 };
 
 /// One command of the register.
-struct Command {
+struct CommandRow {
   std::string_view code;
   /// The first field that picks this row among those with the same code; an empty one takes any.
   std::string_view selector;
@@ -87,7 +87,7 @@ struct Command {
   std::vector<FieldRule> fields;
   /// Refused while the printer cannot print.
   bool prints;
-  Code (*run)(Register& machine, const Fields& fields, ReplyFields& reply);
+  Code (*run)(Register& machine, const Fields& fields, ReplyWriter& reply);
   /// Of the reply's fields behind the status bytes.
   std::vector<Name> replyNames = {};
   /// No "/" closes its last field.
@@ -95,16 +95,16 @@ struct Command {
 };
 
 // The commands, by subject; each table stands with its handlers.
-const std::vector<Command>& receiptCommands();
-const std::vector<Command>& printerCommands();
-const std::vector<Command>& readCommands();
-const std::vector<Command>& configCommands();
-const std::vector<Command>& reportCommands();
-const std::vector<Command>& cardCommands();
+const std::vector<CommandRow>& receiptCommands();
+const std::vector<CommandRow>& printerCommands();
+const std::vector<CommandRow>& readCommands();
+const std::vector<CommandRow>& configCommands();
+const std::vector<CommandRow>& reportCommands();
+const std::vector<CommandRow>& cardCommands();
 
 bool isBlank(TextView text);
 
 /// The row for `fields`. When there is none, `code` tells whether the command or only its selector is unknown.
-const Command* findCommand(const Fields& fields, Code& code);
+const CommandRow* findCommand(const Fields& fields, Code& code);
 
 }  // namespace mirvane::emulator

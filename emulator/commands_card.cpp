@@ -32,7 +32,7 @@ const CardTerminal* findTerminal(const Register& machine, const Fields& fields, 
   return found == terminals.end() ? nullptr : &found->second;
 }
 
-Code tellTerminal(Register& machine, const Fields& fields, ReplyFields& reply) {
+Code tellTerminal(Register& machine, const Fields& fields, ReplyWriter& reply) {
   Code code = Code::kOk;
   const CardTerminal* terminal = findTerminal(machine, fields, code);
   if (!terminal) return code;
@@ -44,7 +44,7 @@ Code tellTerminal(Register& machine, const Fields& fields, ReplyFields& reply) {
   return Code::kOk;
 }
 
-Code setTerminal(Register& machine, const Fields& fields, ReplyFields&) {
+Code setTerminal(Register& machine, const Fields& fields, ReplyWriter&) {
   Code code = machine.fiscal.documentProblem();
   if (code != Code::kOk) return code;
   if (!isWithin(fields.number(1), 1, kMostTerminals) || !isWithin(fields.number(2), 0, 255) ||
@@ -74,7 +74,7 @@ Code setTerminal(Register& machine, const Fields& fields, ReplyFields&) {
 }
 
 /// Its number alone tells which; the other fields only have to be of their kind.
-Code deleteTerminal(Register& machine, const Fields& fields, ReplyFields&) {
+Code deleteTerminal(Register& machine, const Fields& fields, ReplyWriter&) {
   Code code = machine.fiscal.documentProblem();
   if (code != Code::kOk || !findTerminal(machine, fields, code)) return code;
   machine.fiscal.cardTerminals.erase(fields.whole(1));
@@ -82,7 +82,7 @@ Code deleteTerminal(Register& machine, const Fields& fields, ReplyFields&) {
 }
 
 /// Each programmed terminal is there, at its address; nobody answers at any other.
-Code testTerminal(Register& machine, const Fields& fields, ReplyFields&) {
+Code testTerminal(Register& machine, const Fields& fields, ReplyWriter&) {
   Code code = ipProblem(fields.bytes(5));
   if (code != Code::kOk) return code;
   const CardTerminal* terminal = findTerminal(machine, fields, code);
@@ -93,7 +93,7 @@ Code testTerminal(Register& machine, const Fields& fields, ReplyFields&) {
 
 }  // namespace
 
-const std::vector<Command>& cardCommands() {
+const std::vector<CommandRow>& cardCommands() {
   using namespace field;
   constexpr FieldRule kTerminal = whole("terminal", 2);
   constexpr FieldRule kEnabled = whole("enabled", 3);
@@ -119,7 +119,7 @@ const std::vector<Command>& cardCommands() {
                                                  text("middleware terminal", 30),
                                                  text("transaction", 30),
                                                  whole("format", 5)};
-  static const std::vector<Command> kCommands = {
+  static const std::vector<CommandRow> kCommands = {
       {"E",
        "0",
        "read card terminal",

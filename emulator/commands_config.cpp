@@ -7,7 +7,7 @@
 namespace mirvane::emulator {
 namespace {
 
-void tellLines(std::span<const PrintedLine> lines, ReplyFields& reply) {
+void tellLines(std::span<const PrintedLine> lines, ReplyWriter& reply) {
   for (const PrintedLine& line : lines) reply.whole(line.size).text(line.text);
 }
 
@@ -19,12 +19,12 @@ Code readLines(const Fields& fields, std::span<PrintedLine> lines) {
   return Code::kOk;
 }
 
-Code tellHeader(Register& machine, const Fields&, ReplyFields& reply) {
+Code tellHeader(Register& machine, const Fields&, ReplyWriter& reply) {
   tellLines(machine.fiscal.header, reply);
   return Code::kOk;
 }
 
-Code setHeader(Register& machine, const Fields& fields, ReplyFields&) {
+Code setHeader(Register& machine, const Fields& fields, ReplyWriter&) {
   Code code = machine.fiscal.dayProblem();
   if (code != Code::kOk) return code;
   auto header = machine.fiscal.header;
@@ -36,12 +36,12 @@ Code setHeader(Register& machine, const Fields& fields, ReplyFields&) {
   return Code::kOk;
 }
 
-Code tellFooter(Register& machine, const Fields&, ReplyFields& reply) {
+Code tellFooter(Register& machine, const Fields&, ReplyWriter& reply) {
   tellLines(machine.fiscal.footer, reply);
   return Code::kOk;
 }
 
-Code setFooter(Register& machine, const Fields& fields, ReplyFields&) {
+Code setFooter(Register& machine, const Fields& fields, ReplyWriter&) {
   Code code = machine.fiscal.documentProblem();
   if (code != Code::kOk) return code;
   auto footer = machine.fiscal.footer;
@@ -50,19 +50,19 @@ Code setFooter(Register& machine, const Fields& fields, ReplyFields&) {
   return code;
 }
 
-Code setNextFooter(Register& machine, const Fields& fields, ReplyFields&) {
+Code setNextFooter(Register& machine, const Fields& fields, ReplyWriter&) {
   const std::array<Text, 3> lines{fields.text(0), fields.text(1), fields.text(2)};
   machine.fiscal.nextFooter.reset();
   if (lines != std::array<Text, 3>{}) machine.fiscal.nextFooter = lines;
   return Code::kOk;
 }
 
-Code tellVatRates(Register& machine, const Fields&, ReplyFields& reply) {
+Code tellVatRates(Register& machine, const Fields&, ReplyWriter& reply) {
   for (const std::int64_t rate : machine.fiscal.vatRates) reply.text(formatFixed(rate, 2));
   return Code::kOk;
 }
 
-Code setVatRates(Register& machine, const Fields& fields, ReplyFields&) {
+Code setVatRates(Register& machine, const Fields& fields, ReplyWriter&) {
   const Code code = machine.fiscal.dayProblem();
   if (code != Code::kOk) return code;
   VatRates rates{};
@@ -76,7 +76,7 @@ Code setVatRates(Register& machine, const Fields& fields, ReplyFields&) {
   return Code::kOk;
 }
 
-Code setDepartment(Register& machine, const Fields& fields, ReplyFields&) {
+Code setDepartment(Register& machine, const Fields& fields, ReplyWriter&) {
   Department* department = groupAt(machine.fiscal.departments, fields.whole(0));
   if (!department) return Code::kDepartment;
   if (isBlank(fields.text(1))) return Code::kBlankDescription;
@@ -86,7 +86,7 @@ Code setDepartment(Register& machine, const Fields& fields, ReplyFields&) {
   return Code::kOk;
 }
 
-Code setCategory(Register& machine, const Fields& fields, ReplyFields&) {
+Code setCategory(Register& machine, const Fields& fields, ReplyWriter&) {
   SalesGroup* category = groupAt(machine.fiscal.categories, fields.whole(0));
   if (!category) return Code::kCategory;
   if (isBlank(fields.text(1))) return Code::kBlankDescription;
@@ -94,7 +94,7 @@ Code setCategory(Register& machine, const Fields& fields, ReplyFields&) {
   return Code::kOk;
 }
 
-Code tellSettings(Register& machine, const Fields&, ReplyFields& reply) {
+Code tellSettings(Register& machine, const Fields&, ReplyWriter& reply) {
   const Settings& settings = machine.fiscal.settings;
   reply.whole(settings.printerId).text(settings.printerDescription).text(settings.cashier);
   reply.whole(settings.opensDrawerOnTotal).whole(settings.printsVatDetail).whole(settings.printsFooter);
@@ -102,7 +102,7 @@ Code tellSettings(Register& machine, const Fields&, ReplyFields& reply) {
   return Code::kOk;
 }
 
-Code setSettings(Register& machine, const Fields& fields, ReplyFields&) {
+Code setSettings(Register& machine, const Fields& fields, ReplyWriter&) {
   if (fields.whole(0) < 0 || fields.whole(8) < 0 || fields.whole(9) < 0) return Code::kFieldRange;
   machine.fiscal.settings = {fields.whole(0), fields.text(1),  fields.text(2),  fields.flag(3),
                              fields.flag(4),  fields.flag(5),  fields.flag(6),  fields.flag(7),
@@ -110,7 +110,7 @@ Code setSettings(Register& machine, const Fields& fields, ReplyFields&) {
   return Code::kOk;
 }
 
-Code setVatNumber(Register& machine, const Fields& fields, ReplyFields&) {
+Code setVatNumber(Register& machine, const Fields& fields, ReplyWriter&) {
   const Code code = machine.fiscal.dayProblem();
   if (code != Code::kOk) return code;
   const std::string_view number = fields.bytes(8);
@@ -119,7 +119,7 @@ Code setVatNumber(Register& machine, const Fields& fields, ReplyFields&) {
   return Code::kOk;
 }
 
-Code setServer(Register& machine, const Fields& fields, ReplyFields&) {
+Code setServer(Register& machine, const Fields& fields, ReplyWriter&) {
   const std::string_view url = fields.bytes(1);
   const std::string_view port = fields.bytes(2);
   const std::string_view key = fields.bytes(3);
@@ -132,7 +132,7 @@ Code setServer(Register& machine, const Fields& fields, ReplyFields&) {
   return Code::kOk;
 }
 
-Code tellServer(Register& machine, const Fields&, ReplyFields& reply) {
+Code tellServer(Register& machine, const Fields&, ReplyWriter& reply) {
   const ServerSettings& server = machine.fiscal.server;
   reply.whole(server.isActive).text(server.url).text(server.port).text(server.key);
   reply.text("").text("").text("").text(server.qrUrl);
@@ -140,7 +140,7 @@ Code tellServer(Register& machine, const Fields&, ReplyFields& reply) {
 }
 
 /// A dialogue about the server leaves nothing behind that would have to end.
-Code endServerDialogue(Register&, const Fields&, ReplyFields&) { return Code::kOk; }
+Code endServerDialogue(Register&, const Fields&, ReplyWriter&) { return Code::kOk; }
 
 std::vector<FieldRule> sizedLines(std::size_t count) {
   std::vector<FieldRule> rules;
@@ -160,12 +160,12 @@ std::vector<FieldRule> vatNumberFields() {
 
 }  // namespace
 
-const std::vector<Command>& configCommands() {
+const std::vector<CommandRow>& configCommands() {
   using namespace field;
   constexpr FieldRule kLine = text("line", Paper::kColumns);
   constexpr FieldRule kUrl = text("URL", 200);
   constexpr FieldRule kName = text("description", 35);
-  static const std::vector<Command> kCommands = {
+  static const std::vector<CommandRow> kCommands = {
       {"h",
        "",
        "read header",

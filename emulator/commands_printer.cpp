@@ -3,7 +3,7 @@
 namespace mirvane::emulator {
 namespace {
 
-Code printComment(Register& machine, const Fields& fields, ReplyFields&) {
+Code printComment(Register& machine, const Fields& fields, ReplyWriter&) {
   const int size = fields.whole(1);
   if (size < 0 || size > 4) return Code::kFieldRange;
   // What is printed now would be missing in the journal that stands for the day.
@@ -18,24 +18,24 @@ Code show(Register& machine, int line, const Text& text) {
   return Code::kOk;
 }
 
-Code showText(Register& machine, const Fields& fields, ReplyFields&) {
+Code showText(Register& machine, const Fields& fields, ReplyWriter&) {
   return show(machine, fields.whole(3), fields.text(4));
 }
 
-Code showMessage(Register& machine, const Fields& fields, ReplyFields&) { return show(machine, 1, fields.text(1)); }
+Code showMessage(Register& machine, const Fields& fields, ReplyWriter&) { return show(machine, 1, fields.text(1)); }
 
-Code feed(Register& machine, const Fields& fields, ReplyFields&) {
+Code feed(Register& machine, const Fields& fields, ReplyWriter&) {
   if (fields.whole(0) < 1) return Code::kFieldRange;
   machine.paper.feed(fields.whole(0));
   return Code::kOk;
 }
 
-Code openDrawer(Register& machine, const Fields&, ReplyFields&) {
+Code openDrawer(Register& machine, const Fields&, ReplyWriter&) {
   ++machine.drawerOpenings;
   return Code::kOk;
 }
 
-Code cut(Register& machine, const Fields& fields, ReplyFields&) {
+Code cut(Register& machine, const Fields& fields, ReplyWriter&) {
   // A document leaves the printer in one piece.
   const Code code = machine.fiscal.documentProblem();
   if (code == Code::kOk) machine.paper.cut(fields.flag(1));
@@ -44,9 +44,9 @@ Code cut(Register& machine, const Fields& fields, ReplyFields&) {
 
 }  // namespace
 
-const std::vector<Command>& printerCommands() {
+const std::vector<CommandRow>& printerCommands() {
   using namespace field;
-  static const std::vector<Command> kCommands = {
+  static const std::vector<CommandRow> kCommands = {
       {"P", "", "comment", {text("text", Paper::kColumns), whole("size", 1)}, true, printComment},
       {"2",
        "10",

@@ -35,7 +35,7 @@ Code readItem(FiscalState& fiscal, const Fields& fields, Item& item) {
   return Code::kOk;
 }
 
-Code addItem(Register& machine, const Fields& fields, ReplyFields&) {
+Code addItem(Register& machine, const Fields& fields, ReplyWriter&) {
   FiscalState& fiscal = machine.fiscal;
   Item item{};
   Code code = readItem(fiscal, fields, item);
@@ -60,7 +60,7 @@ Code addItem(Register& machine, const Fields& fields, ReplyFields&) {
   return Code::kOk;
 }
 
-Code adjust(Register& machine, const Fields& fields, ReplyFields&) {
+Code adjust(Register& machine, const Fields& fields, ReplyWriter&) {
   FiscalState& fiscal = machine.fiscal;
   Code code = receiptProblem(fiscal);
   if (code != Code::kOk) return code;
@@ -90,7 +90,7 @@ Code payByTerminal(Register& machine, const Payment& payment) {
   return Code::kCardUnderWay;
 }
 
-Code pay(Register& machine, const Fields& fields, ReplyFields&) {
+Code pay(Register& machine, const Fields& fields, ReplyWriter&) {
   Code code = receiptProblem(machine.fiscal);
   if (code != Code::kOk) return code;
   const Payment payment{fields.whole(0), fields.text(1), fields.text(2), fields.number(3), fields.whole(4)};
@@ -102,7 +102,7 @@ Code pay(Register& machine, const Fields& fields, ReplyFields&) {
   return code;
 }
 
-Code tellRemaining(Register& machine, const Fields&, ReplyFields& reply) {
+Code tellRemaining(Register& machine, const Fields&, ReplyWriter& reply) {
   const Code code = receiptProblem(machine.fiscal);
   if (code != Code::kOk) return code;
   const Receipt& receipt = *machine.fiscal.receipt;
@@ -110,7 +110,7 @@ Code tellRemaining(Register& machine, const Fields&, ReplyFields& reply) {
   return Code::kOk;
 }
 
-Code close(Register& machine, const Fields&, ReplyFields&) {
+Code close(Register& machine, const Fields&, ReplyWriter&) {
   FiscalState& fiscal = machine.fiscal;
   if (fiscal.cashDocument) {
     printCashDocumentEnd(machine);
@@ -128,7 +128,7 @@ Code close(Register& machine, const Fields&, ReplyFields&) {
   return Code::kOk;
 }
 
-Code cancel(Register& machine, const Fields&, ReplyFields&) {
+Code cancel(Register& machine, const Fields&, ReplyWriter&) {
   const Code code = receiptProblem(machine.fiscal);
   if (code != Code::kOk) return code;
   const Receipt& receipt = *machine.fiscal.receipt;
@@ -140,7 +140,7 @@ Code cancel(Register& machine, const Fields&, ReplyFields&) {
   return Code::kOk;
 }
 
-Code openCashDocument(Register& machine, const Fields& fields, ReplyFields&) {
+Code openCashDocument(Register& machine, const Fields& fields, ReplyWriter&) {
   FiscalState& fiscal = machine.fiscal;
   const Code code = fiscal.documentProblem();
   if (code != Code::kOk) return code;
@@ -156,9 +156,9 @@ Code openCashDocument(Register& machine, const Fields& fields, ReplyFields&) {
 
 }  // namespace
 
-const std::vector<Command>& receiptCommands() {
+const std::vector<CommandRow>& receiptCommands() {
   using namespace field;
-  static const std::vector<Command> kCommands = {
+  static const std::vector<CommandRow> kCommands = {
       {"3",
        "",
        "item",

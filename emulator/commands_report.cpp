@@ -17,7 +17,7 @@ std::string summary(const FiscalState& fiscal) {
   return bytes;
 }
 
-Code printX(Register& machine, const Fields&, ReplyFields&) {
+Code printX(Register& machine, const Fields&, ReplyWriter&) {
   if (machine.journal.isClosing()) return Code::kClosing;
   const Code code = machine.fiscal.documentProblem();
   if (code == Code::kOk) printXReport(machine);
@@ -25,7 +25,7 @@ Code printX(Register& machine, const Fields&, ReplyFields&) {
 }
 
 /// Each document is in the journal as a whole, so nothing is prepared while one is open.
-Code prepareClosing(Register& machine, const Fields&, ReplyFields& reply) {
+Code prepareClosing(Register& machine, const Fields&, ReplyWriter& reply) {
   const FiscalState& fiscal = machine.fiscal;
   Journal& journal = machine.journal;
   const Code code = fiscal.documentProblem();
@@ -40,7 +40,7 @@ Code prepareClosing(Register& machine, const Fields&, ReplyFields& reply) {
   return Code::kOk;
 }
 
-Code prepareOpenDay(Register& machine, const Fields&, ReplyFields& reply) {
+Code prepareOpenDay(Register& machine, const Fields&, ReplyWriter& reply) {
   const FiscalState& fiscal = machine.fiscal;
   const Code code = fiscal.documentProblem();
   if (code != Code::kOk) return code;
@@ -53,12 +53,12 @@ Code prepareOpenDay(Register& machine, const Fields&, ReplyFields& reply) {
   return Code::kOk;
 }
 
-Code tellJournalName(Register& machine, const Fields&, ReplyFields& reply) {
+Code tellJournalName(Register& machine, const Fields&, ReplyWriter& reply) {
   reply.text(journalName(machine.fiscal));
   return Code::kOk;
 }
 
-Code readJournal(Register& machine, const Fields&, ReplyFields& reply) {
+Code readJournal(Register& machine, const Fields&, ReplyWriter& reply) {
   if (!machine.journal.isPrepared()) return Code::kJournalNotStarted;
   if (const auto step = machine.journal.read()) {
     reply.text(std::string(1, static_cast<char>(step->state))).text(step->piece).text(step->fileName);
@@ -66,7 +66,7 @@ Code readJournal(Register& machine, const Fields&, ReplyFields& reply) {
   return Code::kOk;
 }
 
-Code closeDay(Register& machine, const Fields& fields, ReplyFields&) {
+Code closeDay(Register& machine, const Fields& fields, ReplyWriter&) {
   if (fields.bytes(1) != "2") return Code::kFieldRange;
   if (!machine.journal.isTransferred()) return Code::kJournalNotTransferred;
   printZReport(machine);
@@ -75,7 +75,7 @@ Code closeDay(Register& machine, const Fields& fields, ReplyFields&) {
   return Code::kOk;
 }
 
-Code printLastZ(Register& machine, const Fields&, ReplyFields&) {
+Code printLastZ(Register& machine, const Fields&, ReplyWriter&) {
   const Code code = machine.fiscal.documentProblem();
   if (code != Code::kOk) return code;
   if (machine.journal.isClosing() && !machine.journal.isTransferred()) return Code::kJournalNotTransferred;
@@ -86,9 +86,9 @@ Code printLastZ(Register& machine, const Fields&, ReplyFields&) {
 
 }  // namespace
 
-const std::vector<Command>& reportCommands() {
+const std::vector<CommandRow>& reportCommands() {
   using namespace field;
-  static const std::vector<Command> kCommands = {
+  static const std::vector<CommandRow> kCommands = {
       {"x", "1", "X report", {selector()}, true, printX},
       {"x", "2", "Z report", {selector(), selector()}, true, closeDay, {}, true},
       {"x", "9", "Z report again", {selector()}, true, printLastZ},

@@ -7,7 +7,7 @@
 namespace mirvane::emulator {
 namespace {
 
-const Command* rowOf(std::string_view command) {
+const CommandRow* rowOf(std::string_view command) {
   if (command.find('/') == std::string_view::npos) return nullptr;
   Code code = Code::kOk;
   return findCommand(Fields(command), code);
@@ -26,7 +26,7 @@ std::vector<std::string_view> split(std::string_view bytes) {
 }  // namespace
 
 DecodedCommand decodeCommand(std::string_view command) {
-  const Command* row = rowOf(command);
+  const CommandRow* row = rowOf(command);
   DecodedCommand decoded{row ? row->name : "", {}};
   const std::vector<std::string_view> pieces = split(command);
   for (std::size_t i = 1; i < pieces.size(); ++i) {
@@ -37,7 +37,7 @@ DecodedCommand decodeCommand(std::string_view command) {
 }
 
 DecodedReply decodeReply(std::string_view reply, std::string_view command) {
-  const Command* row = rowOf(command);
+  const CommandRow* row = rowOf(command);
   const std::vector<std::string_view> pieces = split(reply);
   DecodedReply decoded;
   std::size_t count = 0;

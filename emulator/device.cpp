@@ -27,13 +27,13 @@ Code printerProblem(std::uint8_t status) {
 /// What does not depend on how a card payment ends: a till that starts up asks it.
 bool isAnsweredMeanwhile(std::string_view code) { return code == "v" || code == "a" || code == "t"; }
 
-Code run(Register& machine, std::string_view command, std::uint8_t printerStatus, ReplyFields& reply) {
+Code run(Register& machine, std::string_view command, std::uint8_t printerStatus, ReplyWriter& reply) {
   if (std::any_of(command.begin(), command.end(), isControl)) return Code::kFieldRange;
   if (command.find('/') == std::string_view::npos) return Code::kUnknownRequest;
   Fields fields(command);
   if (machine.cards.isUnderWay() && !isAnsweredMeanwhile(fields.code())) return Code::kCardUnderWay;
   Code code = Code::kOk;
-  const Command* row = findCommand(fields, code);
+  const CommandRow* row = findCommand(fields, code);
   if (!row) return code;
   code = fields.check(row->fields, row->endsOpen);
   if (code == Code::kOk && row->prints) code = printerProblem(printerStatus);
@@ -68,7 +68,7 @@ Device::Device(Paper::Sink paper, LocalClock clock, ElapsedClock elapsed)
 
 std::string Device::execute(std::string_view command, std::uint8_t printerStatus) {
   settleCard();
-  ReplyFields reply;
+  ReplyWriter reply;
   const Code code = run(machine_, command, printerStatus, reply);
   return refuse(code, printerStatus) + (code == Code::kOk ? reply.bytes() : "");
 }
