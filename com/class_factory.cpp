@@ -1,7 +1,7 @@
 #include "com/class_factory.h"
 
-#include "com/dispatch.h"
 #include "com/foreign_object.h"
+#include "com/objects.h"
 #include "state/module_state.h"
 
 namespace mirvane::com {

@@ -1,10 +1,9 @@
-#include "com/dispatch.h"
-
 #include <algorithm>
 #include <string>
 #include <vector>
 
 #include "com/foreign_object.h"
+#include "com/objects.h"
 #include "com/type_library.h"
 #include "com/variants.h"
 #include "component/component.h"

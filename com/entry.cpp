@@ -1,6 +1,8 @@
 #include "com/entry.h"
 
-#include "com/com.h"
+#include <objbase.h>
+
+#include "platform/windows/windows.h"
 
 namespace mirvane::com {
 namespace {

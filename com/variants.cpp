@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "com/dispatch.h"
+#include "com/objects.h"
 
 namespace mirvane::com {
 namespace {

@@ -3,6 +3,7 @@
 #include "automation/object.h"
 #include "com/com.h"
 
+// Declared apart from dispatch.cpp, where they are: a value may hold an object, and an object is called with values.
 namespace mirvane::com {
 
 /// The object as an automation client holds it. The same object has the same identity as long as anyone holds it; a
