@@ -2,7 +2,7 @@
 
 #include <type_traits>
 
-#include "automation/object.h"
+#include "automation/root.h"
 
 namespace mirvane {
 namespace {
@@ -47,7 +47,7 @@ Reference inside(Value& copy, TypeKind kind) {
 // What an object stands for where none is wanted.
 Value defaultOf(const ObjectPtr& object) {
   try {
-    return object == nullptr ? object : object->invoke(Object::kDefaultMember, ClassInfo::Access::callOrRead, {});
+    return object == nullptr ? object : object->invoke(Object::kDefaultMember, Access::callOrRead, {});
   } catch (const AutomationError& error) {
     if (error.code() == AutomationCode::memberNotFound) throw AutomationError(AutomationCode::typeMismatch);
     throw;
@@ -83,7 +83,7 @@ Value convertedTo(const Type& type, const Value& value) {
       withType(type.kind, [&value]<class T>(std::type_identity<T>) -> Value { return convertTo<T>(value); });
   if (type.kind == TypeKind::object && !type.name.empty()) {
     const auto& object = std::get<ObjectPtr>(converted);
-    if (object != nullptr && object->classInfo().name() != type.name) {
+    if (object != nullptr && object->className() != type.name) {
       throw AutomationError(AutomationCode::typeMismatch);
     }
   }

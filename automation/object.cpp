@@ -1,12 +1,9 @@
 #include "automation/object.h"
 
 #include <algorithm>
-#include <atomic>
 
 namespace mirvane {
 namespace {
-
-std::atomic<int> liveObjects = 0;
 
 constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
 
@@ -14,8 +11,7 @@ bool sameName(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
 }
 
-bool allows(ClassInfo::Access access, MemberKind kind) {
-  using Access = ClassInfo::Access;
+bool allows(Access access, MemberKind kind) {
   switch (kind) {
     case MemberKind::method:
       return access == Access::call || access == Access::callOrRead;
@@ -58,16 +54,10 @@ const Member* ClassInfo::find(std::string_view member, Access access) const {
   return row == members_.end() ? nullptr : &*row;
 }
 
-Object::Object() { ++liveObjects; }
-
-Object::~Object() { --liveObjects; }
-
-int Object::liveCount() { return liveObjects; }
-
-Value Object::invoke(std::string_view member, ClassInfo::Access access, Arguments arguments) {
-  const Member* row = classInfo().find(member, access);
+Value ClassInfo::invoke(Object& self, std::string_view member, Access access, Arguments arguments) const {
+  const Member* row = find(member, access);
   if (row == nullptr) throw AutomationError(AutomationCode::memberNotFound);
-  return row->invoke(*this, arguments);
+  return row->invoke(self, arguments);
 }
 
 }  // namespace mirvane

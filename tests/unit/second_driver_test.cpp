@@ -20,7 +20,7 @@ struct FiscalVarlenModule : ObjectOf<FiscalVarlenModule> {
 };
 
 Reply FiscalVarlenModule::connect(const Text& port) {
-  const Reply opened = openPort(port);
+  Reply opened = openPort(port);
   if (!opened.succeeded()) return opened;
   const Reply model = session.exchange(u"M/", {});
   if (model.succeeded() && model.count() > 0 && model.text(0) == u"VARLEN 1") return {};
