@@ -9,7 +9,7 @@
 #include <iostream>
 #include <iterator>
 
-#include "emulator/program/state.h"
+#include "emulator/program/station.h"
 #include "emulator/program/system.h"
 #include "emulator/program/transport.h"
 #include "emulator/program/web_server.h"

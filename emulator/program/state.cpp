@@ -1,7 +1,7 @@
-#include "emulator/program/state.h"
-
 #include <map>
 #include <nlohmann/json.hpp>
+
+#include "emulator/program/station.h"
 
 namespace mirvane::emulator {
 namespace {

@@ -6,7 +6,6 @@
 #include <ctime>
 #include <filesystem>
 
-#include "emulator/program/state.h"
 #include "emulator/program/system.h"
 #include "platform/ports.h"
 

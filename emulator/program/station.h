@@ -3,6 +3,7 @@
 #include <deque>
 #include <functional>
 #include <list>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,11 @@
 #include "emulator/line.h"
 
 namespace mirvane::emulator {
+
+/// The memory on the disk cannot be written, or cannot be understood. The text tells why.
+struct StateError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
 
 /// Letters and digits, 1 to 20: it becomes part of file names.
 bool isSerialNumber(std::string_view text);
@@ -86,5 +92,10 @@ class Station {
   std::list<Watcher> watchers_;
   std::string statePath_, savedState_;
 };
+
+/// All that the register remembers when its power goes, as JSON.
+std::string rememberedState(Station& station);
+/// Throws StateError when `text` is no such memory; the register is then as it was.
+void recallState(Station& station, const std::string& text);
 
 }  // namespace mirvane::emulator
