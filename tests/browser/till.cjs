@@ -2,6 +2,7 @@
 // A till that speaks the register's protocol, over the network or a serial line.
 const dgram = require('dgram');
 const fs = require('fs');
+const tty = require('tty');
 
 const frame = (command) => {
   const bytes = Buffer.from(command, 'latin1');
@@ -49,7 +50,8 @@ async function udpTill(port) {
 /** `path`: a terminal in raw mode. */
 function serialTill(path) {
   const file = fs.openSync(path, fs.constants.O_RDWR | fs.constants.O_NOCTTY);
-  const input = fs.createReadStream(null, { fd: file, autoClose: false });
+  // A file's stream would leave a thread in its last read, for which Node waits at its end.
+  const input = new tty.ReadStream(file);
   const till = makeTill((bytes) => fs.writeSync(file, bytes), () => input.destroy());
   input.on('data', till.receive);
   return till;
