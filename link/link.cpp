@@ -101,7 +101,7 @@ Reply exchange(TextView command, const Sending& sending) {
     const bool lacksPiece = isCut(framed) && sent == u"Q/";
     const bool lacksAnswer = (isCut(framed) || !hasStatus(clean)) && onlyAsks(sent);
     if (!lacksPiece && !lacksAnswer) {
-      const Reply reply(std::move(clean));
+      Reply reply(std::move(clean));
       transport().trace(u" exres     ", reply.message);
       transport().drain();
       return reply;

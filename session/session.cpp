@@ -23,14 +23,14 @@ Reply Session::exchange(TextView command, const Sending& sending) {
   return reply;
 }
 
-Reply Session::send(const Text& text, Outcome outcome, std::int16_t timeOut) {
+Reply Session::send(const Text& command, Outcome outcome, std::int16_t timeOut) {
   // A copy: the caller may have given one variable for the command and for the outcome.
-  const Text command(trim(text));
+  const Text sent(trim(command));
   Sending sending{timeOut, outcome.SupressError_, [&outcome](const Reply& silence) { outcome.take(silence); }};
   bool metCardPayment = false;
   for (;;) {
     outcome.take({});
-    Reply reply = exchange(command, sending);
+    Reply reply = exchange(sent, sending);
     outcome.take(reply);
     if (reply.succeeded()) return reply;
     const bool isCardPayment = reply.is(DeviceCode::kCardUnderWay);
@@ -40,14 +40,14 @@ Reply Session::send(const Text& text, Outcome outcome, std::int16_t timeOut) {
       fail(reply, outcome);
       return reply;
     }
-    const Reply end(lastResult, lastexResult);
+    Reply end(lastResult, lastexResult);
     outcome.take(end);
     if (!end.succeeded()) {
       fail(end, outcome);
       return end;
     }
     // What could have been this very command must never go out twice: the card could be charged twice.
-    if ((isCardPayment || waitSawCardPayment_) && couldPay(command)) return end;
+    if ((isCardPayment || waitSawCardPayment_) && couldPay(sent)) return end;
     if (!isCardPayment && !mayBeSentAgain(reply.result)) return end;
     metCardPayment = metCardPayment || isCardPayment;
     // The box about unknown characters comes once, not again for the same command sent again.

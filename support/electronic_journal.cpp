@@ -101,7 +101,7 @@ struct Download {
     for (;;) {
       moduleState().platform->clock.sleep(kPollMilliseconds);
       processEvents();
-      const Reply reply = askCurrentDriver(u"Q/");
+      Reply reply = askCurrentDriver(u"Q/");
       processEvents();
       if (!reply.succeeded()) return reply;
       if (!hasStatus(reply.raw())) return lost();

@@ -40,19 +40,19 @@ std::int16_t apportionByVat(const VatAmounts& totals, VatAmounts& shares, double
     sorted[i] = {static_cast<std::int16_t>(i), totals[i] != 0, share, room};
     remainder -= share;
   }
-  // Where no share reaches a cent, a category that sold nothing still has nothing to adjust.
-  std::stable_sort(sorted.begin(), sorted.end(), [](const Share& a, const Share& b) {
-    return std::tie(a.cents, a.hasSales) < std::tie(b.cents, b.hasSales);
+  // The largest first. Where no share reaches a cent, a category that sold nothing still has nothing to adjust.
+  std::sort(sorted.begin(), sorted.end(), [](const Share& a, const Share& b) {
+    return std::tie(a.cents, a.hasSales, a.category) > std::tie(b.cents, b.hasSales, b.category);
   });
-  for (auto share = sorted.rbegin(); share != sorted.rend(); ++share) {
-    const double applied = std::clamp(remainder, -share->cents, share->room);
-    share->cents += applied;
+  for (Share& share : sorted) {
+    const double applied = std::clamp(remainder, -share.cents, share.room);
+    share.cents += applied;
     remainder -= applied;
   }
-  sorted.back().cents += remainder;
+  sorted.front().cents += remainder;
   for (const Share& share : sorted) shares[static_cast<std::size_t>(share.category)] = share.cents / 100;
   total = adjustment / 100;
-  return sorted.back().category;
+  return sorted.front().category;
 }
 
 }  // namespace mirvane

@@ -304,9 +304,13 @@ WebServer::WebServer(asio::io_context& loop, const std::string& address, Handler
 }
 
 WebServer::~WebServer() {
-  hub_->acceptor.close();
-  const auto sessions = hub_->sessions;
-  for (const auto& session : sessions) session->close();
+  try {
+    hub_->acceptor.close();
+    const auto sessions = hub_->sessions;
+    for (const auto& session : sessions) session->close();
+  } catch (...) {
+    // The program ends: what cannot be closed goes with it.
+  }
 }
 
 std::string WebServer::url() const {
