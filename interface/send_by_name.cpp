@@ -6,9 +6,11 @@ namespace mirvane {
 
 Reply sendByCurrentDriver(Text command, Outcome outcome) {
   Text noPass;
-  driverOrRefusal()->call("SendCommand_", command, outcome.Result, outcome.Exresult, outcome.SupressError_, noPass);
+  // The one that was asked, also when the program releases it during a wait.
+  const ObjectPtr driver = driverOrRefusal();
+  driver->call("SendCommand_", command, outcome.Result, outcome.Exresult, outcome.SupressError_, noPass);
   const bool succeeded = outcome.Result == 0;
-  return {outcome.Result, outcome.Exresult, succeeded ? convertTo<Text>(driverOrRefusal()->call("lastReply")) : Text()};
+  return {outcome.Result, outcome.Exresult, succeeded ? convertTo<Text>(driver->call("lastReply")) : Text()};
 }
 
 Reply askCurrentDriver(Text command) {
