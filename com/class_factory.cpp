@@ -7,7 +7,18 @@
 namespace mirvane::com {
 namespace {
 
+// When the process ends: the record's own thread is gone by then.
+struct RecordEnd {
+  RecordEnd() = default;
+  RecordEnd(const RecordEnd&) = delete;
+  RecordEnd& operator=(const RecordEnd&) = delete;
+  ~RecordEnd() {
+    if (moduleState().recorder != nullptr) moduleState().recorder->finish();
+  }
+};
+
 bool startOnce() {
+  static const RecordEnd kRecordEnd;
   // For good. The end of an apartment would take an open port's state with it and leave the port open and taken, and
   // every unloading costs the process one of its thread-local places, of which there are some thousand.
   HMODULE pinned = nullptr;
@@ -15,6 +26,7 @@ bool startOnce() {
                      reinterpret_cast<LPCWSTR>(&startOnce), &pinned);
   startComponent();
   moduleState().createObject = &createForeignObject;
+  moduleState().recordFolder = moduleState().platform->files.componentFolder() + u"\\records";
   return true;
 }
 

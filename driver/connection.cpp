@@ -20,8 +20,7 @@ const Contract<void(Text&, Outcome, Text&, std::int16_t&)> kSendCommand{
 
 // One exchange at the link's own level: no wait, no box but the one about unknown characters.
 Reply exchangeOnce(Driver& driver, TextView command, Outcome outcome, std::int16_t timeOut = 0) {
-  Reply reply = driver.session.exchange(
-      command, {timeOut, outcome.SupressError_, [&outcome](const Reply& silence) { outcome.take(silence); }});
+  Reply reply = driver.session.exchange(command, {timeOut, outcome.SupressError_}, outcome);
   outcome.take(reply);
   return reply;
 }

@@ -64,7 +64,7 @@ void addReports(Rows& rows) {
                    if (moduleState().journalStepFailed && journalStepFails(driver, message)) {
                      outcome.take(failureOf(message));
                      if (outcome.SupressError_) return;
-                     moduleState().platform->screen.messageBox(message, platform::kExclamation, kDeviceFamilyName);
+                     showBox(message, platform::kExclamation, kDeviceFamilyName);
                      return;
                    }
                    printSilently(u"x/9/", outcome);

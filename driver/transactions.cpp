@@ -100,7 +100,7 @@ void addTransactions(Rows& rows) {
                    if (!driver.session.send(command, outcome, kPaymentSeconds).succeeded()) return;
                    if (!isPaid(driver, outcome) || !driver.send(kCloseReceipt, outcome).succeeded()) return;
                    // The journal wants the device's state after the receipt; the outcome stays that of the payment.
-                   if (bReadEJ) driver.session.exchange(u"v/", {});
+                   if (bReadEJ) driver.session.exchange(u"v/", {}, OwnOutcome());
                  })
       .implement(FeedPaper, [](Driver& driver, Integer& lines,
                                Outcome outcome) { driver.send(Command(u"F/").integer(lines), outcome); })

@@ -63,8 +63,7 @@ void refuseAll(ClassBuilder<fiscalNullModule>& table, const Contract<Signatures>
 void fiscalNullModule::refuse(Outcome outcome) {
   outcome.take({kNoDriver, u"Λάθος τύπος Φορολ. Εκτυπωτή"});
   if (outcome.SupressError_) return;
-  moduleState().platform->screen.messageBox(outcome.Exresult, platform::kInformationSystemModal,
-                                            langMessage(message::kBoxTitle));
+  showBox(outcome.Exresult, platform::kInformationSystemModal, langMessage(message::kBoxTitle));
 }
 
 Value fiscalNullModule::DisConnect_(Text& /*PORT*/, Outcome outcome) {

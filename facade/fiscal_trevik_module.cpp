@@ -1,6 +1,7 @@
 #include "facade/fiscal_trevik_module.h"
 
 #include "interface/driver_interface.h"
+#include "interface/recorded_calls.h"
 #include "state/module_state.h"
 #include "support/price_adjustments.h"
 
@@ -40,7 +41,10 @@ Member idle(const Contract<Signature>& contract) {
 
 }  // namespace
 
-fiscalTrevikModule::fiscalTrevikModule() { ++moduleState().facades; }
+fiscalTrevikModule::fiscalTrevikModule() {
+  ++moduleState().facades;
+  startRecord();
+}
 
 fiscalTrevikModule::~fiscalTrevikModule() {
   releaseDriver();
@@ -106,7 +110,7 @@ const ClassInfo& fiscalTrevikModule::describe() {
     table.readOnly("clsEFTpos", &Facade::clsEFTpos)
         .method("activateDebug", &Facade::activateDebug)
         .method("DeactivateDebug", &Facade::DeactivateDebug);
-    return table.build();
+    return recorded(table.build());
   }();
   return info;
 }

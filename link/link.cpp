@@ -73,25 +73,23 @@ Text withoutControls(TextView reply) {
 bool isOpen() { return moduleState().portHandle > 0; }
 
 void tellOfUnknownCharacters() {
-  moduleState().platform->screen.messageBox(u"INVALID CHARACTERS", platform::kInformationSystemModal,
-                                            langMessage(message::kBoxTitle));
+  showBox(u"INVALID CHARACTERS", platform::kInformationSystemModal, langMessage(message::kBoxTitle));
 }
 
 }  // namespace
 
-Reply exchange(TextView command, const Sending& sending) {
+Reply silentDevice() { return {link_result::kNoAnswerToCommand, u"Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !"}; }
+
+Reply exchange(TextView command, const Sending& sending, SilenceObserver& silence) {
   const Text sent(trim(command));
   bool replaced = false;
   const std::string frame = frameOf(commandBytes(sent, replaced));
   if (isOpen() && replaced && !sending.silent) tellOfUnknownCharacters();
   // Looked at behind the box: the program may have run on while it was open.
   if (!isOpen()) return {link_result::kNotOpen, langMessage(message::kPortNotOpen)};
-  const auto tellSilence = [&sending] {
-    sending.onSilence({link_result::kNoAnswerToCommand, u"Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !"});
-  };
   transport().drain();
   for (int attempt = 1; attempt <= kQuestionAttempts; ++attempt) {
-    const Exchange result = transport().exchange(frame, sending.timeOut, tellSilence);
+    const Exchange result = transport().exchange(frame, sending.timeOut, silence);
     if (result.failure != 0) return {result.failure, result.text};
     const Text received = fromCodePage(result.received);
     const TextView framed = replyIn(received);

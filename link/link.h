@@ -1,7 +1,6 @@
 #pragma once
 
-#include <functional>
-
+#include "link/transport.h"
 #include "protocol/reply.h"
 
 namespace mirvane {
@@ -12,12 +11,13 @@ struct Sending {
   std::int16_t timeOut = 0;
   /// Whether the box about characters that the device does not know stays away.
   bool silent = true;
-  /// Told before each repetition of a serial exchange, with what is the matter until the device answers.
-  std::function<void(const Reply&)> onSilence = [](const Reply&) {};
 };
 
 /// Frames one command, sends it over the open port and takes its reply. A command that only asks is sent again when the
 /// reply tells nothing, three times in all. Without an open port nothing is sent.
-Reply exchange(TextView command, const Sending& sending);
+Reply exchange(TextView command, const Sending& sending, SilenceObserver& silence);
+
+/// What a silent serial device comes to, until it answers.
+Reply silentDevice();
 
 }  // namespace mirvane

@@ -1,18 +1,19 @@
 #include "link/network_endpoint.h"
 
 #include "state/module_state.h"
+#include "text/number_text.h"
 
 namespace mirvane {
 namespace {
+
+using recorder::EventKind;
 
 constexpr std::size_t kMostBytes = 10000;
 
 platform::DatagramSockets& sockets() { return moduleState().platform->sockets; }
 
 // Shown even to callers that suppress errors: this class has no switch for it.
-void report(TextView prompt) {
-  moduleState().platform->screen.messageBox(prompt, platform::kCritical, kDeviceFamilyName);
-}
+void report(TextView prompt) { showBox(prompt, platform::kCritical, kDeviceFamilyName); }
 
 }  // namespace
 
@@ -22,20 +23,32 @@ cTCPIP::~cTCPIP() {
 
 std::int16_t cTCPIP::OpenConnection(std::int32_t nPort) {
   if (socket_ != 0) ShutdownConnection();
+  const std::int16_t failure = open(nPort);
+  recordPort(EventKind::kOpen, name(), failure == 0 ? platform::SystemError{} : platform::lastSystemError());
+  return failure;
+}
+
+std::int16_t cTCPIP::open(std::int32_t localPort) {
   if (!sockets().startUp()) return -1;
   socket_ = sockets().create();
   if (socket_ == platform::kInvalidSocket) return -2;
-  if (!sockets().bind(socket_, static_cast<std::uint16_t>(nPort))) return -4;
+  if (!sockets().bind(socket_, static_cast<std::uint16_t>(localPort))) return -4;
   const bool connected = sockets().connect(socket_, toCodePage(remoteHost_), static_cast<std::uint16_t>(remotePort_));
   // Set even when connecting failed: the link counts as up from here on, and a bad address shows at the first send.
   portProp().isConnected = true;
   return connected ? 0 : -6;
 }
 
+Text cTCPIP::name() const { return remoteHost_ + u":" + numberText(remotePort_); }
+
 bool cTCPIP::SendData(Text strData) { return sendBytes(toCodePage(strData)); }
 
 bool cTCPIP::sendBytes(std::string_view bytes) {
-  if (sockets().send(socket_, bytes)) return true;
+  if (sockets().send(socket_, bytes)) {
+    recordBytes(EventKind::kSent, bytes);
+    return true;
+  }
+  recordPort(EventKind::kBroken, name(), platform::lastSystemError());
   report(u"Λάθος κατά την αποστολή δεδομένων στην θύρα (Ethernet)");
   return false;
 }
@@ -45,6 +58,7 @@ bool cTCPIP::IsDataAvailable(std::int16_t& iTM) { return sockets().waitReadable(
 // One datagram; nothing, after the message box, when reading fails.
 std::optional<std::string> cTCPIP::receive() {
   auto datagram = sockets().receive(socket_, kMostBytes);
+  if (datagram) recordBytes(EventKind::kReceived, *datagram);
   if (!datagram) report(u"Λάθος κατά την ανάγνωση στοιχείων απο την θύρα (Ethernet)");
   return datagram;
 }
@@ -70,6 +84,7 @@ void cTCPIP::ShutdownConnection() {
   // Without a start of ours there is nothing to end: the program may use the socket library itself.
   if (socket_ == 0) return;
   sockets().shutDown(socket_);
+  record(EventKind::kClose, 0, name());
   socket_ = 0;
 }
 

@@ -49,7 +49,10 @@ class cTCPIP : public ObjectOf<cTCPIP> {
   std::int32_t ErrorCode() { return 0; }
 
  private:
+  std::int16_t open(std::int32_t localPort);
   std::optional<std::string> receive();
+  /// "192.168.1.50:9100"
+  Text name() const;
 
   std::int32_t socket_ = 0;
   std::int32_t remotePort_ = 0;

@@ -73,9 +73,9 @@ bool NetworkTransport::hasDatagram() {
   return portProp().TCPClass()->IsDataAvailable(noWait);
 }
 
-Exchange NetworkTransport::exchange(const std::string& frame, std::int16_t /*timeOut*/,
-                                    const std::function<void()>& /*onSilence*/) {
+Exchange NetworkTransport::exchange(const std::string& frame, std::int16_t /*timeOut*/, SilenceObserver& /*silence*/) {
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    if (attempt > 0) record(recorder::EventKind::kRepeat, attempt + 1);
     write({&wire::kEnq, 1});
     theClock().sleep(50);
     std::string first = answerToEnquiry(*this);

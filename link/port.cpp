@@ -4,6 +4,7 @@
 
 #include "link/network_endpoint.h"
 #include "link/network_transport.h"
+#include "link/serial_line.h"
 #include "link/serial_transport.h"
 #include "state/message_catalogue.h"
 #include "state/module_state.h"
@@ -11,9 +12,6 @@
 
 namespace mirvane {
 namespace {
-
-constexpr char kLineSettings[] = "115200,n,8,1";
-constexpr platform::LineTimeouts kLineTimeouts{20, 1, 1, 1, 10};
 
 struct NetworkName {
   Text host;
@@ -62,35 +60,18 @@ bool openNetwork(const NetworkName& name) {
   return opened;
 }
 
-// Names past COM9 are no devices of their own on Windows: they need the prefix.
-bool openSerial(const Text& name) {
-  platform::SerialPort& serial = moduleState().platform->serial;
-  std::int32_t& handle = moduleState().portHandle;
-  handle = serial.open(name);
-  const Text prefix = left(name, 3);
-  const bool isComNumber =
-      (prefix == u"COM" || prefix == u"com") && numberUpTo(TextView(name).substr(3), 65535).has_value();
-  if (handle <= 0 && isComNumber) handle = serial.open(u"\\\\.\\" + name);
-  return handle > 0;
-}
-
-bool configureSerial() {
-  platform::SerialPort& serial = moduleState().platform->serial;
-  serial.setTimeouts(moduleState().portHandle, kLineTimeouts);
-  return serial.configure(moduleState().portHandle, kLineSettings);
-}
-
 }  // namespace
 
 Reply openPort(const Text& name) {
   if (moduleState().portHandle > 0) return {};
+  startRecord();
   const auto network = parseNetworkName(name);
   Reply outcome;
-  if (!(network ? openNetwork(*network) : openSerial(name))) {
+  if (!(network ? openNetwork(*network) : openSerialLine(name))) {
     outcome = {link_result::kCannotOpen, u"Πρόβλημα στην Θύρα :" + name};
   }
   // Tried on a port that did not open too: its failure is the one that the caller sees.
-  if (!network && !configureSerial()) {
+  if (!network && !configureSerialLine()) {
     outcome = {link_result::kCannotConfigure, langMessage(message::kPortNotConfigured) + name};
   }
   if (!outcome.succeeded()) closePort();
@@ -106,7 +87,7 @@ std::int16_t closePort() {
     portProp().setTCPClass(nullptr);
     portProp().tcpPort = false;
   } else {
-    closed = state.platform->serial.close(state.portHandle);
+    closed = closeSerialLine();
   }
   state.portHandle = 0;
   return closed ? 1 : 0;

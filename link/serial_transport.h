@@ -10,11 +10,13 @@ class SerialTransport : public Transport {
   bool write(std::string_view bytes) override;
   std::string read() override;
   bool hasDatagram() override { return false; }
-  Exchange exchange(const std::string& frame, std::int16_t timeOut, const std::function<void()>& onSilence) override;
+  Exchange exchange(const std::string& frame, std::int16_t timeOut, SilenceObserver& silence) override;
   void trace(TextView label, TextView text) override;
 
  private:
   bool hasUnread() override;
+  void drop() override;
+  static void beginAttempt();
 };
 
 }  // namespace mirvane

@@ -8,7 +8,7 @@ void Transport::drain() {
   constexpr double kLongest = 1;  // second
   const Stopwatch time;
   const double deadline = time.now() + kLongest;
-  while (hasUnread() && time.now() < deadline) read();
+  while (hasUnread() && time.now() < deadline) drop();
 }
 
 }  // namespace mirvane

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "text/code_page.h"
 
@@ -84,6 +85,10 @@ class Clock {
   /// Seconds since some fixed moment; never set back, for measuring how long something takes.
   virtual double elapsed() = 0;
   virtual LocalTime localTime() = 0;
+  /// Milliseconds since 1970, UTC.
+  virtual std::int64_t sinceEpoch() = 0;
+  /// How many minutes local time is ahead of UTC at that moment.
+  virtual int zoneAt(std::int64_t sinceEpoch) = 0;
   virtual void sleep(std::uint32_t milliseconds) = 0;
 };
 
@@ -114,6 +119,16 @@ class JournalView {
   virtual void processEvents() = 0;
 };
 
+/// The window of Screen::showWait. It closes when it is destroyed.
+class WaitView {
+ public:
+  virtual ~WaitView() = default;
+
+  /// Lets this window and the program's own be painted anew. No input reaches them, and no timer: a call that they set
+  /// off would talk between the lines of the one that is under way.
+  virtual void repaint() = 0;
+};
+
 /// Whoever stands in front of the till.
 class Screen {
  public:
@@ -124,6 +139,8 @@ class Screen {
   /// Shows `text` in a modal window above all others, which the operator cannot close, and calls `tick` every second
   /// until that returns false. What `tick` changes in the text is shown.
   virtual void waitWhile(WaitText text, const std::function<bool(WaitText&)>& tick) = 0;
+  /// The same window, which stands while the caller goes on.
+  virtual std::unique_ptr<WaitView> showWait(WaitText text) = 0;
   virtual std::unique_ptr<JournalView> showJournal() = 0;
   /// Opens the window of the debug trace, where there is one, or closes it. Whether the operator has closed it does not
   /// matter: opening it again is allowed.
@@ -132,7 +149,17 @@ class Screen {
   virtual void traceLine(TextView line) = 0;
 };
 
-/// Paths are those of the machine that tills run on: "\\" between folders.
+/// A file that grows at its end; others may read, rename and remove it meanwhile. It is closed when it is destroyed.
+class GrowingFile {
+ public:
+  virtual ~GrowingFile() = default;
+
+  virtual std::uint64_t size() = 0;
+  /// False when not all of it could be written.
+  virtual bool append(std::string_view bytes) = 0;
+};
+
+/// Paths are those of the machine that tills run on: "\\" between folders. Any thread may ask.
 class Files {
  public:
   virtual ~Files() = default;
@@ -147,6 +174,12 @@ class Files {
   /// Makes `bytes` the whole content of the file, on the disk before it returns. Whatever happens meanwhile, the file
   /// is whole: the new one, or after a failure (false) the old one or none.
   virtual bool replace(TextView path, std::string_view bytes) = 0;
+  virtual bool isFolder(TextView folder) = 0;
+  /// The names of the files in a folder, in any order.
+  virtual std::vector<Text> fileNames(TextView folder) = 0;
+  /// Opens a file for more at its end, and makes it where it is missing; null when it cannot be.
+  virtual std::unique_ptr<GrowingFile> grow(TextView path) = 0;
+  virtual void remove(TextView path) = 0;
 };
 
 struct Platform {
@@ -159,5 +192,20 @@ struct Platform {
 
 /// The machine that the program runs on.
 Platform& hostPlatform();
+
+/// Why the system refused what was asked of it last, by its number and in its words. To be asked at once.
+struct SystemError {
+  std::int32_t number = 0;
+  Text text;
+};
+SystemError lastSystemError();
+
+/// The program that the component runs in.
+struct Process {
+  std::int32_t id = 0;
+  /// Its file, without the folder.
+  Text name;
+};
+Process hostProcess();
 
 }  // namespace mirvane::platform

@@ -1,5 +1,6 @@
 #include "session/session.h"
 
+#include "session/wait_window.h"
 #include "state/module_state.h"
 
 namespace mirvane {
@@ -15,8 +16,12 @@ bool isFixable(std::int16_t result) { return convertTo<bool>(driverOrRefusal()->
 
 }  // namespace
 
-Reply Session::exchange(TextView command, const Sending& sending) {
-  Reply reply = mirvane::exchange(command, sending);
+Reply Session::exchange(TextView command, const Sending& sending, Outcome outcome) {
+  Reply reply;
+  {
+    SilenceWindow window(outcome);
+    reply = mirvane::exchange(command, sending, window);
+  }
   lastReply_ = reply.raw();
   // A failure of the link tells nothing of the device.
   if (reply.result >= 0) flags_ = reply.flags();
@@ -26,11 +31,11 @@ Reply Session::exchange(TextView command, const Sending& sending) {
 Reply Session::send(const Text& command, Outcome outcome, std::int16_t timeOut) {
   // A copy: the caller may have given one variable for the command and for the outcome.
   const Text sent(trim(command));
-  Sending sending{timeOut, outcome.SupressError_, [&outcome](const Reply& silence) { outcome.take(silence); }};
+  Sending sending{timeOut, outcome.SupressError_};
   bool metCardPayment = false;
   for (;;) {
     outcome.take({});
-    Reply reply = exchange(sent, sending);
+    Reply reply = exchange(sent, sending, outcome);
     outcome.take(reply);
     if (reply.succeeded()) return reply;
     const bool isCardPayment = reply.is(DeviceCode::kCardUnderWay);
@@ -65,7 +70,7 @@ void Session::fail(const Reply& failure, Outcome outcome) {
   if (outcome.SupressError_) return;
   const Text prompt =
       u"Λάθος Φορολ. εκτυπωτή (" + numberText(std::int32_t{failure.result}) + u")\r\n" + failure.message;
-  moduleState().platform->screen.messageBox(prompt, platform::kExclamation, kDeviceFamilyName);
+  showBox(prompt, platform::kExclamation, kDeviceFamilyName);
 }
 
 }  // namespace mirvane

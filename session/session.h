@@ -11,8 +11,9 @@ namespace mirvane {
 /// be repeated, and shows the box of what failed.
 class Session {
  public:
-  /// One exchange, without waiting and without the box of a failure. Remembers the reply and the device's state.
-  Reply exchange(TextView command, const Sending& sending);
+  /// One exchange, without waiting and without the box of a failure. Remembers the reply and the device's state. While
+  /// a serial device does not answer, `outcome` says so, and unless errors are suppressed a window.
+  Reply exchange(TextView command, const Sending& sending, Outcome outcome);
 
   /// Sends a command and tells its outcome, in a message box too unless that is suppressed. A state that the device
   /// ends by itself is waited for, and the command sent again where that cannot do it twice.

@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <array>
 
+#include "link/link.h"
 #include "session/session.h"
+#include "session/wait_window.h"
 #include "state/module_state.h"
 #include "text/number_text.h"
 
@@ -26,27 +28,44 @@ bool endsCardPayment(const Reply& look) {
   return std::any_of(kEnds.begin(), kEnds.end(), [&look](DeviceCode code) { return look.is(code); });
 }
 
-class OpenMark {
- public:
-  OpenMark() { moduleState().waitDialogOpen = true; }
-  OpenMark(const OpenMark&) = delete;
-  OpenMark& operator=(const OpenMark&) = delete;
-  ~OpenMark() { moduleState().waitDialogOpen = false; }
-};
-
 }  // namespace
+
+WaitMark::WaitMark() { moduleState().waitDialogOpen = true; }
+WaitMark::~WaitMark() { moduleState().waitDialogOpen = false; }
+
+platform::WaitText waitText(const Reply& reason) {
+  // Some device texts begin with a "/".
+  const Text shown = reason.message.substr(reason.message.rfind(u'/') + 1);
+  return {withValue(kCaption, kDeviceFamilyName), stateText(kState, reason.result), shown};
+}
+
+void SilenceWindow::repeats() {
+  const Reply silence = silentDevice();
+  outcome_.take(silence);
+  if (view_ != nullptr || outcome_.SupressError_ || moduleState().waitDialogOpen) return;
+  mark_ = std::make_unique<WaitMark>();
+  record(recorder::EventKind::kWait, silence.result, silence.message);
+  view_ = moduleState().platform->screen.showWait(waitText(silence));
+}
+
+void SilenceWindow::waits() {
+  if (view_ != nullptr) view_->repaint();
+}
+
+SilenceWindow::~SilenceWindow() {
+  if (view_ != nullptr) record(recorder::EventKind::kWaited, 0);
+}
 
 bool Session::waitForDevice(const Reply& reason) {
   if (moduleState().waitDialogOpen) return false;
-  const OpenMark mark;
+  const WaitMark mark;
+  record(recorder::EventKind::kWait, reason.result, reason.message);
   lastResult = 0;
   lastexResult = u"00/00/00";
   waitSawCardPayment_ = false;
-  // Some device texts begin with a "/".
-  const Text shown = reason.message.substr(reason.message.rfind(u'/') + 1);
-  moduleState().platform->screen.waitWhile(
-      {withValue(kCaption, kDeviceFamilyName), stateText(kState, reason.result), shown},
-      [this](platform::WaitText& text) { return deviceIsStillBusy(text); });
+  moduleState().platform->screen.waitWhile(waitText(reason),
+                                           [this](platform::WaitText& text) { return deviceIsStillBusy(text); });
+  record(recorder::EventKind::kWaited, lastResult, lastexResult);
   return true;
 }
 

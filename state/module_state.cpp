@@ -58,4 +58,33 @@ void trace(TextView label, TextView text) {
   state.platform->screen.traceLine(line);
 }
 
+void startRecord() {
+  ModuleState& state = moduleState();
+  if (state.recordFolder.empty() || (state.recorder != nullptr && state.recorder->isAlive())) return;
+  state.recorder = nullptr;
+  try {
+    if (!state.platform->files.isFolder(state.recordFolder)) return;
+    state.recorder =
+        std::make_unique<recorder::Recorder>(state.platform->files, state.platform->clock, state.recordFolder);
+  } catch (const std::exception&) {  // no thread to be had: no record
+  }
+}
+
+void record(recorder::EventKind kind, std::int32_t number, TextView text) {
+  if (moduleState().recorder != nullptr) moduleState().recorder->add(kind, number, toUtf8(text));
+}
+
+void recordBytes(recorder::EventKind kind, std::string_view bytes) {
+  if (moduleState().recorder != nullptr && !bytes.empty()) moduleState().recorder->add(kind, 0, std::string(bytes));
+}
+
+void recordPort(recorder::EventKind kind, TextView port, const platform::SystemError& error) {
+  record(kind, error.number, error.number == 0 ? Text(port) : Text(port) + u": " + error.text);
+}
+
+void showBox(TextView prompt, std::uint32_t style, TextView title) {
+  record(recorder::EventKind::kBox, static_cast<std::int32_t>(style), Text(title) + u": " + Text(prompt));
+  moduleState().platform->screen.messageBox(prompt, style, title);
+}
+
 }  // namespace mirvane

@@ -5,6 +5,7 @@
 
 #include "automation/object.h"
 #include "platform/ports.h"
+#include "recorder/recorder.h"
 #include "state/fiscal_types.h"
 
 namespace mirvane {
@@ -27,6 +28,8 @@ struct ModuleState {
   FISCAL_TYPES fiscalType = FISCAL_unknown;
   /// The open serial port or socket; 0 or less when none is open.
   std::int32_t portHandle = 0;
+  /// The name that the open serial port was opened by.
+  Text portName;
   std::shared_ptr<cPortProp> portProp;  ///< see portProp()
 
   /// What a price adjustment refers to: the last `adjustment` call's argument, and department and amount (quantity by
@@ -41,6 +44,11 @@ struct ModuleState {
   /// Whether the operator is waiting for the device.
   bool waitDialogOpen = false;
   bool traceActive = false;
+
+  /// Where the flight record goes when the folder is there; the host names it, "" for none.
+  Text recordFolder;
+  /// Null while nothing is recorded.
+  std::unique_ptr<recorder::Recorder> recorder;
 
   platform::Platform* platform = &platform::hostPlatform();
   /// The driver classes in probe order.
@@ -74,6 +82,21 @@ void setTrace(bool active);
 
 /// One line of the debug trace, behind the time as "mm:ss"; nothing while the trace is off.
 void trace(TextView label, TextView text = {});
+
+/// Begins the flight record where its folder is there and none is being written. Whoever makes the folder need not
+/// restart a program: connecting looks for it.
+void startRecord();
+
+/// Tells the flight record, if there is one; `number` and `text` are what recorder::EventKind says. Nothing that goes
+/// wrong with it is anybody's business here.
+void record(recorder::EventKind kind, std::int32_t number, TextView text = {});
+/// The same for bytes of the line.
+void recordBytes(recorder::EventKind kind, std::string_view bytes);
+/// The same for something that the system did or refused to do to a port.
+void recordPort(recorder::EventKind kind, TextView port, const platform::SystemError& error = {});
+
+/// Shows a message box and waits until it is closed.
+void showBox(TextView prompt, std::uint32_t style, TextView title);
 
 /// Title of the message boxes that speak of the device.
 inline constexpr TextView kDeviceFamilyName = u"Varlen Fiscal";

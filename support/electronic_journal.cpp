@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "interface/recorded_calls.h"
 #include "interface/send_by_name.h"
 #include "state/module_state.h"
 #include "text/number_text.h"
@@ -235,14 +236,14 @@ std::int32_t FiscalJournal::MakeZreport(Text& errorDesc) {
 
 const ClassInfo& FiscalJournal::describe() {
   static const ClassInfo info =
-      ClassBuilder<FiscalJournal>()
-          .property("bBox", &FiscalJournal::bBox, &FiscalJournal::setbBox)
-          .method("MakeZreport", &FiscalJournal::MakeZreport, {"errorDesc"})
-          .method("eMakeZreport", &FiscalJournal::eMakeZreport,
-                  {"errorDesc", optional("bExecZReport", true), optional("bWithForm", true)})
-          .method("EJFileSave", &FiscalJournal::EJFileSave, {"Filename", "Filedata", "FileSign"})
-          .method("eEJFileSave", &FiscalJournal::eEJFileSave, {"Filename", "Filedata", "nZRep"})
-          .build();
+      recorded(ClassBuilder<FiscalJournal>()
+                   .property("bBox", &FiscalJournal::bBox, &FiscalJournal::setbBox)
+                   .method("MakeZreport", &FiscalJournal::MakeZreport, {"errorDesc"})
+                   .method("eMakeZreport", &FiscalJournal::eMakeZreport,
+                           {"errorDesc", optional("bExecZReport", true), optional("bWithForm", true)})
+                   .method("EJFileSave", &FiscalJournal::EJFileSave, {"Filename", "Filedata", "FileSign"})
+                   .method("eEJFileSave", &FiscalJournal::eEJFileSave, {"Filename", "Filedata", "nZRep"})
+                   .build());
   return info;
 }
 

@@ -12,6 +12,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <system_error>
 #include <thread>
 
 #include "platform/posix/datagram_sockets.h"
@@ -43,6 +44,16 @@ class PosixClock : public Clock {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
   }
   LocalTime localTime() override { return localAt(std::time(nullptr)); }
+  std::int64_t sinceEpoch() override {
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
+  }
+  int zoneAt(std::int64_t sinceEpoch) override {
+    const auto moment = static_cast<std::time_t>(sinceEpoch / 1000);
+    std::tm local{};
+    localtime_r(&moment, &local);
+    return static_cast<int>(local.tm_gmtoff / 60);
+  }
   void sleep(std::uint32_t milliseconds) override {
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
   }
@@ -89,11 +100,42 @@ class TerminalScreen : public Screen {
       std::this_thread::sleep_for(std::chrono::seconds(1));
     } while (tick(text));
   }
+  std::unique_ptr<WaitView> showWait(WaitText text) override {
+    struct Line : WaitView {
+      void repaint() override {}
+    };
+    std::cerr << toUtf8(text.caption + u": " + text.state + u" " + text.message) << std::endl;
+    return std::make_unique<Line>();
+  }
   std::unique_ptr<JournalView> showJournal() override { return std::make_unique<TerminalJournal>(); }
   void showTrace(bool /*shown*/) override {}
   void traceLine(TextView line) override {
     if (traceSink()) traceSink()(line);
   }
+};
+
+// All bytes, or false.
+bool writeAll(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const auto count = write(file, bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return true;
+}
+
+class PosixGrowingFile : public GrowingFile {
+ public:
+  explicit PosixGrowingFile(int file) : file_(file) {}
+  PosixGrowingFile(const PosixGrowingFile&) = delete;
+  PosixGrowingFile& operator=(const PosixGrowingFile&) = delete;
+  ~PosixGrowingFile() override { close(file_); }
+  std::uint64_t size() override { return static_cast<std::uint64_t>(lseek(file_, 0, SEEK_END)); }
+  bool append(std::string_view bytes) override { return writeAll(file_, bytes); }
+
+ private:
+  int file_;
 };
 
 class PosixFiles : public Files {
@@ -121,17 +163,29 @@ class PosixFiles : public Files {
     return false;
   }
 
+  bool isFolder(TextView folder) override {
+    std::error_code error;
+    return std::filesystem::is_directory(localPath(folder), error);
+  }
+  std::vector<Text> fileNames(TextView folder) override {
+    std::vector<Text> names;
+    std::error_code error;
+    std::filesystem::directory_iterator at(localPath(folder), error);
+    for (; !error && at != end(at); at.increment(error)) names.push_back(fromUtf8(at->path().filename().string()));
+    return names;
+  }
+  std::unique_ptr<GrowingFile> grow(TextView path) override {
+    const int file = open(localPath(path).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    if (file < 0) return nullptr;
+    return std::make_unique<PosixGrowingFile>(file);
+  }
+  void remove(TextView path) override { std::remove(localPath(path).c_str()); }
+
  private:
   static bool writeToDisk(const std::string& name, std::string_view bytes) {
     const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (file < 0) return false;
-    while (!bytes.empty()) {
-      const auto count = write(file, bytes.data(), bytes.size());
-      if (count < 0 && errno == EINTR) continue;
-      if (count <= 0) break;
-      bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    const bool onDisk = bytes.empty() && fsync(file) == 0;
+    const bool onDisk = writeAll(file, bytes) && fsync(file) == 0;
     return close(file) == 0 && onDisk;
   }
 };
@@ -148,6 +202,17 @@ Platform& hostPlatform() {
   static PosixFiles files;
   static Platform platform{serial, sockets, clock, screen, files};
   return platform;
+}
+
+SystemError lastSystemError() {
+  const int number = errno;
+  return {number, fromUtf8(std::generic_category().message(number))};
+}
+
+Process hostProcess() {
+  std::error_code error;
+  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+  return {getpid(), fromUtf8(program.filename().string())};
 }
 
 }  // namespace mirvane::platform

@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "platform/windows/datagram_sockets.h"
 #include "platform/windows/floating_point.h"
 #include "platform/windows/journal_window.h"
@@ -29,9 +31,37 @@ class WindowsClock : public Clock {
     return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
   }
 
+  // The system counts tenths of microseconds from 1601 on.
+  std::int64_t sinceEpoch() override {
+    FILETIME now{};
+    GetSystemTimeAsFileTime(&now);
+    return (static_cast<std::int64_t>(now.dwHighDateTime) << 32 | now.dwLowDateTime) / kPerMillisecond - kUntil1970;
+  }
+
+  int zoneAt(std::int64_t sinceEpoch) override {
+    SYSTEMTIME moment{};
+    SYSTEMTIME there{};
+    FILETIME time = fileTime(sinceEpoch);
+    FileTimeToSystemTime(&time, &moment);
+    if (SystemTimeToTzSpecificLocalTime(nullptr, &moment, &there) == FALSE) return 0;
+    SystemTimeToFileTime(&there, &time);
+    const std::int64_t local = static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+    constexpr double kMinute = 60000;
+    return static_cast<int>(
+        std::lround(static_cast<double>(local / kPerMillisecond - kUntil1970 - sinceEpoch) / kMinute));
+  }
+
   void sleep(std::uint32_t milliseconds) override { Sleep(milliseconds); }
 
  private:
+  static constexpr std::int64_t kPerMillisecond = 10000;
+  static constexpr std::int64_t kUntil1970 = 11644473600000;
+
+  static FILETIME fileTime(std::int64_t sinceEpoch) {
+    const auto count = static_cast<std::uint64_t>((sinceEpoch + kUntil1970) * kPerMillisecond);
+    return {static_cast<DWORD>(count), static_cast<DWORD>(count >> 32)};
+  }
+
   static SYSTEMTIME local() {
     SYSTEMTIME now{};
     GetLocalTime(&now);
@@ -84,6 +114,11 @@ class WindowsScreen : public Screen {
     });
   }
 
+  std::unique_ptr<WaitView> showWait(WaitText text) override {
+    const HostFloatingPoint host;
+    return showWaitWindow(std::move(text));
+  }
+
   std::unique_ptr<JournalView> showJournal() override {
     const HostFloatingPoint host;
     return showJournalWindow();
@@ -95,6 +130,29 @@ class WindowsScreen : public Screen {
     if (debuggerListens()) OutputDebugStringW((toWide(line) + L"\n").c_str());
     addToTraceWindow(line);
   }
+};
+
+class WindowsGrowingFile : public GrowingFile {
+ public:
+  explicit WindowsGrowingFile(HANDLE file) : file_(file) {}
+  WindowsGrowingFile(const WindowsGrowingFile&) = delete;
+  WindowsGrowingFile& operator=(const WindowsGrowingFile&) = delete;
+  ~WindowsGrowingFile() override { CloseHandle(file_); }
+
+  std::uint64_t size() override {
+    LARGE_INTEGER size{};
+    GetFileSizeEx(file_, &size);
+    return static_cast<std::uint64_t>(size.QuadPart);
+  }
+
+  bool append(std::string_view bytes) override {
+    DWORD count = 0;
+    return WriteFile(file_, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) != FALSE &&
+           count == bytes.size();
+  }
+
+ private:
+  HANDLE file_;
 };
 
 class WindowsFiles : public Files {
@@ -142,6 +200,30 @@ class WindowsFiles : public Files {
     return false;
   }
 
+  bool isFolder(TextView folder) override { return isFolder(toWide(folder)); }
+
+  std::vector<Text> fileNames(TextView folder) override {
+    std::vector<Text> names;
+    WIN32_FIND_DATAW found{};
+    const HANDLE search = FindFirstFileW((toWide(folder) + L"\\*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return names;
+    do {
+      if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.push_back(fromWide(found.cFileName));
+    } while (FindNextFileW(search, &found) != FALSE);
+    FindClose(search);
+    return names;
+  }
+
+  std::unique_ptr<GrowingFile> grow(TextView path) override {
+    const HANDLE file =
+        CreateFileW(toWide(path).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return nullptr;
+    return std::make_unique<WindowsGrowingFile>(file);
+  }
+
+  void remove(TextView path) override { DeleteFileW(toWide(path).c_str()); }
+
  private:
   static bool isFolder(const std::wstring& path) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
@@ -184,6 +266,22 @@ Platform& hostPlatform() {
   static WindowsFiles files;
   static Platform platform{serial, sockets, clock, screen, files};
   return platform;
+}
+
+SystemError lastSystemError() {
+  const DWORD number = GetLastError();
+  constexpr DWORD kLongest = 512;
+  std::wstring text(kLongest, L'\0');
+  text.resize(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, number, 0,
+                             text.data(), kLongest, nullptr));
+  text.resize(text.find_last_not_of(L"\r\n ") + 1);
+  return {static_cast<std::int32_t>(number), fromWide(text)};
+}
+
+Process hostProcess() {
+  std::wstring path(MAX_PATH, L'\0');
+  path.resize(GetModuleFileNameW(nullptr, path.data(), MAX_PATH));
+  return {static_cast<std::int32_t>(GetCurrentProcessId()), fromWide(path.substr(path.find_last_of(L'\\') + 1))};
 }
 
 }  // namespace mirvane::platform

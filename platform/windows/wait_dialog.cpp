@@ -17,10 +17,9 @@ constexpr int kMargin = 16;
 constexpr DWORD kSecond = 1000;
 constexpr UINT_PTR kTimer = 1;
 
-class WaitDialog final : public Window {
+class WaitDialog final : public WaitView, private Window {
  public:
-  WaitDialog(WaitText text, const std::function<bool(WaitText&)>& tick)
-      : text_(std::move(text)), tick_(tick), owner_(GetActiveWindow()) {
+  explicit WaitDialog(WaitText text) : text_(std::move(text)), owner_(GetActiveWindow()) {
     const std::wstring caption = toWide(text_.caption);
     const RECT area = make({L"MirvaneWait", caption.c_str(), CS_HREDRAW | CS_VREDRAW | CS_NOCLOSE,
                             WS_POPUP | WS_CAPTION | WS_CLIPCHILDREN, WS_EX_DLGMODALFRAME},
@@ -34,7 +33,6 @@ class WaitDialog final : public Window {
     addLabel(kWaitMessageId);
     setFonts();
     arrange();
-    SetTimer(window(), kTimer, kSecond, nullptr);
     ShowWindow(window(), SW_SHOW);
     paintNow();
   }
@@ -43,7 +41,10 @@ class WaitDialog final : public Window {
   ~WaitDialog() override { lock_.release(window() != nullptr && GetActiveWindow() == window()); }
 
   // Returns when the wait is over, and what `tick` threw.
-  std::exception_ptr run() {
+  std::exception_ptr run(const std::function<bool(WaitText&)>& tick) {
+    tick_ = tick;
+    due_ = GetTickCount64() + kSecond;
+    SetTimer(window(), kTimer, kSecond, nullptr);
     while (!over_) {
       // Not the window's timer alone: there may be no window.
       const ULONGLONG now = GetTickCount64();
@@ -54,6 +55,8 @@ class WaitDialog final : public Window {
     }
     return failure_;
   }
+
+  void repaint() override { PendingMessages::repaint(); }
 
  private:
   LRESULT handle(UINT message, WPARAM first, LPARAM second) override {
@@ -162,7 +165,7 @@ class WaitDialog final : public Window {
   void draw(HDC dc, RECT client) const override { FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE)); }
 
   WaitText text_;
-  const std::function<bool(WaitText&)>& tick_;
+  std::function<bool(WaitText&)> tick_;
   HWND owner_;
   InputLock lock_;
   PendingMessages messages_;
@@ -177,8 +180,10 @@ class WaitDialog final : public Window {
 }  // namespace
 
 void runWaitDialog(WaitText text, const std::function<bool(WaitText&)>& tick) {
-  const std::exception_ptr failure = WaitDialog(std::move(text), tick).run();
+  const std::exception_ptr failure = WaitDialog(std::move(text)).run(tick);
   if (failure != nullptr) std::rethrow_exception(failure);
 }
+
+std::unique_ptr<WaitView> showWaitWindow(WaitText text) { return std::make_unique<WaitDialog>(std::move(text)); }
 
 }  // namespace mirvane::platform

@@ -11,4 +11,7 @@ constexpr int kWaitMessageId = 102;
 /// The window of Screen::waitWhile.
 void runWaitDialog(WaitText text, const std::function<bool(WaitText&)>& tick);
 
+/// The window of Screen::showWait.
+std::unique_ptr<WaitView> showWaitWindow(WaitText text);
+
 }  // namespace mirvane::platform

@@ -154,4 +154,14 @@ void PendingMessages::dispatch() {
   }
 }
 
+void PendingMessages::repaint() {
+  const HostFloatingPoint host;
+  MSG message;
+  for (int i = 0; i < kMostMessages && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_INPUT) != FALSE; ++i) {
+  }
+  for (int i = 0; i < kMostMessages && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT) != FALSE; ++i) {
+    DispatchMessageW(&message);
+  }
+}
+
 }  // namespace mirvane::platform

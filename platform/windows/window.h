@@ -88,6 +88,8 @@ class PendingMessages {
   ~PendingMessages();
 
   void dispatch();
+  /// Paints what needs it, and drops input; everything else waits.
+  static void repaint();
 
  private:
   std::optional<int> quit_;

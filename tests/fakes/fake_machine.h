@@ -22,6 +22,9 @@ class FakeClock : public platform::Clock {
     const int seconds = static_cast<int>(secondsSinceMidnight());
     return {2024, 3, 25, seconds / 3600, seconds / 60 % 60, seconds % 60};
   }
+  // From the day that localTime tells, at the same hour.
+  std::int64_t sinceEpoch() override { return 1711324800000 + static_cast<std::int64_t>((startOfDay + now) * 1000); }
+  int zoneAt(std::int64_t /*sinceEpoch*/) override { return 0; }
   void sleep(std::uint32_t milliseconds) override {
     ++sleeps[milliseconds];
     advance(milliseconds / 1000.0);
@@ -72,6 +75,16 @@ class FakeScreen : public platform::Screen {
     do waits.push_back(toUtf8(text.caption + u"|" + text.state + u"|" + text.message));
     while (tick(text));
   }
+  std::unique_ptr<platform::WaitView> showWait(platform::WaitText text) override {
+    struct View : platform::WaitView {
+      explicit View(FakeScreen& itsScreen) : screen(itsScreen) {}
+      ~View() override { screen.waits.emplace_back("close"); }
+      void repaint() override { ++screen.eventRounds; }
+      FakeScreen& screen;
+    };
+    waits.push_back(toUtf8(text.caption + u"|" + text.state + u"|" + text.message));
+    return std::make_unique<View>(*this);
+  }
   std::unique_ptr<platform::JournalView> showJournal() override {
     return std::make_unique<FakeJournalView>(journal, eventRounds);
   }
@@ -104,6 +117,10 @@ class FakeFiles : public platform::Files {
     contents[Text(path)] = bytes;
     return true;
   }
+  bool isFolder(TextView /*folder*/) override { return false; }
+  std::vector<Text> fileNames(TextView /*folder*/) override { return {}; }
+  std::unique_ptr<platform::GrowingFile> grow(TextView /*path*/) override { return nullptr; }
+  void remove(TextView path) override { contents.erase(Text(path)); }
   /// A catalogue of so many languages; `fields` (UTF-8) stand one after the other, message by message.
   void setCatalogue(std::uint8_t languages, const std::map<std::size_t, std::string>& fields, std::size_t messages) {
     std::string file(1, static_cast<char>(languages));

@@ -22,7 +22,7 @@ struct FiscalVarlenModule : ObjectOf<FiscalVarlenModule> {
 Reply FiscalVarlenModule::connect(const Text& port) {
   Reply opened = openPort(port);
   if (!opened.succeeded()) return opened;
-  const Reply model = session.exchange(u"M/", {});
+  const Reply model = session.exchange(u"M/", {}, OwnOutcome());
   if (model.succeeded() && model.count() > 0 && model.text(0) == u"VARLEN 1") return {};
   closePort();
   return {link_result::kNoAnswer, link_result::kNoAnswerText};
@@ -53,7 +53,7 @@ const ClassInfo& FiscalVarlenModule::describe() {
         .implement(lastReply, [](Self& self) { return self.session.lastReply(); })
         .implement(isErrorFixable, [](Self&, Integer& iErr) { return Reply(iErr, {}).is(DeviceCode::kBusy); })
         .implement(kSend, [](Self& self, Text& command, Outcome outcome, Text&) {
-          outcome.take(self.session.exchange(command == u"?/" ? u"B/" : command, {0, outcome.SupressError_}));
+          outcome.take(self.session.exchange(command == u"?/" ? u"B/" : command, {0, outcome.SupressError_}, outcome));
           return self.session.lastReply();
         });
     return rows.build();
