@@ -43,12 +43,14 @@ class Arrivals {
   Arrivals() = default;
   Arrivals(const Arrivals&) = delete;
   Arrivals& operator=(const Arrivals&) = delete;
-  ~Arrivals() { recordBytes(EventKind::kReceived, bytes_); }
+  ~Arrivals() { tell(); }
 
   void add(std::string_view bytes) {
     constexpr std::size_t kMost = 4096;
     bytes_ += bytes;
-    if (bytes_.size() < kMost) return;
+    if (bytes_.size() >= kMost) tell();
+  }
+  void tell() {
     recordBytes(EventKind::kReceived, bytes_);
     bytes_.clear();
   }
@@ -111,6 +113,7 @@ Exchange SerialTransport::exchange(const std::string& frame, std::int16_t timeOu
       arrivals.add(piece);
       append(exchange.received, piece);
       if (exchange.received.ends_with(wire::kEtx)) {
+        arrivals.tell();
         write({&wire::kAck, 1});
         return exchange;
       }

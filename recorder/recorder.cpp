@@ -13,7 +13,6 @@
 namespace mirvane::recorder {
 namespace {
 
-constexpr std::uint64_t kLargestFile = 8 * 1024 * 1024;
 constexpr std::size_t kMostFiles = 4;
 constexpr std::chrono::days kKeptFor{31};
 // What may wait for the disk, in bytes.
@@ -46,8 +45,8 @@ Text fileSafe(TextView name) {
 }  // namespace
 
 struct Recorder::Writer {
-  Writer(platform::Files& itsFiles, platform::Clock& itsClock, Text itsFolder)
-      : files(itsFiles), clock(itsClock), folder(std::move(itsFolder)) {}
+  Writer(platform::Files& itsFiles, platform::Clock& itsClock, Text itsFolder, std::uint64_t itsLargestFile)
+      : files(itsFiles), clock(itsClock), folder(std::move(itsFolder)), largestFile(itsLargestFile) {}
 
   void run() {
     try {
@@ -101,7 +100,7 @@ struct Recorder::Writer {
       zone = clock.zoneAt(event.time);
     }
     const std::string line = formatted(event, zone);
-    if (file == nullptr || size + line.size() > kLargestFile || dayOf(line) != day) {
+    if (file == nullptr || size + line.size() > largestFile || dayOf(line) != day) {
       if (!flush() || !openFile(dayOf(line), event.time)) return false;
     }
     size += line.size();
@@ -155,6 +154,7 @@ struct Recorder::Writer {
   platform::Files& files;
   platform::Clock& clock;
   const Text folder;
+  const std::uint64_t largestFile;
 
   std::mutex mutex;  // of what follows
   std::condition_variable changed;
@@ -178,8 +178,8 @@ struct Recorder::Writer {
   std::int64_t zoneOf = -1;
 };
 
-Recorder::Recorder(platform::Files& files, platform::Clock& clock, Text folder)
-    : writer_(std::make_shared<Writer>(files, clock, std::move(folder))) {
+Recorder::Recorder(platform::Files& files, platform::Clock& clock, Text folder, std::uint64_t largestFile)
+    : writer_(std::make_shared<Writer>(files, clock, std::move(folder), largestFile)) {
   std::thread([writer = writer_] { writer->run(); }).detach();
 }
 

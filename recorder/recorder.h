@@ -14,9 +14,11 @@ namespace mirvane::recorder {
 /// goes on. A process keeps its 4 newest files. Files of the record that are older than 31 days are removed.
 class Recorder {
  public:
+  static constexpr std::uint64_t kLargestFile = 8 * 1024 * 1024;
+
   /// `folder` has no separator at its end. `files` and `clock` have to outlast the recorder, and its thread where that
   /// hangs in one of their calls.
-  Recorder(platform::Files& files, platform::Clock& clock, Text folder);
+  Recorder(platform::Files& files, platform::Clock& clock, Text folder, std::uint64_t largestFile = kLargestFile);
   Recorder(const Recorder&) = delete;
   Recorder& operator=(const Recorder&) = delete;
   /// Waits until all is written, for two seconds at most.

@@ -86,7 +86,10 @@ class FakeSerial : public platform::SerialPort {
 
   std::int32_t open(TextView name) override {
     opened.push_back(toUtf8(name));
-    return ports.contains(toUtf8(name)) ? 40 : -1;
+    if (!ports.contains(toUtf8(name)) || isUnplugged()) return -1;
+    inbox.arriving.clear();
+    openedAt_ = clock_.now;
+    return ++handle_;
   }
   bool setTimeouts(std::int32_t handle, const platform::LineTimeouts& value) override {
     return timeouts = value, takesTimeouts && handle > 0;
@@ -94,7 +97,8 @@ class FakeSerial : public platform::SerialPort {
   bool configure(std::int32_t handle, std::string_view value) override {
     return settings = value, takesSettings && handle > 0;
   }
-  std::size_t write(std::int32_t /*handle*/, std::string_view bytes) override {
+  std::size_t write(std::int32_t handle, std::string_view bytes) override {
+    if (!isUp(handle)) return 0;
     sent.push_back({std::string(bytes), clock_.now});
     for (const char byte : bytes) {
       if (byte == wire::kStx) frame_.clear();
@@ -107,12 +111,14 @@ class FakeSerial : public platform::SerialPort {
   std::string read(std::int32_t handle, std::size_t most) override {
     EXPECT_LE(most, std::clamp<std::size_t>(waiting(handle), 1, 64)) << "a read of more than is there blocks";
     const double longest = 0.001 * (timeouts.readConstant + timeouts.readMultiplier * static_cast<double>(most));
+    if (!isUp(handle)) return clock_.advance(longest), "";
     if (waiting(handle) == 0) inbox.wait(longest);
     most = std::min(most, waiting(handle));
     position_ += most;
     return buffer_.substr(position_ - most, most);
   }
-  std::size_t waiting(std::int32_t /*handle*/) override {
+  std::size_t waiting(std::int32_t handle) override {
+    if (!isUp(handle)) return 0;
     while (inbox.isDue()) buffer_ += inbox.take();
     return buffer_.size() - position_;
   }
@@ -135,8 +141,17 @@ class FakeSerial : public platform::SerialPort {
   std::vector<std::int32_t> closed;
   std::string afterAck;
   Inbox inbox;
+  /// From the first moment to the second there is no line; what was open by then stays dead.
+  double unpluggedFrom = 1e9, unpluggedUntil = 1e9;
 
  private:
+  bool isUnplugged() const { return clock_.now >= unpluggedFrom && clock_.now < unpluggedUntil; }
+  bool isUp(std::int32_t handle) const {
+    return handle == handle_ && !isUnplugged() && (openedAt_ >= unpluggedUntil || clock_.now < unpluggedFrom);
+  }
+
+  std::int32_t handle_ = 39;
+  double openedAt_ = 0;
   FakeDevice& device_;
   FakeClock& clock_;
   std::string frame_, buffer_;

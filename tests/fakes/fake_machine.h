@@ -117,9 +117,23 @@ class FakeFiles : public platform::Files {
     contents[Text(path)] = bytes;
     return true;
   }
-  bool isFolder(TextView /*folder*/) override { return false; }
-  std::vector<Text> fileNames(TextView /*folder*/) override { return {}; }
-  std::unique_ptr<platform::GrowingFile> grow(TextView /*path*/) override { return nullptr; }
+  bool isFolder(TextView folder) override { return folder == recordFolder; }
+  std::vector<Text> fileNames(TextView folder) override {
+    std::vector<Text> names;
+    for (const auto& file : below(toUtf8(folder) + "\\")) names.push_back(fromUtf8(file.first));
+    return names;
+  }
+  std::unique_ptr<platform::GrowingFile> grow(TextView path) override {
+    struct File : platform::GrowingFile {
+      File(FakeFiles& itsFiles, std::string& itsBytes) : files(itsFiles), content(itsBytes) {}
+      std::uint64_t size() override { return content.size(); }
+      bool append(std::string_view bytes) override { return content += bytes, files.onAppend(); }
+      FakeFiles& files;
+      std::string& content;
+    };
+    if (path.starts_with(unwritable)) return nullptr;
+    return std::make_unique<File>(*this, contents[Text(path)]);
+  }
   void remove(TextView path) override { contents.erase(Text(path)); }
   /// A catalogue of so many languages; `fields` (UTF-8) stand one after the other, message by message.
   void setCatalogue(std::uint8_t languages, const std::map<std::size_t, std::string>& fields, std::size_t messages) {
@@ -148,6 +162,10 @@ class FakeFiles : public platform::Files {
   std::vector<std::string> folders;
   /// Below this folder nothing can be written.
   Text unwritable = u"?";
+  /// The one folder that is there.
+  Text recordFolder;
+  /// What comes of more at a file's end.
+  std::function<bool()> onAppend = [] { return true; };
 };
 
 }  // namespace mirvane::test

@@ -131,6 +131,62 @@ TEST_F(Link, ASilentDeviceIsAskedAgainEveryTenSecondsWithoutEnd) {
   EXPECT_THAT(screen.boxes, IsEmpty());
 }
 
+TEST_F(Link, ALineThatDiedIsOpenedAnew) {
+  const struct {
+    double gone, back;  // seconds after the command
+    std::vector<std::string> commands;
+    std::vector<std::string> opened;
+    double until;
+  } cases[] = {
+      {-1, 0, {"F/3/"}, {"COM1"}, 0},
+      {0.5, 3, {"F/3/", "F/3/"}, {"COM1"}, 10},
+      {0.5, 25, {"F/3/", "F/3/"}, {"COM1", "\\\\.\\COM1", "COM1", "\\\\.\\COM1", "COM1"}, 30},
+  };
+  for (const auto& [gone, back, commands, opened, until] : cases) {
+    run(*driver, "DisConnect_", u"");
+    clock.now += 1;
+    connect(u"COM1");
+    const double begin = clock.now + (gone < 0 ? 2 : 0);
+    serial.unpluggedFrom = begin + gone;
+    serial.unpluggedUntil = begin + back;
+    clock.now = begin;
+    device.commands.clear();
+    serial.opened.clear();
+    serial.closed.clear();
+    serial.settings.clear();
+    if (gone > 0) device.answer("00/00/00/", 1);  // never arrives
+    EXPECT_EQ(transfer(u"F/3/"), "00/00/00/");
+    EXPECT_EQ(device.commands, commands);
+    EXPECT_EQ(serial.opened, opened);
+    EXPECT_EQ(serial.settings, "115200,n,8,1");
+    EXPECT_EQ(serial.closed.size(), 1U) << "a handle is closed once, and nothing that is none";
+    EXPECT_NEAR(clock.now - begin, until, 0.5);
+  }
+  // Lost for good, the port is still the program's to close.
+  serial.unpluggedFrom = clock.now + 0.5;
+  serial.unpluggedUntil = 1e9;
+  device.silence();
+  EXPECT_THROW(transfer(u"F/3/"), std::logic_error) << "it is tried without end";
+  clock.now = 0;
+  run(*driver, "DisConnect_", u"");
+  EXPECT_EQ(Result, 1);
+}
+
+TEST_F(Link, ASilentDeviceShowsTheWaitWindow) {
+  for (const bool suppressed : {true, false}) {
+    SupressError_ = suppressed;
+    device.silence(3).answer("00/00/00/");
+    screen.waits.clear();
+    run(*driver, "FeedPaper", Short{3});
+    EXPECT_EQ(outcome(), "0 00/00/00/");
+    const std::vector<std::string> window = {
+        "Μήνυμα Ταμειακής (Varlen Fiscal)|Κατάσταση [-4]|Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !", "close"};
+    EXPECT_EQ(screen.waits, suppressed ? std::vector<std::string>{} : window);
+    EXPECT_EQ(screen.eventRounds > 1000, !suppressed) << screen.eventRounds;
+    EXPECT_FALSE(moduleState().waitDialogOpen);
+  }
+}
+
 TEST_F(Link, StaleInputIsNotTakenForTheReply) {
   serial.inbox.add({{framed("19/00/00/old/") + std::string(200, 'o')}, {framed("19/00/00/")}});
   serial.afterAck = framed("19/00/00/echo/");

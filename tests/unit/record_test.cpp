@@ -1,6 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "recorder/record_line.h"
+#include <atomic>
+#include <future>
+
+#include "facade/fiscal_trevik_module.h"
+#include "recorder/recorder.h"
+#include "tests/fakes/component_test.h"
 
 namespace mirvane::test {
 namespace {
@@ -87,6 +92,129 @@ TEST(RecordLine, TheServersKeyIsNotTold) {
                                 "00/00/00/1/u/80/KEY\x03"),
             "\x02"
             "00/00/00/1/u/80/***\x03");
+}
+
+class Record : public DriverTest {
+ protected:
+  Record() {
+    files.recordFolder = moduleState().recordFolder = u"C:\\till\\records";
+    run(*driver, "DisConnect_", u"");
+    facade = std::make_shared<fiscalTrevikModule>();
+  }
+  /// What was written, without the time; the record ends with it.
+  std::vector<std::string> lines() {
+    moduleState().recorder = nullptr;
+    std::vector<std::string> all;
+    for (const auto& [name, content] : files.below("C:\\till\\records\\")) {
+      for (const Text& line : split(fromUtf8(content), u'\n')) {
+        if (!line.empty() && line.find(u"started") != 31) all.push_back(toUtf8(line.substr(31, line.size() - 32)));
+      }
+    }
+    return all;
+  }
+  std::shared_ptr<fiscalTrevikModule> facade;
+};
+
+TEST_F(Record, TellsWhatHappensOnTheSerialLine) {
+  SupressError_ = false;
+  device.silence().answer("0E/00/00/").answer("00/00/00/").answer("00/00/00/").answer("25/00/00/");
+  screen.expectsWaits = true;
+  run(*facade, "Connect_", u"COM1");
+  run(*facade, "FeedPaper", Short{3});
+  run(*facade, "FeedPaper", Short{0});
+  const std::vector<std::string> expected = {
+      "call          0 Connect_",
+      "open          0 COM1",
+      "ended         0 Connect_, 0 ms",
+      "call          0 FeedPaper",
+      "sent          3 <CAN><CAN><ENQ>",
+      "sent          8 <STX>F/3/15<ETX>",
+      "repeat        2",
+      "wait         -4 Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !",
+      "sent          3 <CAN><CAN><ENQ>",
+      "sent          8 <STX>F/3/15<ETX>",
+      "received     11 <STX>0E/00/00/<ETX>",
+      "sent          1 <ACK>",
+      "waited        0",
+      "wait         14 Απασχολημένο σε άλλη λειτουργία",
+      "sent          3 <CAN><CAN><ENQ>",
+      "sent          6 <STX>?/10<ETX>",
+      "received     11 <STX>00/00/00/<ETX>",
+      "sent          1 <ACK>",
+      "waited        0 00/00/00/",
+      "sent          3 <CAN><CAN><ENQ>",
+      "sent          8 <STX>F/3/15<ETX>",
+      "received     11 <STX>00/00/00/<ETX>",
+      "sent          1 <ACK>",
+      "ended         0 FeedPaper, 10004 ms",
+      "call          0 FeedPaper",
+      "sent          3 <CAN><CAN><ENQ>",
+      "sent          8 <STX>F/0/12<ETX>",
+      "received     11 <STX>25/00/00/<ETX>",
+      "sent          1 <ACK>",
+      "box          48 Varlen Fiscal: Λάθος Φορολ. εκτυπωτή (37)<CR><LF>INVSALEOP",
+      "ended        37 FeedPaper, 0 ms: INVSALEOP",
+  };
+  EXPECT_EQ(lines(), expected);
+}
+
+TEST_F(Record, OnANetworkEachDatagramHasALine) {
+  connectNetwork();
+  device.answer("00/00/00/1/http:~~a/80/KEY/");
+  run(*driver, "SendCommand_", u",/0/");
+  EXPECT_EQ(lines(), (std::vector<std::string>{"open          0 10.0.0.5:9100", "sent          1 <ENQ>",
+                                               "sent          8 <STX>,/0/86<ETX>", "received      1 <ACK>",
+                                               "received     29 <STX>00/00/00/1/http:~~a/80/***/<ETX>",
+                                               "sent          1 <ACK>"}));
+}
+
+// What the disk does not take is dropped and counted; a disk that is full ends the record, and the next connection
+// begins a new one. The till does not notice.
+TEST_F(Record, NoDiskHoldsTheTillUp) {
+  std::promise<void> plugged;
+  files.onAppend = [held = plugged.get_future().share()] { return held.wait(), true; };
+  connectNetwork();
+  for (int i = 0; i < 3000; ++i) recordBytes(recorder::EventKind::kSent, std::string(4000, 'x'));
+  plugged.set_value();
+  const auto told = lines();
+  const auto lost = std::find_if(told.begin(), told.end(), [](const auto& line) { return line.starts_with("lost"); });
+  ASSERT_NE(lost, told.end());
+  EXPECT_GT(std::stoi(lost->substr(5)), 1000);
+
+  std::atomic<int> failures = 0;
+  files.onAppend = [&failures] { return ++failures > 1; };
+  connectNetwork();
+  while (moduleState().recorder->isAlive()) std::this_thread::yield();
+  run(*driver, "FeedPaper", Short{3});
+  EXPECT_EQ(Result, 0);
+  connectNetwork();
+  EXPECT_TRUE(moduleState().recorder->isAlive());
+}
+
+TEST_F(Record, KeepsFourFilesOfAProcessAndAMonthOfDays) {
+  for (const char16_t* name : {u"line-20240222-a.txt", u"line-20240223-a.txt", u"notes-20200101.txt", u"line-x.txt"}) {
+    files.contents[files.recordFolder + u"\\" + name] = "before";
+  }
+  constexpr std::size_t kLargest = 2000;
+  for (const double day : {0, 86400}) {
+    clock.startOfDay += day;
+    recorder::Recorder recorder(files, clock, files.recordFolder, kLargest);
+    for (int i = 0; i < 60; ++i) recorder.add(recorder::EventKind::kSent, 0, std::string(100, 'x'));
+  }
+  std::vector<std::string> names;
+  for (const auto& [name, content] : files.below("C:\\till\\records\\")) {
+    names.push_back(name);
+    EXPECT_LE(content.size(), kLargest) << name;
+  }
+  std::vector<std::string> expected;
+  const std::string process = std::to_string(platform::hostProcess().id);
+  for (const char* day : {"25", "26"}) {
+    for (const char* part : {"-2", "-3", "-4", "-5"}) {
+      expected.push_back(std::string("line-202403") + day + "-unit_tests-" + process + part + ".txt");
+    }
+  }
+  expected.insert(expected.end(), {"line-x.txt", "notes-20200101.txt"});
+  EXPECT_EQ(names, expected);
 }
 
 }  // namespace
