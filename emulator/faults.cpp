@@ -16,6 +16,7 @@ using Kind = Fault::Kind;
 
 constexpr std::uint32_t kAlways = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint32_t kGreatest = 100'000'000;
+constexpr std::uint32_t kLongestUnplugging = 86'400;
 
 enum class Argument { kNone, kNumber, kNumberOrDefault, kHexByte, kHexBytesOrDefault, kBusyCode, kText };
 
@@ -42,6 +43,8 @@ constexpr Row kRows[] = {
     {"noise", Kind::kNoise, Argument::kHexBytesOrDefault, 0},
     {"noise-within", Kind::kNoiseWithin, Argument::kHexBytesOrDefault, 0},
     {"status", Kind::kStatus, Argument::kHexByte, 0},
+    {"unplug", Kind::kUnplug, Argument::kNumber, 0},
+    {"unplug-after", Kind::kUnplugAfter, Argument::kNumber, 0},
     {"busy", Kind::kCode, Argument::kBusyCode, static_cast<std::uint32_t>(Code::kBusy)},
     {"code", Kind::kCode, Argument::kNumber, 0},
     {"reply", Kind::kReply, Argument::kText, 0},
@@ -121,6 +124,7 @@ Fault takeFault(Words& words) {
     case Argument::kNumber:
       fault.number = takeNumber(words, name);
       if (fault.kind == Kind::kCode && fault.number > 255) fail("a code is at most 255", "");
+      if (fault.isUnplugging() && fault.number > kLongestUnplugging) fail("a line stays away for 86400 s at most", "");
       break;
     case Argument::kHexByte:
       fault.bytes = words.take();

@@ -27,6 +27,8 @@ struct Fault {
     kNoise,        // `bytes` before the reply
     kNoiseWithin,  // `bytes` in the middle of the reply
     kStatus,       // printer status byte `bytes` (two digits) in the reply, nothing refused
+    kUnplug,       // not executed, no answer: the line vanishes, and comes back after `number` seconds
+    kUnplugAfter,  // executed, no answer: the line vanishes likewise
     // In the device. A repeated command is answered as it was before.
     kCode,     // not executed, answered with code `number`
     kReply,    // not executed, answered with `bytes`
@@ -39,7 +41,8 @@ struct Fault {
   /// The rule that it comes from.
   std::string rule;
 
-  bool isOnWire() const { return kind >= Kind::kSilence && kind <= Kind::kStatus; }
+  bool isUnplugging() const { return kind == Kind::kUnplug || kind == Kind::kUnplugAfter; }
+  bool isOnWire() const { return kind >= Kind::kSilence && kind <= Kind::kUnplugAfter; }
 };
 
 /// What is wrong with a rule, for whoever wrote it.

@@ -30,7 +30,10 @@ void Line::feed(std::string_view bytes) {
     outlet_.drop();
     return;
   }
-  for (const char byte : bytes) take(byte);
+  isUnplugged_ = false;
+  for (const char byte : bytes) {
+    if (!isUnplugged_) take(byte);
+  }
 }
 
 void Line::take(char byte) {
@@ -75,9 +78,15 @@ void Line::takeFrame() {
 void Line::answer(const std::string& command) {
   const bool isRepeat = memory_.awaitsAck && command == memory_.command;
   const Fault fault = faults_.take(command, isRepeat, elapsed_());
-  const bool isExecuted = fault.kind != Kind::kSilence && fault.kind != Kind::kNak;
+  const bool isExecuted = fault.kind != Kind::kSilence && fault.kind != Kind::kNak && fault.kind != Kind::kUnplug;
   if (isExecuted && !isRepeat) memory_ = {command, execute(command, fault), true};
   if (witness_) witness_->answered({command, isExecuted ? memory_.reply : "", fault, isRepeat});
+  if (fault.isUnplugging()) {
+    isUnplugged_ = true;
+    outlet_.drop();
+    outlet_.unplug(0, fault.number * 1000);
+    return;
+  }
   if (fault.kind == Kind::kNak) outlet_.send({&wire::kNak, 1}, 0);
   if (isExecuted && fault.kind != Kind::kLost) sendReply(wire::kStx + memory_.reply + wire::kEtx, fault);
 }

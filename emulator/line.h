@@ -21,6 +21,20 @@ class Outlet {
   virtual void sendCopy(std::string_view bytes, std::uint32_t delay) = 0;
   /// The till begins anew: what has not been sent yet is not sent any more.
   virtual void drop() = 0;
+  /// What has not been sent yet is sent now. True when the line vanishes behind it.
+  virtual bool hurry() = 0;
+  /// The line vanishes `delay` milliseconds from now, in its turn behind what is sent, with whatever comes in or waits
+  /// to go out then. It comes back under the same name when `length` further milliseconds have passed.
+  virtual void unplug(std::uint32_t delay, std::uint32_t length) = 0;
+};
+
+/// What stands at the register's end of a link.
+class Receiver {
+ public:
+  virtual ~Receiver() = default;
+
+  /// Takes bytes as they arrive; on a network, one datagram.
+  virtual void feed(std::string_view bytes) = 0;
 };
 
 /// A frame of the till, and what came of it.
@@ -49,7 +63,7 @@ class Witness {
 ///
 /// A till that has missed a reply sends the same frame again. So a frame identical to the one executed last is
 /// answered with that one's reply, and not executed again, until an ACK has told that the reply arrived.
-class Line {
+class Line : public Receiver {
  public:
   /// What an ACK is sent for, before the reply: nothing on a serial line; on a network there are registers that
   /// acknowledge each frame, and others that acknowledge the ENQ ahead of it.
@@ -71,8 +85,7 @@ class Line {
   /// As if `memory` had been the latest.
   void setMemory(Memory memory) { memory_ = std::move(memory); }
 
-  /// Takes bytes as they arrive; on a network, one datagram.
-  void feed(std::string_view bytes);
+  void feed(std::string_view bytes) override;
 
  private:
   void take(char byte);
@@ -88,6 +101,7 @@ class Line {
   const ElapsedClock elapsed_;
 
   bool isInFrame_ = false;
+  bool isUnplugged_ = false;
   std::string frame_;
   Memory memory_;
   Witness* witness_ = nullptr;

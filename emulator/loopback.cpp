@@ -19,6 +19,40 @@ void Mailbox::drop() {
   latest_ = 0;
 }
 
+bool Mailbox::hurry() {
+  for (Letter& letter : letters_) letter.due = std::min(letter.due, clock_.elapsed());
+  return std::any_of(letters_.begin(), letters_.end(), [](const Letter& letter) { return letter.away.has_value(); });
+}
+
+void Mailbox::unplug(std::uint32_t delay, std::uint32_t length) {
+  latest_ = std::max(latest_, clock_.elapsed() + delay / 1000.0);
+  add({latest_, {}, false, length / 1000.0});
+}
+
+bool Mailbox::hasDue() {
+  settle();
+  return !letters_.empty() && letters_.front().due <= clock_.elapsed();
+}
+
+bool Mailbox::isPlugged() {
+  settle();
+  return clock_.elapsed() >= back_;
+}
+
+int Mailbox::unpluggings() {
+  settle();
+  return unpluggings_;
+}
+
+void Mailbox::settle() {
+  const auto found =
+      std::find_if(letters_.begin(), letters_.end(), [](const Letter& letter) { return letter.away.has_value(); });
+  if (found == letters_.end() || found->due > clock_.elapsed()) return;
+  back_ = found->due + *found->away;
+  ++unpluggings_;
+  letters_.clear();
+}
+
 void Mailbox::add(Letter letter) {
   const auto isEarlier = [](const Letter& a, const Letter& b) { return a.due < b.due; };
   letters_.insert(std::upper_bound(letters_.begin(), letters_.end(), letter, isEarlier), std::move(letter));
@@ -29,11 +63,16 @@ LoopbackPort::LoopbackPort(Device& device, Faults& faults, platform::Clock& cloc
       mailbox_(clock),
       line_(device, faults, mailbox_, Line::Acknowledges::kNothing, [&clock] { return clock.elapsed(); }) {}
 
+bool LoopbackPort::isUsable(std::int32_t handle) {
+  return isConfigured_ && handle == handle_ && handle > 0 && unpluggings_ == mailbox_.unpluggings();
+}
+
 std::int32_t LoopbackPort::open(TextView) {
-  if (handle_ > 0) return -1;
+  if (handle_ > 0 || !mailbox_.isPlugged()) return -1;
   input_.clear();
   isConfigured_ = false;
-  return handle_ = 1;
+  unpluggings_ = mailbox_.unpluggings();
+  return handle_ = ++lastHandle_;
 }
 
 bool LoopbackPort::setTimeouts(std::int32_t handle, const platform::LineTimeouts& timeouts) {
@@ -43,8 +82,8 @@ bool LoopbackPort::setTimeouts(std::int32_t handle, const platform::LineTimeouts
 }
 
 bool LoopbackPort::configure(std::int32_t handle, std::string_view settings) {
-  isConfigured_ = handle == handle_ && handle > 0 && settings == "115200,n,8,1";
-  return isConfigured_;
+  isConfigured_ = settings == "115200,n,8,1";
+  return isConfigured_ = isUsable(handle);
 }
 
 std::size_t LoopbackPort::write(std::int32_t handle, std::string_view bytes) {
@@ -97,7 +136,8 @@ bool LoopbackSockets::connect(std::int32_t handle, const std::string&, std::uint
 
 bool LoopbackSockets::send(std::int32_t handle, std::string_view bytes) {
   if (handle != handle_ || !isConnected_) return false;
-  line_.feed(bytes);
+  // A datagram to a line that is away is lost, and nobody is told.
+  if (mailbox_.isPlugged()) line_.feed(bytes);
   return true;
 }
 

@@ -18,25 +18,37 @@ class Mailbox : public Outlet {
   void send(std::string_view bytes, std::uint32_t delay) override;
   void sendCopy(std::string_view bytes, std::uint32_t delay) override;
   void drop() override;
+  bool hurry() override;
+  void unplug(std::uint32_t delay, std::uint32_t length) override;
 
-  bool hasDue() const { return !letters_.empty() && letters_.front().due <= clock_.elapsed(); }
+  bool hasDue();
+  /// False while the line is away.
+  bool isPlugged();
+  /// How often the line has vanished.
+  int unpluggings();
   struct Letter {
     double due;
     std::string bytes;
     bool isCopy;
+    /// The line vanishes for so many seconds.
+    std::optional<double> away = {};
   };
   std::deque<Letter>& letters() { return letters_; }
 
  private:
   void add(Letter letter);
+  /// Lets the line vanish when its time has come.
+  void settle();
 
   platform::Clock& clock_;
   double latest_ = 0;
+  double back_ = 0;
+  int unpluggings_ = 0;
   std::deque<Letter> letters_;
 };
 
 /// A serial line with the device at its end. It can be opened under any name, once at a time, and works when
-/// configured as the device's line is.
+/// configured as the device's line is. After it has vanished, it works when it is closed and opened again.
 class LoopbackPort : public platform::SerialPort {
  public:
   LoopbackPort(Device& device, Faults& faults, platform::Clock& clock);
@@ -50,7 +62,7 @@ class LoopbackPort : public platform::SerialPort {
   bool close(std::int32_t handle) override;
 
  private:
-  bool isUsable(std::int32_t handle) const { return isConfigured_ && handle == handle_ && handle > 0; }
+  bool isUsable(std::int32_t handle);
   /// Moves what is due to `input_`.
   void collect();
 
@@ -58,6 +70,9 @@ class LoopbackPort : public platform::SerialPort {
   Mailbox mailbox_;
   Line line_;
   std::int32_t handle_ = 0;
+  std::int32_t lastHandle_ = 0;
+  /// The line has vanished so often when it was opened.
+  int unpluggings_ = 0;
   bool isConfigured_ = false;
   platform::LineTimeouts timeouts_{};
   std::string input_;

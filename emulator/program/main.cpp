@@ -121,7 +121,7 @@ class CommandLine {
     flag("--paced", "take the time that a line of 115200 bits per second takes", options.isPaced);
     value("--script", "FILE", "misbehave as the rules in FILE tell",
           [&faults](const std::string& path) { addScript(faults, path); });
-    value("--fault", "RULE", "misbehave as RULE tells: --fault \"on 5/ lost\"",
+    value("--fault", "RULE", "misbehave as RULE tells: --fault \"on 5/ lost\", --fault \"after 2 on 3/S unplug 5\"",
           [&faults](const std::string& rule) { faults.add(rule); });
     value("--card-seconds", "SECONDS", "a card terminal takes so long (2)", [&options](const std::string& text) {
       options.cards.seconds = static_cast<double>(parseSize("--card-seconds", text, 0, 3600));
@@ -241,14 +241,19 @@ int run(const std::vector<std::string>& arguments) {
   station.faults = std::move(given);
   station.device.journal().options = options.journal;
 
-  const Wiring wiring{loop, station.device, station.faults, options.isPaced, options.acknowledges};
   std::vector<std::unique_ptr<Transport>> transports;
   std::map<std::string, int> ofKind;
   std::string ready = "ready";
   for (const Options::Address& address : options.addresses) {
-    transports.push_back(open(address, wiring));
+    const std::string name = address.kind + " " + std::to_string(++ofKind[address.kind]);
+    const auto acknowledges = address.kind == "udp" ? options.acknowledges : Line::Acknowledges::kNothing;
+    const auto connect = [&station, &name, acknowledges](Outlet& outlet) {
+      auto line = std::make_unique<Line>(station.device, station.faults, outlet, acknowledges, steadySeconds);
+      station.attach(*line, name);
+      return line;
+    };
+    transports.push_back(open(address, {loop, options.isPaced, connect}));
     ready += " " + transports.back()->address();
-    station.attach(transports.back()->line(), address.kind + " " + std::to_string(++ofKind[address.kind]));
   }
   if (!options.state.empty()) station.keepStateIn(options.state, options.isReset);
   if (!options.serialNumber.empty()) {

@@ -44,6 +44,23 @@ void Outbox::drop() {
   ++drops_;
 }
 
+bool Outbox::hurry() {
+  const Time now = Clock::now();
+  for (Piece& piece : pieces_) piece.due = std::min(piece.due, now);
+  outputEnd_ = std::min(outputEnd_, now);
+  return std::any_of(pieces_.begin(), pieces_.end(), [](const Piece& piece) { return piece.away.has_value(); });
+}
+
+void Outbox::unplug(std::uint32_t delay, std::uint32_t length) {
+  outputEnd_ = std::max(Clock::now() + std::chrono::milliseconds(delay), outputEnd_);
+  add({outputEnd_, {}, false, std::chrono::milliseconds(length)});
+}
+
+void Outbox::clear() {
+  drop();
+  pieces_.clear();
+}
+
 void Outbox::add(Piece piece) {
   const auto isEarlier = [](const Piece& a, const Piece& b) { return a.due < b.due; };
   pieces_.insert(std::upper_bound(pieces_.begin(), pieces_.end(), piece, isEarlier), std::move(piece));
@@ -51,10 +68,10 @@ void Outbox::add(Piece piece) {
 
 void Outbox::received(std::size_t count) { inputEnd_ = std::max(inputEnd_, Clock::now()) + onWire(count); }
 
-std::string Outbox::take() {
-  std::string bytes = std::move(pieces_.front().bytes);
+Outbox::Piece Outbox::take() {
+  Piece piece = std::move(pieces_.front());
   pieces_.pop_front();
-  return bytes;
+  return piece;
 }
 
 }  // namespace mirvane::emulator

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <deque>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,24 +22,29 @@ class Outbox : public Outlet {
   void send(std::string_view bytes, std::uint32_t delay) override;
   void sendCopy(std::string_view bytes, std::uint32_t delay) override;
   void drop() override;
+  bool hurry() override;
+  void unplug(std::uint32_t delay, std::uint32_t length) override;
+  /// Drops all of it, copies too.
+  void clear();
   /// Counts `count` bytes that have arrived.
   void received(std::size_t count);
 
   bool empty() const { return pieces_.empty(); }
   /// When the next piece is due. The box is not empty.
   Time due() const { return pieces_.front().due; }
-  /// Takes the next piece out.
-  std::string take();
-  /// How often `drop` was called.
-  unsigned drops() const { return drops_; }
-
- private:
   struct Piece {
     Time due;
     std::string bytes;
     bool isCopy;
+    /// The line vanishes for so long.
+    std::optional<std::chrono::milliseconds> away = {};
   };
+  /// Takes the next piece out.
+  Piece take();
+  /// How often `drop` was called.
+  unsigned drops() const { return drops_; }
 
+ private:
   void add(Piece piece);
 
   const bool isPaced_;

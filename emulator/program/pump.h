@@ -8,24 +8,23 @@
 
 namespace mirvane::emulator {
 
-/// What all transports share: a line, and its bytes handed to the system as they fall due.
+/// What all transports share: the register's end, and its bytes handed to the system as they fall due.
 class Pump : public Transport {
- public:
-  Line& line() override { return line_; }
-
  protected:
-  Pump(const Wiring& wiring, Line::Acknowledges acknowledges)
-      : outbox_(wiring.isPaced),
-        line_(wiring.device, wiring.faults, outbox_, acknowledges, steadySeconds),
-        timer_(wiring.loop) {}
+  explicit Pump(const Wiring& wiring)
+      : outbox_(wiring.isPaced), receiver_(wiring.connect(outbox_)), timer_(wiring.loop), return_(wiring.loop) {}
 
   /// Sends `bytes`, and calls `transmitted` when the system has them: from the loop, or at once.
   virtual void transmit(std::string bytes) = 0;
+  /// Closes what leads to the till.
+  virtual void vanish() = 0;
+  /// Opens it again, under the same name. Throws TransportError.
+  virtual void comeBack() = 0;
 
   void transmitted() { isSending_ = false; }
   void arrived(std::string_view bytes) {
     outbox_.received(bytes.size());
-    line_.feed(bytes);
+    receiver_->feed(bytes);
     pump();
   }
   void pump() {
@@ -37,17 +36,34 @@ class Pump : public Transport {
         });
         return;
       }
+      Outbox::Piece piece = outbox_.take();
+      if (piece.away) return unplug(*piece.away);
       isSending_ = true;
-      transmit(outbox_.take());
+      transmit(std::move(piece.bytes));
     }
   }
   unsigned drops() const { return outbox_.drops(); }
+  /// How often the line has vanished: what began before concerns nobody any more.
+  unsigned unpluggings() const { return unpluggings_; }
 
  private:
+  void unplug(std::chrono::milliseconds length) {
+    ++unpluggings_;
+    outbox_.clear();
+    vanish();
+    return_.expires_after(length);
+    return_.async_wait([this](const boost::system::error_code& error) {
+      if (error) return;
+      isSending_ = false;
+      comeBack();
+    });
+  }
+
   Outbox outbox_;
-  Line line_;
-  boost::asio::steady_timer timer_;
+  std::unique_ptr<Receiver> receiver_;
+  boost::asio::steady_timer timer_, return_;
   bool isSending_ = false;
+  unsigned unpluggings_ = 0;
 };
 
 }  // namespace mirvane::emulator

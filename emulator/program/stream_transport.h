@@ -3,33 +3,41 @@
 #include <array>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/io_context.hpp>
+#include <optional>
 
 #include "emulator/program/pump.h"
 
 namespace mirvane::emulator {
 
-/// A line that carries a stream of bytes: `Stream` is one of Asio's.
+/// A line that carries a stream of bytes: `Stream` is one of Asio's. Whoever derives from it opens it in its
+/// constructor and in `comeBack`.
 template <class Stream>
 class StreamTransport : public Pump {
  public:
-  /// `stream` is open.
-  StreamTransport(std::string name, Stream stream, const Wiring& wiring)
-      : Pump(wiring, Line::Acknowledges::kNothing), name_(std::move(name)), stream_(std::move(stream)) {
+  std::string address() const override { return name_; }
+
+ protected:
+  explicit StreamTransport(const Wiring& wiring) : Pump(wiring) {}
+
+  /// `stream` is open, and `name` its address.
+  void begin(std::string name, Stream stream) {
+    name_ = std::move(name);
+    stream_.emplace(std::move(stream));
     receive();
   }
-
-  std::string address() const override { return name_; }
+  void vanish() override { stream_.reset(); }
 
  private:
   using Error = boost::system::error_code;
 
   void receive() {
-    stream_.async_read_some(boost::asio::buffer(buffer_), [this](const Error& error, std::size_t count) {
-      if (error == boost::asio::error::operation_aborted) return;
+    const auto done = [this, before = unpluggings()](const Error& error, std::size_t count) {
+      if (error == boost::asio::error::operation_aborted || unpluggings() != before) return;
       if (error) failBy(error);
       arrived({buffer_.data(), count});
-      receive();
-    });
+      if (unpluggings() == before) receive();
+    };
+    stream_->async_read_some(boost::asio::buffer(buffer_), done);
   }
 
   void transmit(std::string bytes) override {
@@ -41,14 +49,15 @@ class StreamTransport : public Pump {
   void sendSome() {
     // What the system has been given cannot be taken back when the till begins anew, so it is given little at a time.
     constexpr std::size_t kMost = 1024;
-    stream_.async_write_some(boost::asio::buffer(sending_, kMost), [this](const Error& error, std::size_t count) {
-      if (error == boost::asio::error::operation_aborted) return;
+    const auto done = [this, before = unpluggings()](const Error& error, std::size_t count) {
+      if (error == boost::asio::error::operation_aborted || unpluggings() != before) return;
       if (error) failBy(error);
       sending_.erase(0, count);
       if (!sending_.empty() && drops() == dropsBefore_) return sendSome();
       transmitted();
       pump();
-    });
+    };
+    stream_->async_write_some(boost::asio::buffer(sending_, kMost), done);
   }
 
   [[noreturn]] void failBy(const Error& error) const {
@@ -57,7 +66,8 @@ class StreamTransport : public Pump {
   }
 
   std::string name_;
-  Stream stream_;
+  /// None while the line is away.
+  std::optional<Stream> stream_;
   std::array<char, 4096> buffer_{};
   std::string sending_;
   unsigned dropsBefore_ = 0;

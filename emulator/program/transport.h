@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -21,26 +22,24 @@ struct TransportError : std::runtime_error {
 /// What a transport leads to, and how.
 struct Wiring {
   boost::asio::io_context& loop;
-  Device& device;
-  Faults& faults;
-  bool isPaced = false;
-  /// Of a network.
-  Line::Acknowledges acknowledges = Line::Acknowledges::kFrame;
+  bool isPaced;
+  /// Makes the register's end of the link, which answers through the outlet.
+  std::function<std::unique_ptr<Receiver>(Outlet&)> connect;
 };
 
-/// One way to the device. When it goes, TransportError comes out of the loop.
+/// One way to the device. When it goes without having been unplugged, TransportError comes out of the loop.
 class Transport {
  public:
   virtual ~Transport() = default;
 
   /// As in the ready line: "pty=/dev/pts/5".
   virtual std::string address() const = 0;
-  virtual Line& line() = 0;
 };
 
 // Each throws TransportError when it cannot be opened.
 
-/// A pseudo-terminal in raw mode, with a symbolic link to it at `link` unless that is empty. Not on Windows.
+/// A pseudo-terminal in raw mode, with a symbolic link to it at `link` unless that is empty: without one it comes back
+/// under whatever name the system gives it. Not on Windows.
 std::unique_ptr<Transport> openPty(const std::string& link, const Wiring& wiring);
 /// A real line: 115200 bits per second, 8 data bits, no parity, 1 stop bit.
 std::unique_ptr<Transport> openSerial(const std::string& path, const Wiring& wiring);

@@ -11,34 +11,42 @@ using boost::asio::ip::udp;
 
 class Udp : public Pump {
  public:
-  Udp(const std::string& text, const Wiring& wiring) : Pump(wiring, wiring.acknowledges), socket_(wiring.loop) {
+  Udp(const std::string& text, const Wiring& wiring)
+      : Pump(wiring), socket_(wiring.loop), endpoint_(parseEndpoint<udp::endpoint>("udp", text)) {
+    open();
+  }
+
+  std::string address() const override {
+    return "udp=" + endpoint_.address().to_string() + ":" + std::to_string(endpoint_.port());
+  }
+
+ private:
+  void open() {
     try {
       socket_.open(udp::v4());
-      socket_.bind(parseEndpoint<udp::endpoint>("udp", text));
+      socket_.bind(endpoint_);
+      endpoint_ = socket_.local_endpoint();
     } catch (const boost::system::system_error& error) {
-      throw TransportError("udp " + text + ": " + reasonOf(error.code()));
+      throw TransportError(address() + ": " + reasonOf(error.code()));
     }
     receive();
   }
 
-  std::string address() const override {
-    const udp::endpoint bound = socket_.local_endpoint();
-    return "udp=" + bound.address().to_string() + ":" + std::to_string(bound.port());
+  void receive() {
+    const auto done = [this, before = unpluggings()](const boost::system::error_code& error, std::size_t count) {
+      if (error == boost::asio::error::operation_aborted || unpluggings() != before) return;
+      // Any other error only tells that an earlier datagram found nobody.
+      if (!error) {
+        peer_ = sender_;
+        arrived({buffer_.data(), count});
+      }
+      if (unpluggings() == before) receive();
+    };
+    socket_.async_receive_from(boost::asio::buffer(buffer_), sender_, done);
   }
 
- private:
-  void receive() {
-    socket_.async_receive_from(boost::asio::buffer(buffer_), sender_,
-                               [this](const boost::system::error_code& error, std::size_t count) {
-                                 if (error == boost::asio::error::operation_aborted) return;
-                                 // Any other error only tells that an earlier datagram found nobody.
-                                 if (!error) {
-                                   peer_ = sender_;
-                                   arrived({buffer_.data(), count});
-                                 }
-                                 receive();
-                               });
-  }
+  void vanish() override { socket_.close(); }
+  void comeBack() override { open(); }
 
   void transmit(std::string bytes) override {
     boost::system::error_code ignored;
@@ -47,6 +55,8 @@ class Udp : public Pump {
   }
 
   udp::socket socket_;
+  /// Where it listens, the port being the one that the system chose.
+  udp::endpoint endpoint_;
   udp::endpoint sender_, peer_;
   std::array<char, 65536> buffer_{};
 };

@@ -62,6 +62,34 @@ TEST_F(EmulatorLine, NothingIsBookedTwice) {
   }
 }
 
+TEST_F(EmulatorLine, AnUnpluggedLineComesBackAsItWas) {
+  const std::string sale = kStart + frame(kSale), good = framed("00/00/06/");
+  // What is booked when the line has vanished, and after the same command once more.
+  const std::tuple<const char*, Cents, Cents> cases[] = {{"next unplug 3", 0, 200}, {"next unplug-after 3", 400, 400}};
+  for (const auto& [fault, meanwhile, afterwards] : cases) {
+    faults.add(fault);
+    EXPECT_EQ(onSerial(sale + sale), "") << fault;
+    EXPECT_EQ(sold(), meanwhile) << fault;
+    const std::int32_t dead = handle;
+    EXPECT_EQ(port.write(dead, sale), 0U);
+    EXPECT_TRUE(port.close(dead));
+    clock.advance(1.5);  // a second has passed while waiting for an answer
+    EXPECT_EQ(port.open(u"COM1"), -1);
+    clock.advance(0.5);
+    handle = port.open(u"COM1");
+    EXPECT_TRUE(port.configure(handle, "115200,n,8,1"));
+    EXPECT_EQ(port.write(dead, sale), 0U);
+    EXPECT_EQ(onSerial(sale), good) << fault;
+    EXPECT_EQ(sold(), afterwards) << fault;
+    onSerial(kAck);
+  }
+  faults.add("next unplug 1");
+  EXPECT_EQ(onNetwork(frame("?/")), std::vector<std::string>{});
+  EXPECT_EQ(onNetwork(frame("?/")), std::vector<std::string>{});
+  EXPECT_FALSE(sockets.waitReadable(socket, 2));
+  EXPECT_EQ(onNetwork(frame("?/")), (std::vector{kAck, good}));
+}
+
 TEST_F(EmulatorLine, ARepeatedFrameIsNotASecondPayment) {
   const std::string card = "5/2///1.00/1/1/";
   faults.add("on ?/ lost");

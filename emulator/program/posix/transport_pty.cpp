@@ -35,35 +35,50 @@ void makeRaw(int descriptor, const std::string& name) {
 
 class Pty : public StreamTransport<Terminal> {
  public:
-  /// The emulator keeps the terminal's own side, `slave`, open too: otherwise the line would end with its first user.
-  Pty(Terminal master, Terminal slave, const std::string& path, const std::string& link, const Wiring& wiring)
-      : StreamTransport("pty=" + path, std::move(master), wiring), slave_(std::move(slave)), path_(path), link_(link) {
-    makeRaw(slave_.native_handle(), path);
-    if (link.empty()) return;
-    // One may be left from a run that was ended the hard way; any other file is not ours to remove.
-    if (!linkedPath(link).empty()) ::unlink(link.c_str());
-    if (::symlink(path.c_str(), link.c_str()) != 0) fail(link);
+  Pty(std::string link, const Wiring& wiring) : StreamTransport(wiring), loop_(wiring.loop), link_(std::move(link)) {
+    open();
   }
-  ~Pty() override {
-    if (linkedPath(link_) == path_) ::unlink(link_.c_str());
-  }
+  ~Pty() override { unlinkOurs(); }
 
  private:
-  Terminal slave_;
-  const std::string path_, link_;
+  void open() {
+    const int number = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (number < 0) fail("pseudo-terminal");
+    Terminal master(loop_, number);
+    if (::grantpt(number) != 0 || ::unlockpt(number) != 0) fail("pseudo-terminal");
+    path_ = ::ptsname(number);
+    const int slave = ::open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (slave < 0) fail(path_);
+    slave_.emplace(loop_, slave);
+    makeRaw(slave, path_);
+    if (!link_.empty()) {
+      // One may be left from a run that was ended the hard way; any other file is not ours to remove.
+      if (!linkedPath(link_).empty()) ::unlink(link_.c_str());
+      if (::symlink(path_.c_str(), link_.c_str()) != 0) fail(link_);
+    }
+    begin("pty=" + path_, std::move(master));
+  }
+  void unlinkOurs() const {
+    if (linkedPath(link_) == path_) ::unlink(link_.c_str());
+  }
+  void vanish() override {
+    unlinkOurs();
+    slave_.reset();
+    StreamTransport::vanish();
+  }
+  void comeBack() override { open(); }
+
+  boost::asio::io_context& loop_;
+  const std::string link_;
+  std::string path_;
+  /// The terminal's own side stays open here too: otherwise the line would end with its first user.
+  std::optional<Terminal> slave_;
 };
 
 }  // namespace
 
 std::unique_ptr<Transport> openPty(const std::string& link, const Wiring& wiring) {
-  const int number = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-  if (number < 0) fail("pseudo-terminal");
-  Terminal master(wiring.loop, number);
-  if (::grantpt(number) != 0 || ::unlockpt(number) != 0) fail("pseudo-terminal");
-  const std::string path = ::ptsname(number);
-  const int slave = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-  if (slave < 0) fail(path);
-  return std::make_unique<Pty>(std::move(master), Terminal(wiring.loop, slave), path, link, wiring);
+  return std::make_unique<Pty>(link, wiring);
 }
 
 }  // namespace mirvane::emulator
