@@ -9,6 +9,7 @@
 #include <iostream>
 #include <iterator>
 
+#include "emulator/program/player.h"
 #include "emulator/program/station.h"
 #include "emulator/program/system.h"
 #include "emulator/program/transport.h"
@@ -39,7 +40,7 @@ struct Options {
   Line::Acknowledges acknowledges = Line::Acknowledges::kFrame;
   Journal::Options journal;
   CardPayments::Options cards;
-  std::string state, serialNumber, preset = "fresh";
+  std::string state, serialNumber, replay, preset = "fresh";
   bool isReset = false;
 };
 
@@ -144,6 +145,8 @@ class CommandLine {
           [&options](const std::string& text) {
             options.journal.padding = parseSize("--pad-journal", text, 0, 1'000'000'000);
           });
+    value("--replay", "FILE", "play the register's part out of a flight record, and tell where the till does otherwise",
+          [&options](const std::string& path) { options.replay = path; });
     value("--state", "FILE", "remember everything in FILE, and go on where it ends",
           [&options](const std::string& path) { options.state = path; });
     flag("--reset", "forget what --state remembers", options.isReset);
@@ -215,6 +218,39 @@ std::unique_ptr<Transport> open(const Options::Address& address, const Wiring& w
   return address.kind == "pty" ? openPty(address.text, wiring) : openSerial(address.text, wiring);
 }
 
+/// All the ways to the register that were asked for.
+struct Listening {
+  using Connect = std::function<std::unique_ptr<Receiver>(const Options::Address&, Outlet&)>;
+
+  Listening(const Options& options, boost::asio::io_context& loop, const Connect& connect) {
+    for (const Options::Address& address : options.addresses) {
+      const auto toThis = [&connect, &address](Outlet& outlet) { return connect(address, outlet); };
+      transports.push_back(open(address, {loop, options.isPaced, toThis}));
+      ready += " " + transports.back()->address();
+    }
+  }
+
+  std::vector<std::unique_ptr<Transport>> transports;
+  std::string ready = "ready";
+};
+
+/// Plays a record in place of the register, and returns the exit code.
+int play(const Options& options, boost::asio::io_context& loop) {
+  if (options.web || !options.state.empty()) throw UsageError("--replay goes with neither --web nor --state");
+  std::ifstream file(pathOf(options.replay), std::ios::binary);
+  if (!file) throw UsageError(options.replay + ": cannot be read");
+  try {
+    Player player(loop, std::string(std::istreambuf_iterator<char>(file), {}));
+    const Listening listening(options, loop,
+                              [&player](const Options::Address&, Outlet& outlet) { return player.connect(outlet); });
+    std::cout << listening.ready << std::endl;
+    loop.run();
+    return player.tell(options.isQuiet);
+  } catch (const ReplayError& error) {
+    throw UsageError(options.replay + ": " + error.what());
+  }
+}
+
 int run(const std::vector<std::string>& arguments) {
   Options options;
   Station station([&options](TextView line) {
@@ -226,12 +262,13 @@ int run(const std::vector<std::string>& arguments) {
   if (const auto status = commandLine.follow(arguments)) return *status;
   if (options.addresses.empty()) {
     options.addresses.push_back({"udp", "9100"});
-    if (!options.web) options.web = "8100";
+    if (!options.web && options.replay.empty()) options.web = "8100";
   }
 
   boost::asio::io_context loop(1);
   boost::asio::signal_set signals(loop, SIGINT, SIGTERM);
   signals.async_wait([&loop](const boost::system::error_code&, int) { loop.stop(); });
+  if (!options.replay.empty()) return play(options, loop);
 
   Faults given = station.faults;
   station.cardDefaults = options.cards;
@@ -241,20 +278,14 @@ int run(const std::vector<std::string>& arguments) {
   station.faults = std::move(given);
   station.device.journal().options = options.journal;
 
-  std::vector<std::unique_ptr<Transport>> transports;
   std::map<std::string, int> ofKind;
-  std::string ready = "ready";
-  for (const Options::Address& address : options.addresses) {
-    const std::string name = address.kind + " " + std::to_string(++ofKind[address.kind]);
+  const Listening listening(options, loop, [&](const Options::Address& address, Outlet& outlet) {
     const auto acknowledges = address.kind == "udp" ? options.acknowledges : Line::Acknowledges::kNothing;
-    const auto connect = [&station, &name, acknowledges](Outlet& outlet) {
-      auto line = std::make_unique<Line>(station.device, station.faults, outlet, acknowledges, steadySeconds);
-      station.attach(*line, name);
-      return line;
-    };
-    transports.push_back(open(address, {loop, options.isPaced, connect}));
-    ready += " " + transports.back()->address();
-  }
+    auto line = std::make_unique<Line>(station.device, station.faults, outlet, acknowledges, steadySeconds);
+    station.attach(*line, address.kind + " " + std::to_string(++ofKind[address.kind]));
+    return line;
+  });
+  std::string ready = listening.ready;
   if (!options.state.empty()) station.keepStateIn(options.state, options.isReset);
   if (!options.serialNumber.empty()) {
     station.device.fiscal().serialNumber = options.serialNumber;

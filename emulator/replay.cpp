@@ -1,0 +1,206 @@
+#include "emulator/replay.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "protocol/wire.h"
+
+namespace mirvane::emulator {
+namespace {
+
+using recorder::Event;
+using recorder::EventKind;
+using Step = Replay::Step;
+using Kind = Step::Kind;
+
+constexpr std::int64_t kLongest = 86'400'000;  // milliseconds
+// A till on the network looks every half second for a reply that does not come at once. Sent in the middle between two
+// looks, it is found at the one that found it then.
+constexpr std::int64_t kBetweenLooks = 250;
+// Longer than any frame of the till.
+constexpr std::size_t kLongestFrame = 65'536;
+
+const std::string kAck{wire::kAck};
+constexpr char kBegins[] = {wire::kStx, wire::kEnq, wire::kCan, '\0'};
+constexpr char kEnds[] = {wire::kEtx, wire::kStx, wire::kEnq, wire::kCan, '\0'};
+
+/// How many bytes the first frame has, or the first byte outside of one; 0 when it is not whole yet.
+std::size_t unitLength(std::string_view bytes) {
+  if (bytes.empty() || bytes.front() != wire::kStx) return std::min<std::size_t>(bytes.size(), 1);
+  const std::size_t end = bytes.find_first_of(kEnds, 1);
+  if (end == std::string_view::npos) return bytes.size() > kLongestFrame ? bytes.size() : 0;
+  return bytes[end] == wire::kEtx ? end + 1 : end;
+}
+
+bool isTorn(std::string_view unit) { return unit.starts_with(wire::kStx) && !unit.ends_with(wire::kEtx); }
+
+std::uint32_t span(std::int64_t milliseconds) {
+  return static_cast<std::uint32_t>(std::clamp<std::int64_t>(milliseconds, 0, kLongest));
+}
+
+/// As it stands in a record, without the time.
+std::string shown(std::string_view bytes) {
+  constexpr std::size_t kStamp = 31;
+  const std::string line =
+      recorder::formatted({0, EventKind::kSent, static_cast<std::int32_t>(bytes.size()), std::string(bytes)}, 0);
+  return line.substr(kStamp, line.find('\r') - kStamp);
+}
+
+/// Makes steps of events.
+class Script {
+ public:
+  void add(Event event, std::size_t line) {
+    switch (event.kind) {
+      case EventKind::kSent:
+        return addSent(std::move(event), line);
+      case EventKind::kReceived:
+        return addReceived(event, line, event.time - lastSent_ - (isNetwork_ ? kBetweenLooks : 0));
+      case EventKind::kDropped:
+        // It was there before the till looked.
+        return addReceived(event, line, 0);
+      case EventKind::kBroken:
+        return addBroken(event, line);
+      case EventKind::kOpen:
+        return addOpen(event);
+      case EventKind::kCall:
+      case EventKind::kEnded:
+        isInCall = event.kind == EventKind::kCall;
+        return;
+      default:
+        return;
+    }
+  }
+
+  std::vector<Step> steps;
+  bool isInCall = false;
+
+ private:
+  void addSent(Event event, std::size_t line) {
+    lastSent_ = event.time;
+    std::string bytes = std::move(event.text);
+    const bool goesOn = !bytes.empty() && std::string_view(kBegins).find(bytes.front()) == std::string_view::npos;
+    if (goesOn && !steps.empty() && steps.back().kind == Kind::kSent && isTorn(steps.back().bytes)) {
+      bytes.insert(0, steps.back().bytes);
+      line = steps.back().line;
+      steps.pop_back();
+    }
+    while (!bytes.empty()) {
+      const std::size_t whole = unitLength(bytes);
+      const std::size_t length = whole == 0 ? bytes.size() : whole;
+      steps.push_back({Kind::kSent, line, bytes.substr(0, length)});
+      bytes.erase(0, length);
+    }
+  }
+
+  // What nobody had asked for yet, as at the beginning of a record that goes on from another, reaches nobody.
+  void addReceived(const Event& event, std::size_t line, std::int64_t delay) {
+    if (steps.empty() || steps.back().kind == Kind::kAway) return;
+    steps.push_back({Kind::kReceived, line, event.text, span(delay)});
+  }
+
+  // The till notices only when it writes again. The line is away from what it sent last; where that ended an exchange,
+  // the till was idle, and only what passed after it had noticed counts.
+  void addBroken(const Event& event, std::size_t line) {
+    if (steps.empty() || steps.back().kind == Kind::kAway) return;
+    const bool isAtOnce = steps.back().kind == Kind::kSent;
+    awaySince_ = isAtOnce && steps.back().bytes != kAck ? lastSent_ : event.time;
+    notFoundAt_ = event.time;
+    steps.push_back({Kind::kAway, line, {}, isAtOnce ? 0 : span(event.time - lastSent_), span(kLongest)});
+  }
+
+  // It came back between the last time that it was not found and the first that it was.
+  void addOpen(const Event& event) {
+    if (event.number == 0) isNetwork_ = event.text.find(':') != std::string::npos;
+    if (steps.empty() || steps.back().kind != Kind::kAway) return;
+    if (event.number != 0) {
+      notFoundAt_ = event.time;
+    } else {
+      steps.back().length = span((notFoundAt_ + event.time) / 2 - awaySince_);
+    }
+  }
+
+  std::int64_t lastSent_ = 0, awaySince_ = 0, notFoundAt_ = 0;
+  bool isNetwork_ = false;
+};
+
+}  // namespace
+
+Replay::Replay(std::string_view record) {
+  Script script;
+  for (std::size_t line = 1; !record.empty() && cut_.empty(); ++line) {
+    const std::size_t end = std::min(record.find('\n'), record.size());
+    std::string_view text = record.substr(0, end);
+    if (text.ends_with('\r')) text.remove_suffix(1);
+    auto event = recorder::parsedEvent(text);
+    if (line == 1 && !event) throw ReplayError("no flight record");
+    const std::string here = " line " + std::to_string(line);
+    if (end == record.size()) {
+      cut_ = "it is cut off in" + here;
+    } else if (!event) {
+      cut_ = "it is damaged in" + here;
+    } else if (event->kind == EventKind::kLost) {
+      cut_ = "it lacks events at" + here;
+    } else {
+      script.add(std::move(*event), line);
+      lastLine_ = line;
+    }
+    record.remove_prefix(std::min(end + 1, record.size()));
+  }
+  if (cut_.empty() && script.isInCall) cut_ = "it ends within a call";
+  steps_ = std::move(script.steps);
+  if (steps_.empty()) throw ReplayError("nothing that a till sent is in this record");
+}
+
+void Replay::feed(std::string_view bytes, Outlet& outlet) {
+  if (end_ == End::kAsRecorded) differ(secrets_.maskedSent(bytes));
+  // What is sent to a line that breaks reached nobody, then as now.
+  if (end_ || outlet.hurry()) return;
+  pending_ += bytes;
+  while (!end_) {
+    const std::string& expected = steps_[next_].bytes;
+    const bool isTornAlike = isTorn(expected) && pending_.starts_with(expected);
+    const std::size_t length = isTornAlike ? expected.size() : unitLength(pending_);
+    if (length == 0) return;
+    const std::string unit = pending_.substr(0, length);
+    pending_.erase(0, length);
+    take(unit, outlet);
+  }
+}
+
+void Replay::take(const std::string& unit, Outlet& outlet) {
+  const std::string masked = secrets_.maskedSent(unit);
+  if (masked != steps_[next_].bytes) return differ(masked);
+  for (++next_; next_ < steps_.size() && steps_[next_].kind != Kind::kSent; ++next_) {
+    const Step& step = steps_[next_];
+    lastDelay_ = step.delay;
+    if (step.kind == Kind::kReceived) {
+      outlet.send(step.bytes, step.delay);
+    } else {
+      outlet.unplug(step.delay, step.length);
+      pending_.clear();
+    }
+  }
+  if (next_ < steps_.size()) return;
+  const std::string lines = "as recorded, up to line " + std::to_string(lastLine_);
+  if (cut_.empty()) return finish(End::kAsRecorded, lines + ", the end");
+  finish(End::kCut, lines + ", where the record is not whole: " + cut_);
+}
+
+void Replay::stop() {
+  if (!end_) differ({});
+}
+
+void Replay::differ(std::string_view now) {
+  const bool isBehind = next_ == steps_.size();
+  const std::size_t line = isBehind ? lastLine_ : steps_[next_].line;
+  finish(End::kDifferent, "different at line " + std::to_string(line) + " of the record\n  then  " +
+                              (isBehind ? "the end" : shown(steps_[next_].bytes)) + "\n  now   " +
+                              (now.empty() ? "the end" : shown(now)));
+}
+
+void Replay::finish(End end, std::string report) {
+  end_ = end;
+  report_ = std::move(report);
+}
+
+}  // namespace mirvane::emulator
