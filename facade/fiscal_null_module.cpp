@@ -10,8 +10,6 @@
 namespace mirvane {
 namespace {
 
-constexpr std::int16_t kNoDriver = 100;
-
 // The row of a member that is only refused.
 template <class Signature>
 Member refusal(const Contract<Signature>& contract) {
@@ -61,7 +59,7 @@ void refuseAll(ClassBuilder<fiscalNullModule>& table, const Contract<Signatures>
 }  // namespace
 
 void fiscalNullModule::refuse(Outcome outcome) {
-  outcome.take({kNoDriver, u"Λάθος τύπος Φορολ. Εκτυπωτή"});
+  outcome.take({link_result::kNoDevice, link_result::kNoDeviceText});
   if (outcome.SupressError_) return;
   showBox(outcome.Exresult, platform::kInformationSystemModal, langMessage(message::kBoxTitle));
 }

@@ -78,7 +78,7 @@ void tellOfUnknownCharacters() {
 
 }  // namespace
 
-Reply silentDevice() { return {link_result::kNoAnswerToCommand, u"Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !"}; }
+Reply silentDevice() { return {link_result::kNoAnswerToCommand, link_result::kNoAnswerToCommandText}; }
 
 Reply exchange(TextView command, const Sending& sending, SilenceObserver& silence) {
   const Text sent(trim(command));

@@ -89,7 +89,7 @@ Exchange NetworkTransport::exchange(const std::string& frame, std::int16_t /*tim
     if (isAcknowledged) exchange.received = collectReply(*this);
     if (first.starts_with(wire::kNak) || exchange.received == kRefused) {
       drain();
-      return {link_result::kNotNow, u"Αναμονή Απόκρισης Ταμειακής...", {}};
+      return {link_result::kNotNow, link_result::kNotNowText, {}};
     }
     if (isAcknowledged) write({&wire::kAck, 1});
     return exchange;

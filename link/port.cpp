@@ -68,7 +68,7 @@ Reply openPort(const Text& name) {
   const auto network = parseNetworkName(name);
   Reply outcome;
   if (!(network ? openNetwork(*network) : openSerialLine(name))) {
-    outcome = {link_result::kCannotOpen, u"Πρόβλημα στην Θύρα :" + name};
+    outcome = {link_result::kCannotOpen, Text(link_result::kCannotOpenText) + name};
   }
   // Tried on a port that did not open too: its failure is the one that the caller sees.
   if (!network && !configureSerialLine()) {

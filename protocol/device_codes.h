@@ -81,10 +81,16 @@ constexpr std::int16_t kCannotConfigure = -2;
 constexpr std::int16_t kNoAnswer = -3;           ///< network: no datagram came back, four times; or nothing was told
 constexpr std::int16_t kNoAnswerToCommand = -4;  ///< serial line: seen only while the exchange is being repeated
 constexpr std::int16_t kNotOpen = -6;
-constexpr std::int16_t kNotNow = -207;  ///< network: NAK
+constexpr std::int16_t kNotNow = -207;   ///< network: NAK
+constexpr std::int16_t kNoDevice = 100;  ///< no device was found, or none was looked for
 
-/// The text of kNoAnswer. Its first letter is a Latin one: programs in the field compare it.
+// Their texts, where the message catalogue does not have them.
+constexpr TextView kCannotOpenText = u"Πρόβλημα στην Θύρα :";  ///< followed by the port
+/// Its first letter is a Latin one: programs in the field compare it.
 constexpr TextView kNoAnswerText = u"H ταμειακή δεν Απαντά!";
+constexpr TextView kNoAnswerToCommandText = u"Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !";
+constexpr TextView kNotNowText = u"Αναμονή Απόκρισης Ταμειακής...";
+constexpr TextView kNoDeviceText = u"Λάθος τύπος Φορολ. Εκτυπωτή";
 }  // namespace link_result
 
 /// The device's message for one of its result codes, 1 to 166; empty for any other.

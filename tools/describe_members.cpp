@@ -1,18 +1,15 @@
-// Writes the reference pages for the people who program against the component: reference.md, the public classes with
-// their members, and result-codes.md. Everything that the member tables and the driver know comes from there; the
-// sentences about it are read from a file with a line "class.member: text" for each.
+// Writes reference.md, the public classes with their members, for the people who program against the component.
+// Everything that the member tables know comes from there; the sentences about it are read from a file with a line
+// "class.member: text" for each.
 //
 //   describe-members DESCRIPTIONS FOLDER
 
 #include <algorithm>
 #include <fstream>
-#include <functional>
-#include <iomanip>
 #include <iostream>
 #include <set>
 #include <sstream>
 
-#include "protocol/device_codes.h"
 #include "tools/class_description.h"
 #include "tools/descriptions.h"
 
@@ -21,9 +18,8 @@ namespace {
 using namespace mirvane;
 
 constexpr std::string_view kMadeBy =
-    "<!-- Made by describe-members (./run docs) from the member tables, the driver and docs/descriptions.txt. Not to "
-    "be "
-    "edited. -->\n\n";
+    "<!-- Made by describe-members (./run docs) from the member tables and docs/descriptions.txt. Not to be edited. "
+    "-->\n\n";
 
 // ---- Classes
 
@@ -140,55 +136,6 @@ void writeReference(std::ostream& page, Descriptions& descriptions) {
   }
 }
 
-// ---- Result codes
-
-constexpr std::int16_t kDeviceCodes = 166;
-constexpr std::int16_t kNoDriver = 100;
-
-/// What the component itself does about a code, and what the code means for the till.
-std::string classification(std::int16_t code) {
-  std::string text;
-  const auto add = [&text](std::string_view word) { text.append(text.empty() ? "" : ", ").append(word); };
-  if (endsByItself(code)) add("waited for");
-  if (mayBeSentAgain(code)) add("sent again");
-  if (isCritical(code)) add("critical");
-  return text;
-}
-
-std::string hexDigits(int code) {
-  std::ostringstream text;
-  text << std::uppercase << std::hex << std::setw(2) << std::setfill('0') << code;
-  return text.str();
-}
-
-void writeResultCodes(std::ostream& page, Descriptions& descriptions) {
-  page << kMadeBy << "# Result codes\n\n"
-       << descriptions.of("result-codes") << "\n\n"
-       << "## The component's own\n\n| `Result` | meaning, and what to do | |\n|---|---|---|\n";
-  for (const std::int16_t code :
-       {std::int16_t{0}, link_result::kCannotOpen, link_result::kCannotConfigure, link_result::kNoAnswer,
-        link_result::kNoAnswerToCommand, link_result::kNotOpen, link_result::kNotNow, kNoDriver}) {
-    page << "| " << code << " | " << descriptions.of(subjectOf("Result", std::to_string(code))) << " | "
-         << classification(code) << " |\n";
-  }
-  page << "\n## The device's\n\n"
-       << descriptions.of("device-codes") << "\n\n"
-       << "| `Result` | in the trace | text | |\n|---|---|---|---|\n";
-  for (std::int16_t code = 1; code <= kDeviceCodes; ++code) {
-    page << "| " << code << " | " << hexDigits(code) << " | " << toUtf8(deviceErrorText(code)) << " | "
-         << classification(code) << " |\n";
-  }
-}
-
-void writeFile(const std::string& name, const std::function<void(std::ostream&)>& write) {
-  std::ostringstream page;
-  write(page);
-  std::ofstream file(name, std::ios::binary);
-  file << page.str();
-  file.close();
-  if (!file) throw std::runtime_error("cannot write " + name);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -198,9 +145,11 @@ int main(int argc, char** argv) {
   }
   try {
     Descriptions descriptions(argv[1]);
-    const std::string folder = argv[2];
-    writeFile(folder + "/reference.md", [&](std::ostream& page) { writeReference(page, descriptions); });
-    writeFile(folder + "/result-codes.md", [&](std::ostream& page) { writeResultCodes(page, descriptions); });
+    const std::string name = std::string(argv[2]) + "/reference.md";
+    std::ofstream page(name, std::ios::binary);
+    writeReference(page, descriptions);
+    page.close();
+    if (!page) throw std::runtime_error("cannot write " + name);
     descriptions.requireAllUsed();
   } catch (const std::exception& error) {
     std::cerr << argv[1] << ": " << error.what() << "\n";

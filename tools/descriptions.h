@@ -10,7 +10,7 @@
 namespace mirvane {
 
 /// The sentences by what they tell about: "class", "class.member", "class.*" for the members without one of their own,
-/// "FISCAL_TYPES.constant", or "Result.code". They are Markdown.
+/// or "FISCAL_TYPES.constant". They are Markdown.
 class Descriptions {
  public:
   /// Reads a file with a line "subject: text" for each; throws for one that is not so.

@@ -1,0 +1,156 @@
+// Writes result-codes.md, for people, and result-codes.json, for programs, into a folder: all that is known of each
+// result, from docs/result_codes.txt and from what the component itself does about it.
+//
+//   describe-result-codes FOLDER
+
+#include <fstream>
+#include <iomanip>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "protocol/device_codes.h"
+#include "tools/result_codes.h"
+
+namespace {
+
+using namespace mirvane;
+
+constexpr std::string_view kIntroduction =
+    R"(<!-- Made by describe-result-codes (./run docs) from docs/result_codes.txt and the code. Not to be edited. -->
+
+# Result codes
+
+What `Result` tells after a call, what it means, and what to do. Find the number in the list, or search this page for
+the text on the screen. How a till deals with each kind is told in [handle errors](handle-errors.md). Programs read
+the same from [result-codes.json](result-codes.json).
+
+**May the same call be made again?** "yes": nothing was done, so the call can be made again, once the cause is mended.
+"no": it would be done twice, or is being done already. "ask first": ask the register what it has done, with
+`printerStatusRead` and `StatusRead`, and with `transactionTotals` while a receipt is open. `Payment`, `executeCashIn`
+and `executeCashOut` send several commands, of which the first may be done: after these, whatever the code, ask first.
+
+In the last column, "waited for" means that the call itself waits, with a window, until the device has ended the state;
+"sent again" that the command is then sent again; "critical" that the till cannot go on without help, often a
+technician's.
+
+The texts of the register's codes are its own, as they appear in `Exresult`, in message boxes and in service calls.
+Of many of them no more is known than the text; the page says so. So does a code that has no place here at all: its
+`Exresult` is the register's reply as it came.
+)";
+
+constexpr std::string_view kJsonNote =
+    "Made by describe-result-codes from docs/result_codes.txt and the code. 1 and 100 have two meanings: look at "
+    "origin.";
+
+std::string hexDigits(int code) {
+  std::ostringstream text;
+  text << std::uppercase << std::hex << std::setw(2) << std::setfill('0') << code;
+  return text.str();
+}
+
+std::string title(const ResultCode& code) {
+  return std::to_string(code.result) + (code.name.empty() ? "" : " " + code.name);
+}
+
+/// What the component itself does about a result, and what it means for the till.
+std::string classification(const ResultCode& code) {
+  std::string text;
+  const auto add = [&text](std::string_view word) { text.append(text.empty() ? "" : ", ").append(word); };
+  if (endsByItself(code.result)) add("waited for");
+  if (mayBeSentAgain(code.result)) add("sent again");
+  if (isCritical(code.result)) add("critical");
+  return text;
+}
+
+/// As the address of a heading: letters, digits and hyphens, blanks as hyphens.
+std::string anchor(const ResultCode& code) {
+  std::string text = title(code);
+  std::replace(text.begin(), text.end(), ' ', '-');
+  return text;
+}
+
+void writeList(std::ostream& page, bool devices) {
+  page << "| `Result` |" << (devices ? " in the trace |" : "") << " text | again? | |\n"
+       << (devices ? "|---" : "") << "|---|---|---|---|\n";
+  for (const ResultCode& code : resultCodes()) {
+    if (code.isDevices != devices) continue;
+    page << "| [" << code.result << "](#" << anchor(code) << ") | " << (devices ? hexDigits(code.result) + " | " : "")
+         << code.text << " | " << wordFor(code.repeating) << " | " << classification(code) << " |\n";
+  }
+}
+
+void writeExplanations(std::ostream& page, bool devices) {
+  for (const ResultCode& code : resultCodes()) {
+    if (code.isDevices != devices) continue;
+    const bool isTextAlone = code.knowledge == Knowledge::kTextAlone;
+    page << "\n### " << title(code) << "\n\n";
+    if (!code.text.empty()) page << "\"" << code.text << "\"\n\n";
+    page << code.meaning.en << (isTextAlone ? " *So its text says; more is not known.*" : "") << "\\\n"
+         << code.meaning.el << (isTextAlone ? " *Αυτό λέει το κείμενό του· άλλο δεν είναι γνωστό.*" : "") << "\n\n"
+         << "- **Cashier:** " << code.cashier.en << "\n"
+         << "- **Ταμίας:** " << code.cashier.el << "\n"
+         << "- **Programmer:** " << code.programmer << "\n"
+         << "- **Again?** " << wordFor(code.repeating) << "\n";
+  }
+}
+
+void writePage(std::ostream& page) {
+  page << kIntroduction;
+  for (const bool devices : {false, true}) {
+    page << (devices ? "\n## The register's\n\n" : "\n## The component's own\n\n");
+    writeList(page, devices);
+    writeExplanations(page, devices);
+  }
+}
+
+nlohmann::ordered_json toJson(const Bilingual& text) { return {{"en", text.en}, {"el", text.el}}; }
+
+nlohmann::ordered_json toJson(const ResultCode& code) {
+  constexpr std::array kKnown = {"meaning", "text", "nothing"};
+  constexpr std::array kRepeat = {"yes", "no", "ask"};
+  nlohmann::ordered_json json = {{"result", code.result}, {"origin", code.isDevices ? "register" : "component"}};
+  if (!code.name.empty()) json["name"] = code.name;
+  if (code.isDevices) json["hex"] = hexDigits(code.result);
+  if (!code.text.empty()) json["text"] = code.text;
+  json["known"] = kKnown[static_cast<std::size_t>(code.knowledge)];
+  json["meaning"] = toJson(code.meaning);
+  json["cashier"] = toJson(code.cashier);
+  json["programmer"] = {{"en", code.programmer}};
+  json["repeat"] = kRepeat[static_cast<std::size_t>(code.repeating)];
+  json["waitedFor"] = endsByItself(code.result);
+  json["sentAgain"] = mayBeSentAgain(code.result);
+  json["critical"] = isCritical(code.result);
+  return json;
+}
+
+void writeJson(std::ostream& file) {
+  nlohmann::ordered_json codes = nlohmann::ordered_json::array();
+  for (const ResultCode& code : resultCodes()) codes.push_back(toJson(code));
+  file << nlohmann::ordered_json{{"note", kJsonNote}, {"codes", codes}}.dump(1) << "\n";
+}
+
+void writeFile(const std::string& name, void (*write)(std::ostream&)) {
+  std::ofstream file(name, std::ios::binary);
+  write(file);
+  file.close();
+  if (!file) throw std::runtime_error("cannot write " + name);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::cerr << "usage: describe-result-codes FOLDER\n";
+    return 2;
+  }
+  try {
+    const std::string folder = argv[1];
+    writeFile(folder + "/result-codes.md", writePage);
+    writeFile(folder + "/result-codes.json", writeJson);
+  } catch (const std::exception& error) {
+    std::cerr << error.what() << "\n";
+    return 1;
+  }
+  return 0;
+}
