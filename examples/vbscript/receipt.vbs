@@ -1,20 +1,20 @@
 ' A receipt through the component: connect, sell, void, comment, pay in cash.
 '
-'   cscript //nologo receipt.vbs [port]
+'   cscript //nologo receipt.vbs [port]     or a double click, with the emulator running on this machine
 '
-' This file is kept in UTF-8. Script hosts read the ANSI code page: on a Greek machine save a copy in code page 1253
-' before running it (iconv -f UTF-8 -t CP1253).
+' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
+' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 Option Explicit
 
 ' Every by-reference argument is a plain variable, so that the component can write to it.
-Dim module, port, Result, Exresult, Suppress
+Dim module, port, Result, Exresult, Suppress, said
 Suppress = True
 
-port = "COM1"
+port = "127.0.0.1:9100"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
-WScript.Echo "connecting to " & port
+Say "connecting to " & port
 module.Connect_ port, Result, Exresult, Suppress
 Check "Connect_"
 
@@ -27,28 +27,38 @@ VoidItem "Τυρόπιτα", 1, 2.20, 13, 2
 Comment "Σας ευχαριστούμε!"
 PayCash 30
 
-WScript.Echo "disconnecting"
+Say "disconnecting"
 module.DisConnect_ port, Result, Exresult, Suppress
 ' A closed port is reported as 1, the value of the system call that closed it.
 If Result <> 1 Then Check "DisConnect_"
-WScript.Echo "ok"
+Finish "ok", 0
+
+' A double click runs wscript, whose Echo is a message box: so all is told at the end, at once.
+Sub Say(text)
+  said = said & text & vbCrLf
+End Sub
+
+Sub Finish(verdict, exitCode)
+  WScript.Echo said & verdict
+  WScript.Quit exitCode
+End Sub
 
 Sub ShowVersion
   Dim pass
   pass = ""
   module.GetVersionInfo Result, Exresult, Suppress, pass
   Check "GetVersionInfo"
-  WScript.Echo Exresult
+  Say Exresult
 End Sub
 
 Sub Sell(description, quantity, price, vatRate, department, note)
-  WScript.Echo "selling " & quantity & " x " & description
+  Say "selling " & quantity & " x " & description
   module.ItemSale description, quantity, price, vatRate, department, Result, Exresult, Suppress, note
   Check "ItemSale"
 End Sub
 
 Sub VoidItem(description, quantity, price, vatRate, department)
-  WScript.Echo "voiding " & quantity & " x " & description
+  Say "voiding " & quantity & " x " & description
   module.ItemVoid description, quantity, price, vatRate, department, Result, Exresult, Suppress
   Check "ItemVoid"
 End Sub
@@ -56,7 +66,7 @@ End Sub
 Sub Comment(text)
   Dim size
   size = 1
-  WScript.Echo "printing a comment"
+  Say "printing a comment"
   module.commentPrinterPrint text, size, Result, Exresult, Suppress
   Check "commentPrinterPrint"
 End Sub
@@ -67,7 +77,7 @@ Sub PayCash(amount)
   Set totals = CreateObject("VarlenFiscalQ7734.clsTransTotal")
   module.transactionTotals totals, Result, Exresult, Suppress
   Check "transactionTotals"
-  WScript.Echo "paying " & FormatNumber(totals.receiptTotalAmt, 2) & " with " & FormatNumber(amount, 2) & _
+  Say "paying " & FormatNumber(totals.receiptTotalAmt, 2) & " with " & FormatNumber(amount, 2) & _
     ", change " & FormatNumber(amount - totals.receiptTotalAmt, 2)
 
   paymentNumber = 1
@@ -79,6 +89,5 @@ End Sub
 
 Sub Check(step_)
   If Result = 0 Then Exit Sub
-  WScript.Echo "FAIL " & step_ & ": " & Result & " " & Exresult
-  WScript.Quit 1
+  Finish "FAIL " & step_ & ": " & Result & " " & Exresult, 1
 End Sub
