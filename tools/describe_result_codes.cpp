@@ -25,7 +25,7 @@ What `Result` tells after a call, what it means, and what to do. Find the number
 the text on the screen. How a till deals with each kind is told in [handle errors](handle-errors.md). Programs read
 the same from [result-codes.json](result-codes.json).
 
-**May the same call be made again?** "yes": nothing was done, so the call can be made again, once the cause is mended.
+**May the same call be made again?** "yes": nothing was done, so the call can be made again once the cause is mended.
 "no": it would be done twice, or is being done already. "ask first": ask the register what it has done, with
 `printerStatusRead` and `StatusRead`, and with `transactionTotals` while a receipt is open. `Payment`, `executeCashIn`
 and `executeCashOut` send several commands, of which the first may be done: after these, whatever the code, ask first.

@@ -138,7 +138,7 @@ bool agrees(const ResultCode& code) {
   }
   if (mayBeSentAgain(code.result)) return code.repeating == Repeating::kYes;
   if (endsByItself(code.result)) return code.repeating == Repeating::kNo;
-  return code.repeating != Repeating::kYes || (!isCritical(code.result) && code.knowledge != Knowledge::kNothing);
+  return code.repeating != Repeating::kYes || !isCritical(code.result);
 }
 
 /// The codes of a title such as "component -1 cannot-open", "25 paper-end" or "47 48".
@@ -177,6 +177,12 @@ void requireAll(const std::vector<ResultCode>& codes) {
     if (wanted.erase({code.isDevices, code.result}) == 0) fail(0, title + " is explained twice, or is no result");
     const bool isNamed = code.name.empty() ? code.knowledge == Knowledge::kNothing : names.insert(code.name).second;
     if (!isNamed) fail(0, title + " has no name of its own");
+    if (code.repeating == Repeating::kYes && code.knowledge != Knowledge::kMeaning) {
+      fail(0, title + ": nobody knows that it may be repeated");
+    }
+    if (code.repeating == Repeating::kYes && code.knowledge != Knowledge::kMeaning) {
+      fail(0, title + ": nobody knows that it may be repeated");
+    }
     if (!agrees(code)) fail(0, title + ": the component holds it otherwise with repeating");
   }
   for (const auto& [isDevices, result] : wanted) {
