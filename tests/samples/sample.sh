@@ -59,6 +59,15 @@ nodejs() {
   till "$package/bin/node.exe" "$(windows_path "$WORK/till.cjs")"
 }
 
+csharp() {
+  npm_package "$([[ $bits == 32 ]] && echo dotnet-2.1-win-ia32 || echo dotnet-2.0.0-win)"
+  code_page=CP1253
+  mcs -codepage:utf8 -out:"$WORK/Till.dll" "$repo/examples/csharp/Till.cs"
+  cp "$repo/examples/csharp/Till.runtimeconfig.json" "$WORK"
+  as_windows_10 dotnet.exe
+  till "$package/dotnet.exe" "$(windows_path "$WORK/Till.dll")"
+}
+
 wine_up
 start_emulator device --udp 0
 case $name in
