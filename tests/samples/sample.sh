@@ -39,6 +39,11 @@ as_windows_10() {
   in_wine "$(system_program 64 reg)" add "HKCU\\Software\\Wine\\AppDefaults\\$1" /v Version /d win10 /f
 }
 
+# script FILE: run_script has it in UTF-8 already.
+script() {
+  run_script "$bits" "$repo/examples/$name/$1" "$(emulator_address device)" >"$WORK/raw" || echo "it ended with $?"
+}
+
 pascal() {
   code_page=CP1253
   free_pascal "$bits" "$repo/examples/pascal/till_$1.pas" "$WORK/till.exe"
@@ -71,6 +76,9 @@ csharp() {
 wine_up
 start_emulator device --udp 0
 case $name in
+  vbscript) script till.vbs ;;
+  jscript) script till.js ;;
+  cpp_*) till "$repo/build/win$bits/examples/cpp/till-${name#*_}.exe" ;;
   pascal_*) pascal "${name#*_}" ;;
   *) "$name" ;;
 esac

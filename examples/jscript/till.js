@@ -1,0 +1,62 @@
+// A small till: connect, sell, be refused, mend it, pay, disconnect.
+//
+//   cscript //nologo till.js [port]
+//
+// JScript passes values only, so Result and Exresult never come back: what happened is read from the status and from
+// records, which are objects and filled in place. README.md tells what that costs.
+//
+// This file is kept in UTF-8. Script hosts read the ANSI code page: on a Greek machine save a copy in code page 1253
+// before running it (iconv -f UTF-8 -t CP1253).
+var port = WScript.Arguments.length > 0 ? WScript.Arguments(0) : "127.0.0.1:9100";
+var secondGeneration = 3;  // FISCAL_VARLENFISCAL2
+var module = new ActiveXObject("VarlenFiscalQ7734.fiscalTrevikModule");
+
+module.Connect_(port, 0, "", true);
+require(module.getFiscalType == secondGeneration, "connecting");
+
+require(sold("Καφές ελληνικός", 2, 1.80, 24), "selling coffee");
+// No VAT rate of the register is 17.
+require(!sold("Τυρόπιτα", 1, 2.20, 17) && sold("Τυρόπιτα", 1, 2.20, 13), "a refused item");
+require(!sold("Νερό", "μισό", 0.50, 13) && sold("Νερό", "0,5", 0.50, 13), "an impossible quantity");
+module.commentPrinterPrint("Σας ευχαριστούμε!", 1, 0, "", true);
+
+WScript.Echo("total " + total().toFixed(2));
+// A card gives no change.
+require(!paid(2, "ΚΑΡΤΑ", 10) && paid(1, "ΜΕΤΡΗΤΑ", 10), "paying");
+
+module.DisConnect_(port, 0, "", true);
+WScript.Echo("ok");
+
+// What is on the receipt. A new record, as a call that fails would leave in an old one what it had.
+function total() {
+  var totals = new ActiveXObject("VarlenFiscalQ7734.clsTransTotal");
+  module.transactionTotals(totals, 0, "", true);
+  return totals.receiptTotalAmt;
+}
+
+// Whether the item is on the receipt: its total has grown. Why not, nobody tells.
+function sold(description, quantity, price, vatRate) {
+  WScript.Echo("selling " + quantity + " x " + description);
+  var before = total();
+  try {
+    module.ItemSale(description, quantity, price, vatRate, 1, 0, "", true);
+  } catch (error) {
+    // The call itself is impossible: nothing was sent.
+    WScript.Echo("  error " + (error.number + 0x100000000).toString(16));
+    return false;
+  }
+  return total() > before;
+}
+
+function paid(kind, description, amount) {
+  WScript.Echo("paying " + amount.toFixed(2) + " " + description);
+  module.Payment(kind, description, amount, 0, 0, 0, "", true);
+  module.printerStatusRead(0, "", true);
+  return !module.StatusRead.isTransactionOpen;
+}
+
+function require(done, step) {
+  if (done) return;
+  WScript.Echo("FAIL " + step);
+  WScript.Quit(1);
+}
