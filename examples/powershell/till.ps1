@@ -1,0 +1,70 @@
+# A small till: connect, sell, be refused, mend it, pay, disconnect. Not run here.
+#
+#   powershell -ExecutionPolicy Bypass -File till.ps1 [port]
+#
+# This file is kept in UTF-8. Windows PowerShell reads the ANSI code page unless a file begins with a mark: save a copy as
+# "UTF-8 with BOM" or as UTF-16 before running it. PowerShell 7 takes it as it is.
+param([string] $Port = '127.0.0.1:9100')
+$ErrorActionPreference = 'Stop'
+
+$register = New-Object -ComObject 'VarlenFiscalQ7734.fiscalTrevikModule'
+# The component writes to these: every use of them is a reference.
+[int16] $result = 0
+[string] $exresult = ''
+[bool] $suppress = $true
+
+function Test-Success([string] $Step) {
+    if ($script:result -ne 0) { Write-Host "  ${Step}: $script:result $script:exresult" }
+    $script:result -eq 0
+}
+
+function Confirm-Step([bool] $Done, [string] $Step) {
+    if (-not $Done) { throw "FAIL $Step" }
+}
+
+# The quantity is what somebody typed: a text is taken for the number that it is.
+function Add-Item([string] $Description, $Quantity, [double] $Price, [double] $VatRate) {
+    Write-Host "selling $Quantity x $Description"
+    try {
+        $null = $register.ItemSale($Description, $Quantity, $Price, $VatRate, 1, [ref] $script:result,
+            [ref] $script:exresult, [ref] $script:suppress)
+    } catch {
+        # The call itself is impossible: nothing was sent, and the variables are as they were.
+        Write-Host "  $($_.Exception.Message)"
+        return $false
+    }
+    Test-Success 'ItemSale'
+}
+
+function Add-Payment([int16] $Kind, [string] $Description, [double] $Amount) {
+    Write-Host ('paying {0:F2} {1}' -f $Amount, $Description)
+    $null = $register.Payment($Kind, $Description, $Amount, 0, 0, [ref] $script:result, [ref] $script:exresult,
+        [ref] $script:suppress)
+    (Test-Success 'Payment') -and -not $register.StatusRead.isTransactionOpen
+}
+
+$register.Connect_($Port, [ref] $result, [ref] $exresult, [ref] $suppress)
+Confirm-Step (Test-Success 'Connect_') 'connecting'
+[string] $serialNumber = ''
+$null = $register.getSerialNumber([ref] $serialNumber, [ref] $result, [ref] $exresult, [ref] $suppress)
+Confirm-Step (Test-Success 'getSerialNumber') 'finding a register'
+Write-Host "register $serialNumber"
+
+Confirm-Step (Add-Item 'Καφές ελληνικός' 2 1.80 24) 'selling coffee'
+# No VAT rate of the register is 17.
+Confirm-Step (-not (Add-Item 'Τυρόπιτα' 1 2.20 17) -and (Add-Item 'Τυρόπιτα' 1 2.20 13)) 'a refused item'
+Confirm-Step (-not (Add-Item 'Νερό' 'μισό' 0.50 13) -and (Add-Item 'Νερό' '0,5' 0.50 13)) 'an impossible quantity'
+$null = $register.commentPrinterPrint('Σας ευχαριστούμε!', 1, [ref] $result, [ref] $exresult, [ref] $suppress)
+Confirm-Step (Test-Success 'commentPrinterPrint') 'thanking'
+
+$totals = New-Object -ComObject 'VarlenFiscalQ7734.clsTransTotal'
+$register.transactionTotals($totals, [ref] $result, [ref] $exresult, [ref] $suppress)
+Confirm-Step (Test-Success 'transactionTotals') 'asking for the total'
+Write-Host ('total {0:F2}' -f $totals.receiptTotalAmt)
+# A card gives no change.
+Confirm-Step (-not (Add-Payment 2 'ΚΑΡΤΑ' 10) -and (Add-Payment 1 'ΜΕΤΡΗΤΑ' 10)) 'paying'
+
+$null = $register.DisConnect_([ref] $Port, [ref] $result, [ref] $exresult, [ref] $suppress)
+# A closed port is reported as 1, the value of the system call that closed it.
+Confirm-Step ($result -eq 1) 'disconnecting'
+Write-Host 'ok'
