@@ -23,7 +23,7 @@ function Confirm-Step([bool] $Done, [string] $Step) {
 }
 
 # The quantity is what somebody typed: a text is taken for the number that it is.
-function Add-Item([string] $Description, $Quantity, [double] $Price, [double] $VatRate) {
+function Add-Sale([string] $Description, $Quantity, [double] $Price, [double] $VatRate) {
     Write-Host "selling $Quantity x $Description"
     try {
         $null = $register.ItemSale($Description, $Quantity, $Price, $VatRate, 1, [ref] $script:result,
@@ -50,10 +50,10 @@ $null = $register.getSerialNumber([ref] $serialNumber, [ref] $result, [ref] $exr
 Confirm-Step (Test-Success 'getSerialNumber') 'finding a register'
 Write-Host "register $serialNumber"
 
-Confirm-Step (Add-Item 'Καφές ελληνικός' 2 1.80 24) 'selling coffee'
+Confirm-Step (Add-Sale 'Καφές ελληνικός' 2 1.80 24) 'selling coffee'
 # No VAT rate of the register is 17.
-Confirm-Step (-not (Add-Item 'Τυρόπιτα' 1 2.20 17) -and (Add-Item 'Τυρόπιτα' 1 2.20 13)) 'a refused item'
-Confirm-Step (-not (Add-Item 'Νερό' 'μισό' 0.50 13) -and (Add-Item 'Νερό' '0,5' 0.50 13)) 'an impossible quantity'
+Confirm-Step (-not (Add-Sale 'Τυρόπιτα' 1 2.20 17) -and (Add-Sale 'Τυρόπιτα' 1 2.20 13)) 'a refused item'
+Confirm-Step (-not (Add-Sale 'Νερό' 'μισό' 0.50 13) -and (Add-Sale 'Νερό' '0,5' 0.50 13)) 'an impossible quantity'
 $null = $register.commentPrinterPrint('Σας ευχαριστούμε!', 1, [ref] $result, [ref] $exresult, [ref] $suppress)
 Confirm-Step (Test-Success 'commentPrinterPrint') 'thanking'
 

@@ -3,8 +3,8 @@ Attribute VB_Name = "TillModule"
 '
 '   Till.exe [port]
 '
-' This file is kept in UTF-8, and Visual Basic reads the ANSI code page: save a copy in code page 1253 before opening the
-' project (iconv -f UTF-8 -t CP1253), and set the system's language for programs without Unicode to Greek.
+' This file is kept in UTF-8, and Visual Basic reads the ANSI code page and wants CR LF: README.md tells how to save a copy.
+' The system's language for programs without Unicode has to be Greek.
 Option Explicit
 
 Private Register As VarlenFiscalQ7734.fiscalTrevikModule

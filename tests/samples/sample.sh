@@ -31,7 +31,7 @@ stop_sample() {
 
 # till COMMAND...: runs the sample with the device's address as its last argument.
 till() {
-  wine_limit=60 in_wine "$@" "$(emulator_address device)" >"$WORK/raw" || echo "it ended with $?"
+  wine_limit=240 in_wine "$@" "$(emulator_address device)" >"$WORK/raw" || echo "it ended with $?"
 }
 
 # as_windows_10 PROGRAM: the runtimes want a newer Windows than the prefix says it is.
@@ -41,7 +41,7 @@ as_windows_10() {
 
 # script FILE: run_script has it in UTF-8 already.
 script() {
-  run_script "$bits" "$repo/examples/$name/$1" "$(emulator_address device)" >"$WORK/raw" || echo "it ended with $?"
+  wine_limit=240 run_script "$bits" "$repo/examples/$name/$1" "$(emulator_address device)" >"$WORK/raw" || echo "it ended with $?"
 }
 
 pascal() {
