@@ -1,5 +1,5 @@
 # Compilers and runtimes of other languages for Windows, with which the samples are tried under Wine; nothing of them is
-# shipped. Sourced, never run; the sourcing script sets `repo`. What is made here stays in build/languages.
+# shipped. Sourced behind wine.sh, never run. What is made here stays in build/languages.
 
 languages="$repo/build/languages"
 mkdir -p "$languages"
@@ -29,8 +29,12 @@ fetch_npm_package() {
   file=$(cd "$folder" && timeout 300 npm pack --silent "$pinned")
   [[ sha512-$(openssl dgst -sha512 -binary "$folder/$file" | base64 -w 0) == "$integrity" ]] ||
     die "$pinned is not what runtimes.lock has pinned"
-  tar xzf "$folder/$file" -C "$folder" --strip-components=1
-  rm "$folder/$file"
+  tar xzf "$folder/$file" -C "$folder" --strip-components=1 && rm "$folder/$file"
+}
+
+# as_windows_10 PROGRAM: what runs .NET or Node.js wants a newer Windows than Wine says it is.
+as_windows_10() {
+  in_wine "$(system_program 64 reg)" add "HKCU\\Software\\Wine\\AppDefaults\\$1" /v Version /d win10 /f
 }
 
 # free_pascal BITS SOURCE PROGRAM: compiles for Windows. Units lie beside the source.
