@@ -148,6 +148,12 @@ Fault takeFault(Words& words) {
 
 }  // namespace
 
+std::vector<std::string> faultNames() {
+  std::vector<std::string> names;
+  for (const Row& row : kRows) names.emplace_back(row.name);
+  return names;
+}
+
 int Faults::add(std::string_view rule) {
   Words words(rule);
   Rule parsed;

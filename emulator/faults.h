@@ -50,6 +50,9 @@ struct FaultError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// The names of all faults, as they stand in rules.
+std::vector<std::string> faultNames();
+
 /// Misbehaviour on demand. README.md has the grammar of the rules.
 class Faults {
  public:

@@ -1,0 +1,168 @@
+#include "campaign/machine.h"
+
+#include <cmath>
+
+#include "protocol/wire.h"
+
+namespace mirvane::campaign {
+namespace {
+
+constexpr double kGlance = 0.0005;
+constexpr double kIdleRead = 0.01;
+constexpr double kNoon = 12 * 3600;
+
+class NoView : public platform::JournalView {
+ public:
+  void beginFile(TextView) override {}
+  void append(TextView, std::size_t) override {}
+  void processEvents() override {}
+};
+
+/// Notes a frame that goes out.
+void note(Tap& tap, std::string_view bytes, double now) {
+  if (!bytes.starts_with(wire::kStx)) return;
+  tap.commands.emplace_back(bytes.substr(1, bytes.size() - 4));
+  tap.answered.push_back(0);
+  tap.lastFrame = now;
+}
+
+void noteAnswer(Tap& tap, std::string_view bytes) {
+  const bool isReply = bytes.size() > 1 && !tap.answered.empty();
+  if (isReply) tap.answered.back() += bytes.size();
+}
+
+void passMoment(const Tap& tap) {
+  if (tap.moment) tap.moment();
+}
+
+}  // namespace
+
+void VirtualClock::advance(double seconds) {
+  now += seconds;
+  if (now > limit) throw StillWaiting();
+}
+
+double VirtualClock::elapsed() {
+  advance(kGlance);
+  return now;
+}
+
+double VirtualClock::secondsSinceMidnight() { return std::fmod(kNoon + elapsed(), 86400.0); }
+
+platform::LocalTime VirtualClock::localTime() {
+  const int seconds = static_cast<int>(secondsSinceMidnight());
+  return {2026, 11, 22, seconds / 3600, seconds / 60 % 60, seconds % 60};
+}
+
+void Operator::waitWhile(platform::WaitText text, const std::function<bool(platform::WaitText&)>& tick) {
+  do clock_.advance(1);
+  while (tick(text));
+}
+
+std::unique_ptr<platform::JournalView> Operator::showJournal() { return std::make_unique<NoView>(); }
+
+std::optional<std::string> Disk::read(TextView path) {
+  const auto file = files.find(Text(path));
+  return file == files.end() ? std::nullopt : std::optional(file->second);
+}
+
+bool Disk::replace(TextView path, std::string_view bytes) {
+  files[Text(path)] = bytes;
+  return true;
+}
+
+std::size_t TappedPort::write(std::int32_t handle, std::string_view bytes) {
+  note(tap_, bytes, clock_.now);
+  if (!tap_.moment) return LoopbackPort::write(handle, bytes);
+  std::size_t written = 0;
+  for (const char byte : bytes) {
+    passMoment(tap_);
+    written += LoopbackPort::write(handle, {&byte, 1});
+  }
+  passMoment(tap_);
+  return written;
+}
+
+std::string TappedPort::read(std::int32_t handle, std::size_t most) {
+  if (waiting(handle) == 0) clock_.advance(kIdleRead);
+  std::string bytes = LoopbackPort::read(handle, tap_.moment ? 1 : most);
+  if (!bytes.empty()) passMoment(tap_);
+  if (!tap_.answered.empty()) tap_.answered.back() += bytes.size();
+  return bytes;
+}
+
+bool TappedSockets::send(std::int32_t handle, std::string_view bytes) {
+  note(tap_, bytes, clock_.now);
+  passMoment(tap_);
+  const bool isSent = LoopbackSockets::send(handle, bytes);
+  passMoment(tap_);
+  return isSent;
+}
+
+std::optional<std::string> TappedSockets::receive(std::int32_t handle, std::size_t most) {
+  auto datagram = LoopbackSockets::receive(handle, most);
+  passMoment(tap_);
+  if (datagram) noteAnswer(tap_, *datagram);
+  return datagram;
+}
+
+Machine::Machine(LineKind line)
+    : device({}, [this] { return clock.localTime(); }, [this] { return clock.now; }),
+      platform{port_, sockets_, clock, operator_, disk},
+      line_(line),
+      port_(device, faults, clock, tap),
+      sockets_(device, faults, clock, tap,
+               line == LineKind::kNetworkEnq ? emulator::Line::Acknowledges::kEnq
+                                             : emulator::Line::Acknowledges::kFrame),
+      operator_(clock) {
+  device.journal().options.pieceSize = 600;
+  device.journal().options.keep = [this](const emulator::Journal::File& file) {
+    journal_[file.name] = file.bytes + "\r\n";
+    return true;
+  };
+}
+
+void Machine::settleCard() {
+  clock.now += device.cards().options.seconds;
+  device.settleCard();
+}
+
+std::vector<const emulator::Receipt*> Machine::receipts() {
+  std::vector<const emulator::Receipt*> all;
+  for (const emulator::Document& document : device.roll().documents()) {
+    if (document.receipt) all.push_back(&*document.receipt);
+  }
+  if (device.fiscal().receipt) all.push_back(&*device.fiscal().receipt);
+  return all;
+}
+
+int Machine::cardCharges() {
+  int charges = 0;
+  device.cards().visitMemory([&charges](std::string_view name, auto& member) {
+    if constexpr (std::is_same_v<decltype(member), int&>) {
+      if (name == "approvals") charges = member;
+    }
+  });
+  return charges;
+}
+
+int Machine::journalsMissing() {
+  const int closures = device.fiscal().closures;
+  int missing = 0;
+  for (int closure = 1; closure <= closures; ++closure) {
+    bool isWhole = true;
+    for (const char* suffix : {"_a.txt", "_b.txt", "_s.txt"}) {
+      const std::string folder = "MVE25000017\\000" + std::to_string(closure) + "\\";
+      const std::string name = "MVE25000017000" + std::to_string(closure) + suffix;
+      for (const char* drive : {"c:\\bbox\\", "c:\\bboxBackUp\\"}) {
+        const auto saved = disk.files.find(fromUtf8(drive + folder + name));
+        const auto handed = journal_.find(name);
+        isWhole = isWhole && handed != journal_.end() && saved != disk.files.end() && saved->second == handed->second;
+      }
+    }
+    missing += isWhole ? 0 : 1;
+  }
+  return missing;
+}
+
+}  // namespace mirvane::campaign

@@ -1,0 +1,135 @@
+#pragma once
+
+#include <functional>
+#include <limits>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "emulator/loopback.h"
+
+// A till's machine with a register at its line, in one process and in time of its own: nothing in it waits.
+namespace mirvane::campaign {
+
+enum class LineKind { kSerial, kNetworkFrame, kNetworkEnq };
+constexpr LineKind kLines[] = {LineKind::kSerial, LineKind::kNetworkFrame, LineKind::kNetworkEnq};
+
+/// Thrown out of a wait that has gone past the clock's limit. No exception that the component knows, so that it ends
+/// the call whatever that would catch.
+struct StillWaiting {};
+
+/// Time that passes when somebody waits, and a little whenever somebody looks.
+class VirtualClock : public platform::Clock {
+ public:
+  double secondsSinceMidnight() override;
+  double elapsed() override;
+  platform::LocalTime localTime() override;
+  void sleep(std::uint32_t milliseconds) override { advance(milliseconds / 1000.0); }
+  void advance(double seconds);
+
+  double now = 0;
+  /// Past this moment a wait throws StillWaiting.
+  double limit = std::numeric_limits<double>::infinity();
+};
+
+/// An operator who closes every box and waits as long as asked.
+class Operator : public platform::Screen {
+ public:
+  explicit Operator(VirtualClock& clock) : clock_(clock) {}
+
+  void messageBox(TextView, std::uint32_t, TextView) override {}
+  void waitWhile(platform::WaitText text, const std::function<bool(platform::WaitText&)>& tick) override;
+  std::unique_ptr<platform::JournalView> showJournal() override;
+  void showTrace(bool) override {}
+  void traceLine(TextView) override {}
+
+ private:
+  VirtualClock& clock_;
+};
+
+class Disk : public platform::Files {
+ public:
+  Text componentFolder() override { return u"C:\\till"; }
+  std::optional<std::string> read(TextView path) override;
+  bool makeFolder(TextView) override { return true; }
+  bool replace(TextView path, std::string_view bytes) override;
+
+  std::map<Text, std::string> files;
+};
+
+/// Looks on at a line.
+struct Tap {
+  /// The commands that the till sent, one for each frame, without STX, checksum and ETX.
+  std::vector<std::string> commands;
+  /// The bytes that came back after each.
+  std::vector<std::size_t> answered;
+  /// When the till sent a frame last.
+  double lastFrame = 0;
+  /// Called before and after each byte on the serial line, and each datagram, in both directions. What it throws ends
+  /// the till there.
+  std::function<void()> moment;
+};
+
+/// The serial line with a tap. An idle read takes a while longer than the line's time-outs, which saves turns.
+class TappedPort : public emulator::LoopbackPort {
+ public:
+  TappedPort(emulator::Device& device, emulator::Faults& faults, VirtualClock& clock, Tap& tap)
+      : LoopbackPort(device, faults, clock), clock_(clock), tap_(tap) {}
+
+  std::size_t write(std::int32_t handle, std::string_view bytes) override;
+  std::string read(std::int32_t handle, std::size_t most) override;
+
+ private:
+  VirtualClock& clock_;
+  Tap& tap_;
+};
+
+class TappedSockets : public emulator::LoopbackSockets {
+ public:
+  TappedSockets(emulator::Device& device, emulator::Faults& faults, VirtualClock& clock, Tap& tap,
+                emulator::Line::Acknowledges acknowledges)
+      : LoopbackSockets(device, faults, clock, acknowledges), clock_(clock), tap_(tap) {}
+
+  bool send(std::int32_t handle, std::string_view bytes) override;
+  std::optional<std::string> receive(std::int32_t handle, std::size_t most) override;
+
+ private:
+  VirtualClock& clock_;
+  Tap& tap_;
+};
+
+/// The machine, and the register as whoever stands beside it sees it.
+class Machine {
+ public:
+  explicit Machine(LineKind line);
+  Machine(const Machine&) = delete;
+  Machine& operator=(const Machine&) = delete;
+
+  TextView portName() const { return line_ == LineKind::kSerial ? u"COM1" : u"10.0.0.5:9100"; }
+  /// Lets a card payment that is with its terminal come to its end.
+  void settleCard();
+
+  // What the register booked.
+  /// All receipts, the open one last.
+  std::vector<const emulator::Receipt*> receipts();
+  int cardCharges();
+  /// The day's closings whose journal is not on the disk, in both folders, byte for byte.
+  int journalsMissing();
+
+  VirtualClock clock;
+  emulator::Device device;
+  emulator::Faults faults;
+  Tap tap;
+  Disk disk;
+  platform::Platform platform;
+
+ private:
+  const LineKind line_;
+  TappedPort port_;
+  TappedSockets sockets_;
+  Operator operator_;
+  /// The journal files that the register handed over.
+  std::map<std::string, std::string> journal_;
+};
+
+}  // namespace mirvane::campaign

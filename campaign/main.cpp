@@ -1,0 +1,98 @@
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include "campaign/day.h"
+#include "campaign/runner.h"
+#include "campaign/table.h"
+
+// Every fault of the emulator at every command of a day, and what a till is told against what the register booked.
+//
+//   campaign SOURCES                writes the tables into SOURCES/docs/reliability.md and the share's numbers into
+//                                   SOURCES/campaign/accepted.txt
+//   campaign SOURCES share          runs a share and fails when it is worse than those numbers
+//   campaign SOURCES LINE RULE...   one day, call by call; LINE is 0 serial, 1 or 2 network that acknowledges the frame
+//                                   or the ENQ
+namespace mirvane::campaign {
+namespace {
+
+Tally only(Column column) {
+  Tally tally{};
+  tally[kRuns] = tally[column] = 1;
+  return tally;
+}
+
+std::vector<Tally> runPlan(const Plan& plan) {
+  const auto run = [&plan](std::size_t index) {
+    Machine machine(plan.runs[index].line);
+    return runDay(machine, plan.runs[index].rules);
+  };
+  return runAll(plan.runs.size(), 2, run, only(kCrash), only(kHang));
+}
+
+Sums sumsOf(const Plan& plan, const std::vector<Tally>& tallies, bool shareOnly) {
+  Sums sums;
+  for (std::size_t i = 0; i < plan.runs.size(); ++i) {
+    const Run& run = plan.runs[i];
+    if (!shareOnly || run.isInShare()) add(sums[{run.row, run.line}], tallies[i]);
+  }
+  return sums;
+}
+
+std::string contentsOf(const std::string& path) {
+  std::ostringstream text;
+  text << std::ifstream(path).rdbuf();
+  return text.str();
+}
+
+/// Puts `text` between the page's marks.
+void writeInto(const std::string& path, const std::string& text) {
+  constexpr std::string_view kBegin = "<!-- written by ./run campaign -->\n";
+  constexpr std::string_view kEnd = "<!-- end -->";
+  std::string page = contentsOf(path);
+  const std::size_t begin = page.find(kBegin) + kBegin.size();
+  page.replace(begin, page.find(kEnd, begin) - begin, text + "\n");
+  std::ofstream(path) << page;
+}
+
+int runShare(Plan plan, const std::string& accepted) {
+  std::erase_if(plan.runs, [](const Run& run) { return !run.isInShare(); });
+  const std::string worse = whatIsWorse(plan, sumsOf(plan, runPlan(plan), true), contentsOf(accepted));
+  std::cout << plan.runs.size() << " days\n";
+  if (worse.empty()) return 0;
+  std::cout << worse << "to see it all, and to accept it: ./run campaign\n";
+  return 1;
+}
+
+int runEverything(const Plan& plan, const std::string& page, const std::string& accepted) {
+  const std::vector<Tally> tallies = runPlan(plan);
+  const std::string text = tables(plan, sumsOf(plan, tallies, false));
+  std::cout << text;
+  writeInto(page, text);
+  std::ofstream(accepted) << numbers(plan, sumsOf(plan, tallies, true));
+  return 0;
+}
+
+int runOne(LineKind line, const std::vector<std::string>& rules) {
+  Machine machine(line);
+  const Tally tally = runDay(machine, rules, [](const std::string& call) { std::cout << call << "\n"; });
+  for (std::size_t i = 1; i < kColumns; ++i) {
+    if (tally[i] != 0) std::cout << kColumnNames[i] << ": " << tally[i] << "\n";
+  }
+  return 0;
+}
+
+int run(const std::vector<std::string>& arguments) {
+  const std::string accepted = arguments[0] + "/campaign/accepted.txt";
+  if (arguments.size() == 1) return runEverything(makePlan(), arguments[0] + "/docs/reliability.md", accepted);
+  if (arguments[1] == "share") return runShare(makePlan(), accepted);
+  return runOne(kLines[std::stoul(arguments[1])], {arguments.begin() + 2, arguments.end()});
+}
+
+}  // namespace
+}  // namespace mirvane::campaign
+
+int main(int argc, char** argv) {
+  if (argc < 2) return 2;
+  return mirvane::campaign::run({argv + 1, argv + argc});
+}

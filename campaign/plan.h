@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "campaign/machine.h"
+
+namespace mirvane::campaign {
+
+/// A row of the table: one kind of fault, and how it comes.
+struct Row {
+  enum class Group { kOnce, kLasting, kPairs } group;
+  std::string fault;
+};
+
+struct Run {
+  /// In Plan::rows.
+  std::size_t row;
+  LineKind line;
+  std::vector<std::string> rules;
+
+  /// Whether it is one of the few that every test runs; that depends on the run alone, not on the others.
+  bool isInShare() const;
+};
+
+struct Plan {
+  std::vector<Row> rows;
+  std::vector<Run> runs;
+};
+
+/// Every fault that the emulator knows, at every command of a day, over every line.
+Plan makePlan();
+
+}  // namespace mirvane::campaign
