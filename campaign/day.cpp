@@ -153,8 +153,9 @@ class Day {
     tally_[kToldUnknown] += !toldDone && after > before && isNoAnswer;
     done_.push_back(step.timesDone);
     if (!log_) return;
-    log_(std::string(step.name) + ": told " + (toldDone ? "done" : "failed") + " (" + std::to_string(till_.Result) + " " +
-         toUtf8(till_.Exresult) + "), done " + std::to_string(after - before) + (step.isWhole() ? "" : ", not closed"));
+    log_(std::string(step.name) + ": told " + (toldDone ? "done" : "failed") + " (" + std::to_string(till_.Result) +
+         " " + toUtf8(till_.Exresult) + "), done " + std::to_string(after - before) +
+         (step.isWhole() ? "" : ", not closed"));
   }
 
   Machine& machine_;

@@ -107,13 +107,14 @@ std::optional<std::string> TappedSockets::receive(std::int32_t handle, std::size
 }
 
 Machine::Machine(LineKind line)
-    : device({}, [this] { return clock.localTime(); }, [this] { return clock.now; }),
+    : device(
+          {}, [this] { return clock.localTime(); }, [this] { return clock.now; }),
       platform{port_, sockets_, clock, operator_, disk},
       line_(line),
       port_(device, faults, clock, tap),
-      sockets_(device, faults, clock, tap,
-               line == LineKind::kNetworkEnq ? emulator::Line::Acknowledges::kEnq
-                                             : emulator::Line::Acknowledges::kFrame),
+      sockets_(
+          device, faults, clock, tap,
+          line == LineKind::kNetworkEnq ? emulator::Line::Acknowledges::kEnq : emulator::Line::Acknowledges::kFrame),
       operator_(clock) {
   device.journal().options.pieceSize = 600;
   device.journal().options.keep = [this](const emulator::Journal::File& file) {

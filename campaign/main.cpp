@@ -11,6 +11,7 @@
 //   campaign SOURCES                writes the tables into SOURCES/docs/reliability.md and the share's numbers into
 //                                   SOURCES/campaign/accepted.txt
 //   campaign SOURCES share          runs a share and fails when it is worse than those numbers
+//   campaign SOURCES find FAULT     names the days of that fault's rows on which something was found
 //   campaign SOURCES LINE RULE...   one day, call by call; LINE is 0 serial, 1 or 2 network that acknowledges the frame
 //                                   or the ENQ
 namespace mirvane::campaign {
@@ -73,12 +74,32 @@ int runEverything(const Plan& plan, const std::string& page, const std::string& 
   return 0;
 }
 
+std::string findings(const Tally& tally) {
+  std::string text;
+  for (std::size_t i = kRuns + 1; i < kColumns; ++i) {
+    if (tally[i] != 0)
+      text += (text.empty() ? "" : ", ") + std::string(kColumnNames[i]) + " " + std::to_string(tally[i]);
+  }
+  return text;
+}
+
+int find(Plan plan, const std::string& fault) {
+  std::erase_if(plan.runs, [&](const Run& run) { return plan.rows[run.row].fault != fault; });
+  const std::vector<Tally> tallies = runPlan(plan);
+  for (std::size_t i = 0; i < plan.runs.size(); ++i) {
+    const std::string found = findings(tallies[i]);
+    if (found.empty()) continue;
+    std::cout << static_cast<int>(plan.runs[i].line);
+    for (const std::string& rule : plan.runs[i].rules) std::cout << " '" << rule << "'";
+    std::cout << ": " << found << "\n";
+  }
+  return 0;
+}
+
 int runOne(LineKind line, const std::vector<std::string>& rules) {
   Machine machine(line);
   const Tally tally = runDay(machine, rules, [](const std::string& call) { std::cout << call << "\n"; });
-  for (std::size_t i = 1; i < kColumns; ++i) {
-    if (tally[i] != 0) std::cout << kColumnNames[i] << ": " << tally[i] << "\n";
-  }
+  std::cout << findings(tally) << "\n";
   return 0;
 }
 
@@ -86,6 +107,7 @@ int run(const std::vector<std::string>& arguments) {
   const std::string accepted = arguments[0] + "/campaign/accepted.txt";
   if (arguments.size() == 1) return runEverything(makePlan(), arguments[0] + "/docs/reliability.md", accepted);
   if (arguments[1] == "share") return runShare(makePlan(), accepted);
+  if (arguments[1] == "find") return find(makePlan(), arguments.at(2));
   return runOne(kLines[std::stoul(arguments[1])], {arguments.begin() + 2, arguments.end()});
 }
 

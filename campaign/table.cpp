@@ -70,8 +70,8 @@ std::string whatIsWorse(const Plan& plan, const Sums& sums, const std::string& a
     const Tally& known = before[keyOf(plan, at)];
     for (std::size_t column = kRuns + 1; column < kColumns; ++column) {
       if (tally[column] <= known[column]) continue;
-      out << keyOf(plan, at) << ": " << kColumnNames[column] << " " << tally[column] << ", accepted "
-          << known[column] << "\n";
+      out << keyOf(plan, at) << ": " << kColumnNames[column] << " " << tally[column] << ", accepted " << known[column]
+          << "\n";
     }
   }
   return out.str();

@@ -8,8 +8,8 @@ namespace mirvane::campaign {
 /// What is counted, in the order of the table's columns.
 enum Column {
   kRuns,
-  kToldDone,    // calls told that it is done, and it is not
-  kToldFailed,  // calls told that it failed, and it is done
+  kToldDone,     // calls told that it is done, and it is not
+  kToldFailed,   // calls told that it failed, and it is done
   kToldUnknown,  // those of them that were told "no answer"
   kBookedTwice,
   kChargedTwice,

@@ -48,6 +48,12 @@ bool onlyAsks(TextView command) {
          std::any_of(kBegin.begin(), kBegin.end(), [&](TextView begin) { return command.starts_with(begin); });
 }
 
+// Whether a command prepares the journal or reads its next piece. A cut number would put it into the
+// wrong folder.
+bool movesJournal(TextView command) {
+  return command == u"Q/" || command == u"A/" || command == u"#/" || command == u")/";
+}
+
 // A reply begins at the last STX with a result and status bytes behind it: what stands before is the rest of an attempt
 // that was cut off, or noise. With no such STX it is all that came.
 TextView replyIn(TextView received) {
@@ -96,7 +102,7 @@ Reply exchange(TextView command, const Sending& sending, SilenceObserver& silenc
     Text clean = withoutControls(framed);
     transport().trace(u" reply     ", clean);
     // What a piece of the journal lacks is lost: the device has moved on.
-    const bool lacksPiece = isCut(framed) && sent == u"Q/";
+    const bool lacksPiece = isCut(framed) && movesJournal(sent);
     const bool lacksAnswer = (isCut(framed) || !hasStatus(clean)) && onlyAsks(sent);
     if (!lacksPiece && !lacksAnswer) {
       Reply reply(std::move(clean));
