@@ -24,33 +24,9 @@ const Text kRest = u"ΥΠΟΛΟΙΠΟ";
 
 double euros(emulator::Cents cents) { return static_cast<double>(cents) / 100; }
 
-int itemsBooked(Machine& machine, emulator::ItemKind kind, TextView description) {
-  int count = 0;
-  for (const emulator::Receipt* receipt : machine.receipts()) {
-    for (const emulator::Item& item : receipt->items()) count += item.kind == kind && item.description == description;
-  }
-  return count;
-}
-
 int discountsBooked(Machine& machine) {
   int count = 0;
   for (const emulator::Receipt* receipt : machine.receipts()) count += static_cast<int>(receipt->adjustments().size());
-  return count;
-}
-
-int paymentsBooked(Machine& machine, TextView description) {
-  int count = 0;
-  for (const emulator::Receipt* receipt : machine.receipts()) {
-    for (const emulator::Payment& payment : receipt->payments()) count += payment.description == description;
-  }
-  return count;
-}
-
-int linesPrinted(Machine& machine, TextView text) {
-  int count = 0;
-  for (const Document& document : machine.device.roll().documents()) {
-    for (const emulator::PaperLine& line : document.lines) count += line.text.find(text) != Text::npos;
-  }
   return count;
 }
 
@@ -110,7 +86,7 @@ class Day {
           },
           [this] { return discountsBooked(machine_); }});
     step({"comment", [](Till& till) { return till.call("commentPrinterPrint", kComment, 1); },
-          [this] { return linesPrinted(machine_, kComment); }});
+          [this] { return machine_.linesPrinted(kComment); }});
     pay(1, kCash, 3);
     if (remaining(machine_) > 0) pay(2, kCard, euros(remaining(machine_)));
     if (remaining(machine_) > 0) pay(1, kRest, 0);
@@ -121,14 +97,14 @@ class Day {
     step({"cash in", [](Till& till) { return till.call("executeCashIn", 50.0, u"ΚΕΡΜΑΤΑ"); },
           [this] { return documentsClosed(machine_, Document::Kind::kCashIn); }});
     step({"X", [](Till& till) { return till.call("issueXReport"); },
-          [this] { return linesPrinted(machine_, u"ΑΝΑΦΟΡΑ Χ - ΛΗΞΗ"); }});
+          [this] { return machine_.linesPrinted(u"ΑΝΑΦΟΡΑ Χ - ΛΗΞΗ"); }});
     step({"Z", [](Till& till) { return till.call("issueZReport"); },
           [this] { return machine_.device.fiscal().closures; }});
   }
 
   void sell(const char* member, emulator::ItemKind kind, const Text& name) {
     step({member, [member, &name](Till& till) { return till.call(member, name, 2.0, 1.25, 24.0, 1); },
-          [this, kind, &name] { return itemsBooked(machine_, kind, name); }});
+          [this, kind, &name] { return machine_.itemsBooked(kind, name); }});
   }
 
   void pay(std::int16_t number, const Text& name, double amount) {
@@ -137,7 +113,7 @@ class Day {
             std::int16_t terminal = number == 2 ? 1 : 0;
             return till.call("Payment", number, name, amount, terminal, terminal);
           },
-          [this, &name] { return paymentsBooked(machine_, name); },
+          [this, &name] { return machine_.paymentsBooked(name); },
           [this] { return !isReceiptOpen(machine_) || remaining(machine_) > 0; }});
   }
 

@@ -137,6 +137,30 @@ std::vector<const emulator::Receipt*> Machine::receipts() {
   return all;
 }
 
+int Machine::itemsBooked(emulator::ItemKind kind, TextView description) {
+  int count = 0;
+  for (const emulator::Receipt* receipt : receipts()) {
+    for (const emulator::Item& item : receipt->items()) count += item.kind == kind && item.description == description;
+  }
+  return count;
+}
+
+int Machine::paymentsBooked(TextView description) {
+  int count = 0;
+  for (const emulator::Receipt* receipt : receipts()) {
+    for (const emulator::Payment& payment : receipt->payments()) count += payment.description == description;
+  }
+  return count;
+}
+
+int Machine::linesPrinted(TextView text) {
+  int count = 0;
+  for (const emulator::Document& document : device.roll().documents()) {
+    for (const emulator::PaperLine& line : document.lines) count += line.text.find(text) != Text::npos;
+  }
+  return count;
+}
+
 int Machine::cardCharges() {
   int charges = 0;
   device.cards().visitMemory([&charges](std::string_view name, auto& member) {

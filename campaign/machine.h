@@ -109,7 +109,13 @@ class Machine {
   /// Lets a card payment that is with its terminal come to its end.
   void settleCard();
 
+  /// The system closes what a program that was killed had open.
+  void hangUp() { port_.close(1); }
+
   // What the register booked.
+  int itemsBooked(emulator::ItemKind kind, TextView description);
+  int paymentsBooked(TextView description);
+  int linesPrinted(TextView text);
   /// All receipts, the open one last.
   std::vector<const emulator::Receipt*> receipts();
   int cardCharges();

@@ -28,6 +28,9 @@ struct Plan {
   std::vector<Run> runs;
 };
 
+/// Each fault that the emulator knows, with the arguments that are tried, as in a rule.
+std::vector<std::string> singleFaults();
+
 /// Every fault that the emulator knows, at every command of a day, over every line.
 Plan makePlan();
 

@@ -1,0 +1,160 @@
+#include "campaign/recovery.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "records/cls_daily_acc.h"
+#include "records/cls_trans_total.h"
+#include "text/text.h"
+
+namespace mirvane::campaign {
+namespace {
+
+constexpr int kTries = 10;
+
+/// What the register tells, in this order; amounts in cents.
+enum Field { kReceipts, kNumber, kTotal, kOpen, kRemaining, kPaid, kFields };
+
+std::vector<std::string> splitAt(const std::string& text, char separator) {
+  std::vector<std::string> pieces;
+  for (const Text& piece : split(fromUtf8(text), static_cast<char16_t>(separator))) pieces.push_back(toUtf8(piece));
+  return pieces;
+}
+
+/// The digits of "4.00", which are cents; -1 when it is no such number.
+long cents(const Text& field) {
+  std::string digits = toUtf8(field);
+  if (digits.size() < 4 || digits[digits.size() - 3] != '.') return -1;
+  digits.erase(digits.size() - 3, 1);
+  const bool isNumber = std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; });
+  return isNumber ? std::stol(digits) : -1;
+}
+
+}  // namespace
+
+std::string Cashier::lookOnce() {
+  const auto day = std::make_shared<clsDailyAcc>();
+  const auto receipt = std::make_shared<clsTransTotal>();
+  if (!till_.call("getDailyTotals", *day) || !till_.call("transactionTotals", *receipt)) return {};
+  long remaining = 0;
+  long paid = 0;
+  long open = 0;
+  const bool isTold = till_.send(u"5/99/1/1/1/");
+  // No receipt is open, or a cash document.
+  const bool isClosed = till_.Result == 64 || till_.Result == 67 || till_.Result == 68;
+  if (!isTold && !isClosed) return {};
+  if (isTold) {
+    const std::vector<Text> fields = split(till_.Exresult, u'/');
+    if (fields.size() != 7) return {};
+    open = 1;
+    remaining = cents(fields[3]);
+    paid = cents(fields[5]);
+    if (remaining < 0 || paid < 0) return {};
+  }
+  std::string look = std::to_string(day->LegalReceiptCount) + ";" + std::to_string(receipt->receiptNumber);
+  for (const long value : {std::lround(receipt->receiptTotalAmt * 100), open, remaining, paid}) {
+    look += ";" + std::to_string(value);
+  }
+  return look;
+}
+
+std::string Cashier::picture() {
+  std::string before;
+  for (int i = 0; i < kTries; ++i) {
+    std::string now = lookOnce();
+    if (!now.empty() && now == before) return now;
+    before = std::move(now);
+  }
+  return {};
+}
+
+std::string Cashier::judge(const std::string& what, long amount, const std::string& before, const std::string& now) {
+  if (before.empty() || now.empty() || what == "comment") return "unknown";
+  long b[kFields];
+  long n[kFields];
+  for (std::size_t i = 0; i < kFields; ++i) {
+    b[i] = std::stol(splitAt(before, ';')[i]);
+    n[i] = std::stol(splitAt(now, ';')[i]);
+  }
+  const bool isBooked = n[kOpen] == 0 && n[kReceipts] == b[kReceipts] + 1;
+  if (what == "receipt") {
+    if (isBooked && n[kNumber] == b[kNumber] + 1) return "committed";
+    if (n[kReceipts] == b[kReceipts] && n[kNumber] <= b[kNumber] + 1) return "not committed";
+    return "unknown";
+  }
+  if (now == before) return "not committed";
+  if (what == "line") return n[kTotal] == b[kTotal] + amount ? "committed" : "unknown";
+  // More than remains gives change.
+  const long due = amount == 0 ? b[kRemaining] : std::min(amount, b[kRemaining]);
+  const bool isAdded = n[kOpen] == 1 && n[kPaid] == b[kPaid] + due;
+  return isAdded || (isBooked && due == b[kRemaining]) ? "committed" : "unknown";
+}
+
+void Cashier::save(const std::string& line) {
+  for (const char byte : line + "\n") {
+    if (file_.moment) file_.moment();
+    file_.bytes += byte;
+  }
+}
+
+Cashier::Answers Cashier::recover() {
+  Answers answers;
+  std::vector<std::string> receipt;
+  std::vector<std::string> act;
+  std::vector<std::string> was;
+  for (const std::string& line : splitAt(file_.bytes, '\n')) {
+    const std::vector<std::string> fields = splitAt(line, '|');
+    // Cut by the end of the program; what it announces was not begun.
+    if (fields.back() != ".") continue;
+    if (fields[0] == "receipt") receipt = fields;
+    if (fields[0] == "do") {
+      act = fields;
+      was.clear();
+      ++answers.act;
+    }
+    if (fields[0] == "was") was = fields;
+  }
+  // A line that was cut stays by itself.
+  save("");
+  known_ = picture();
+  if (!act.empty() && was.empty()) {
+    answers.last = judge(act[1], std::stol(act[2]), act[3], known_);
+    if (!known_.empty()) save("was|" + answers.last + "|.");
+  } else if (!was.empty()) {
+    answers.last = was[1];
+  }
+  if (receipt.empty()) return answers;
+  const bool isPaid = !known_.empty() && splitAt(known_, ';')[kOpen] == "1" &&
+                      splitAt(known_, ';')[kRemaining] == "0" && splitAt(known_, ';')[kPaid] != "0";
+  if (isPaid) {
+    till_.send(u"O/1/");
+    known_ = picture();
+  }
+  answers.receipt = judge("receipt", 0, receipt[1], known_);
+  return answers;
+}
+
+void Cashier::beginReceipt() {
+  known_ = picture();
+  save("receipt|" + known_ + "|.");
+}
+
+std::string Cashier::perform(const Act& act) {
+  if (known_.empty()) known_ = picture();
+  // A register that does not tell where it stands is told nothing.
+  if (known_.empty()) return "not committed";
+  const std::string before = known_;
+  save("do|" + act.what + "|" + std::to_string(act.amount) + "|" + before + "|.");
+  const double euros = static_cast<double>(act.amount) / 100;
+  if (act.what == "line" && euros > 0) till_.call("ItemSale", act.detail, 1.0, euros, 24.0, 1);
+  if (act.what == "line" && euros < 0) till_.call("ItemVoid", act.detail, 1.0, -euros, 24.0, 1);
+  if (act.what == "comment") till_.call("commentPrinterPrint", act.detail, 1);
+  if (act.what == "cash") till_.call("Payment", 1, act.detail, euros, 0, 0);
+  if (act.what == "card") till_.call("Payment", 2, act.detail, euros, 1, 1);
+  known_ = picture();
+  const std::string was = judge(act.what, act.amount, before, known_);
+  save("was|" + was + "|.");
+  return was;
+}
+
+}  // namespace mirvane::campaign
