@@ -152,7 +152,7 @@ void FiscalJournal::setbBox(ObjectPtr value) {
   box->invoke(kDefaultMember, ClassInfo::Access::write, argument);
 }
 
-std::vector<Text> FiscalJournal::folders(TextView subPath) {
+std::vector<Text> FiscalJournal::folderPatterns() {
   Text list(kFixedFolders);
   bBox();
   // The next file asks anew, also when this box fails.
@@ -163,6 +163,11 @@ std::vector<Text> FiscalJournal::folders(TextView subPath) {
   }
   std::vector<Text> all = split(list, u';');
   std::erase(all, Text());
+  return all;
+}
+
+std::vector<Text> FiscalJournal::folders(TextView subPath) {
+  std::vector<Text> all = folderPatterns();
   for (Text& folder : all) {
     for (std::size_t at = 0; (at = folder.find(u'$', at)) != Text::npos; at += subPath.size()) {
       folder.replace(at, 1, subPath);

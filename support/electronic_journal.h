@@ -32,6 +32,10 @@ class FiscalJournal : public ObjectOf<FiscalJournal> {
   /// Filedata. Returns 0.
   std::int32_t eEJFileSave(Text& Filename, Text& Filedata, std::int16_t& nZRep);
 
+  /// The journal folders, with a "$" where the day's own folders stand: those that the journal box tells, or the fixed
+  /// ones where it is not installed.
+  std::vector<Text> folderPatterns();
+
  private:
   std::vector<Text> folders(TextView subPath);
 

@@ -1,0 +1,37 @@
+#include "check/patience.h"
+
+#include "state/module_state.h"
+
+namespace mirvane::check {
+namespace {
+
+class ImpatientClock final : public platform::Clock {
+ public:
+  double secondsSinceMidnight() override { return host_.secondsSinceMidnight(); }
+  double elapsed() override {
+    const double now = host_.elapsed();
+    if (now > deadline) throw OutOfPatience();
+    return now;
+  }
+  platform::LocalTime localTime() override { return host_.localTime(); }
+  void sleep(std::uint32_t milliseconds) override { host_.sleep(milliseconds); }
+
+  double deadline = 0;
+
+ private:
+  platform::Clock& host_ = platform::hostPlatform().clock;
+};
+
+}  // namespace
+
+Patience::Patience(double seconds) : before_(moduleState().platform) {
+  static ImpatientClock clock;
+  const platform::Platform& host = platform::hostPlatform();
+  static platform::Platform impatient{host.serial, host.sockets, clock, host.screen, host.files};
+  clock.deadline = host.clock.elapsed() + seconds;
+  moduleState().platform = &impatient;
+}
+
+Patience::~Patience() { moduleState().platform = before_; }
+
+}  // namespace mirvane::check

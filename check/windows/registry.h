@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/windows/windows.h"
+
+namespace mirvane::check {
+
+/// The text of a value, of the key's own when `name` is null; empty when there is none. `view` picks the half for
+/// 32-bit or for 64-bit programs.
+std::wstring registryText(HKEY root, const std::wstring& key, const wchar_t* name = nullptr, REGSAM view = 0);
+
+/// All texts of a key with their names.
+std::vector<std::pair<std::wstring, std::wstring>> registryTexts(HKEY root, const std::wstring& key);
+
+}  // namespace mirvane::check
