@@ -1,10 +1,11 @@
 #include "check/device.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
-#include <ctime>
 #include <memory>
 
 #include "check/child.h"
@@ -51,22 +52,24 @@ bool isAddress(const std::string& port) {
 }
 
 bool isPortOfThisMachine(const std::string& port) {
-  if (std::error_code error; std::filesystem::exists(port, error)) return true;
-  for (const SerialPortName& each : serialPorts()) {
-    if (toUtf8(fromUtf8(each.name)) == port) return true;
-  }
-  return false;
+  std::string name = port;
+  std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::toupper(c); });
+  const std::vector<SerialPortName> ports = serialPorts();
+  std::error_code error;
+  return std::any_of(ports.begin(), ports.end(), [&](const auto& each) { return each.name == name; }) ||
+         std::filesystem::is_character_file(port, error);
 }
 
-Finding whyNotOpened(const std::string& port, const Reply& failure) {
-  if (failure.result == link_result::kCannotConfigure) {
-    return {Mark::kFault, say(texts::kNotConfigured, {port}), say(texts::kOtherAdapter)};
-  }
+Finding whyNotOpened(const std::string& port) {
   if (isAddress(port)) return {Mark::kFault, say(texts::kNoNetwork, {port}), say(texts::kCheckNetwork)};
   if (!isPortOfThisMachine(port)) {
     const std::string ports = listOfPorts();
     const std::string remedy = ports.empty() ? say(texts::kPlugIn) : say(texts::kUsePort, {ports});
     return {Mark::kFault, say(texts::kNoSuchPort, {port}), remedy};
+  }
+  platform::SerialPort& serial = platform::hostPlatform().serial;
+  if (serial.close(serial.open(fromUtf8(port)))) {
+    return {Mark::kFault, say(texts::kNotConfigured, {port}), say(texts::kOtherAdapter)};
   }
   if (const auto holder = holderOf(port)) {
     return {Mark::kFault, say(texts::kPortTakenBy, {port, *holder}), say(texts::kCloseHolder, {*holder})};
@@ -185,7 +188,7 @@ Findings askRegister(const std::string& port, bool slip) {
   Findings findings;
   Conversation conversation(port);
   if (!conversation.opened.succeeded()) {
-    findings.add(whyNotOpened(port, conversation.opened));
+    findings.add(whyNotOpened(port));
     return findings;
   }
   const Finding who = whoAnswers(conversation, port);
@@ -217,7 +220,7 @@ Findings askWho(const std::string& port) {
   if (conversation.opened.succeeded()) {
     findings.add(whoAnswers(conversation, port));
   } else {
-    findings.add(whyNotOpened(port, conversation.opened));
+    findings.add(whyNotOpened(port));
   }
   return findings;
 }

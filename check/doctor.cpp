@@ -81,6 +81,7 @@ void examineJournalFolder(Findings& findings, const fs::path& folder) {
 
 void examineDisk(Findings& findings, fs::path folder) {
   std::error_code error;
+  folder = fs::absolute(folder, error);
   while (!fs::exists(folder, error) && folder.has_relative_path()) folder = folder.parent_path();
   const std::uintmax_t available = fs::space(folder, error).available;
   if (error) return;

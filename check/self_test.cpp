@@ -260,7 +260,7 @@ std::string addressIn(const std::string& ready) {
 void lookAtPaper(Findings& findings, const fs::path& paper) {
   std::ifstream stream(paper, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(stream), {}};
-  for (const char* wanted : {kItemOnPaper, "ΑΛΛΑΓΗ", "Προμηθευτής", "ΔΕΛΤΙΟ Ζ 0001 - ΛΗΞΗ"}) {
+  for (const char* wanted : {kItemOnPaper, "ΑΛΛΑΓΗ", "Προμηθευτης", "ΔΕΛΤΙΟ Ζ 0001 - ΛΗΞΗ"}) {
     if (text.find(wanted) != std::string::npos) continue;
     return findings.fault(say(texts::kStepFails, {say(texts::kPaperStep), say(texts::kPaperLacks, {wanted})}),
                           say(texts::kSendReport));

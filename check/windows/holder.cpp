@@ -13,8 +13,11 @@
 namespace mirvane::check {
 namespace {
 
-constexpr auto kExtendedHandles = static_cast<SYSTEM_INFORMATION_CLASS>(64);
-constexpr auto kObjectName = static_cast<OBJECT_INFORMATION_CLASS>(1);
+// Classes of information that the headers leave out.
+constexpr int kExtendedHandles = 64;
+constexpr int kObjectName = 1;
+using QuerySystem = LONG WINAPI(int, void*, ULONG, ULONG*);
+using QueryObject = LONG WINAPI(HANDLE, int, void*, ULONG, ULONG*);
 
 struct Handle {
   void* object;
@@ -40,7 +43,7 @@ F* systemCall(const char* name) {
 
 std::vector<Handle> allHandles() {
   constexpr std::size_t kMost = std::size_t{256} << 20U;
-  auto* const query = systemCall<decltype(NtQuerySystemInformation)>("NtQuerySystemInformation");
+  auto* const query = systemCall<QuerySystem>("NtQuerySystemInformation");
   for (std::size_t size = std::size_t{1} << 20U; query != nullptr && size < kMost; size *= 2) {
     std::vector<std::byte> bytes(size);
     ULONG length = 0;
@@ -70,7 +73,7 @@ std::vector<Handle> openFiles() {
 }
 
 std::wstring nameOfObject(HANDLE handle) {
-  auto* const query = systemCall<decltype(NtQueryObject)>("NtQueryObject");
+  auto* const query = systemCall<QueryObject>("NtQueryObject");
   alignas(UNICODE_STRING) std::array<std::byte, 2048> bytes{};
   ULONG length = 0;
   if (query == nullptr || query(handle, kObjectName, bytes.data(), bytes.size(), &length) < 0) return {};

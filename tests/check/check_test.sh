@@ -1,0 +1,115 @@
+#!/bin/bash
+# mirvane-check under Wine, from folders as a package has them, with a prefix of its own: the faults that it is to find
+# are planted one by one. What a case leaves behind is in build/check.
+set -euo pipefail
+repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+WORK="$repo/build/check"
+rm -rf "$WORK" && mkdir -p "$WORK"
+unset WINE_IS_UP
+source "$repo/tools/wine.sh"
+export WINEPREFIX="$repo/build/wine-check"
+exec {wine_lock}>"$repo/build/wine-check.lock"
+trap clean_up EXIT
+trap 'exit 130' INT TERM
+
+package="$WORK/package"
+for bits in 32 64; do
+  mkdir -p "$package/win$bits"
+  cp "$repo/build/win$bits"/{com/MirvaneEFT.dll,Lang.dat,check/mirvane-check.exe} "$package/win$bits"
+done
+mkdir "$package/emulator" && cp "$repo/build/win32/mirvane-emulator.exe" "$package/emulator"
+dll32="$package/win32/MirvaneEFT.dll" dll64="$package/win64/MirvaneEFT.dll"
+disk="$WINEPREFIX/drive_c"
+
+# finds BITS OUTCOME ARGUMENTS TEXT...: the check of so many bits ends with OUTCOME and says each TEXT.
+finds() {
+  local bits=$1 outcome=$2 arguments text ended=0
+  read -ra arguments <<<"$3"
+  shift 3
+  wine_limit=300 in_wine "$(windows_path "$package/win$bits/mirvane-check.exe")" --language en "${arguments[@]}" \
+    >"$WORK/said" 2>"$WORK/remarks" || ended=$?
+  tee -a "$WORK/all" <"$WORK/said"
+  ((ended == outcome)) || die "$bits ${arguments[*]}: it ended with $ended, not with $outcome"
+  for text; do
+    grep -Fq -- "$text" "$WORK/said" || die "$bits ${arguments[*]}: it does not say \"$text\""
+  done
+}
+
+# registers BITS [/u]
+registers() {
+  in_wine "$(system_program "$1" regsvr32)" /s "${@:2}" "$(windows_path "$package/win$1/MirvaneEFT.dll")"
+}
+
+names() { windows_path "$1"; }
+wine_up
+for bits in 32 64; do registers "$bits" /u || true; done
+rm -rf "$disk"/bbox{,BackUp}
+
+finds 32 2 "" '[x]  MirvaneEFT.dll is not registered' "syswow64\\regsvr32.exe\" \"$(names "$dll32")"
+registers 64
+finds 64 1 "" '[!]  32-bit programs do not find it' "syswow64\\regsvr32.exe\" \"$(names "$dll32")" \
+  '64-bit program creates the object'
+registers 32
+for bits in 32 64; do
+  finds "$bits" 0 "" 'All is well.' "32-bit programs find $(names "$dll32"), version" "$(names "$dll64"), version" \
+    '32-bit program creates' '64-bit program creates' 'The journal can be written into c:\bboxBackUp' 'records switches'
+done
+[[ ! -e $disk/bbox ]] || die "the examination has left a folder"
+
+# ---- Faults of the installation
+
+class='HKLM\Software\Classes\CLSID\{D724621E-6E73-420C-B7B7-2E4E1AF49484}\InprocServer32'
+in_wine "$(system_program 64 reg)" add "$class" /ve /d "$(names "$dll64")" /f /reg:32 >/dev/null
+finds 32 2 "" "[x]  32-bit programs are given $(names "$dll64"), which is the 64-bit one" "regsvr32.exe\" \"$(names "$dll32")"
+registers 32
+mv "$dll64" "$WORK"
+finds 32 2 "" "[x]  64-bit programs are sent to $(names "$dll64"), which is not there" 'Install the package again'
+mv "$WORK/MirvaneEFT.dll" "$dll64"
+mv "$package/win32/Lang.dat" "$WORK"
+finds 64 2 "" "[x]  $(names "$package/win32/Lang.dat") is missing" "into the folder $(names "$package/win32")"
+mv "$WORK/Lang.dat" "$package/win32"
+touch "$dll32:Zone.Identifier"
+finds 64 1 "" "[!]  $(names "$dll32") came from the internet" '"Unblock"'
+rm "$dll32:Zone.Identifier"
+# A folder that takes no file from anybody, whoever asks.
+ln -s /sys "$disk/bbox"
+finds 32 2 "" '[x]  This user has no right to write into c:\bbox' 'icacls "c:\bbox" /grant'
+rm "$disk/bbox"
+
+# ---- Ports
+
+start_emulator silent --fault "next always silence"
+start_emulator device --fault "on t/ 1 reply 00/00/02/01-01-2020/10:00:00/"
+link_com_port 5 "$WORK/silent.pty"
+link_com_port 6 "$WORK/device.pty"
+begin=$SECONDS
+finds 32 2 "--port COM5" '[x]  The port opens, but nobody answers within 2 seconds' 'Switch the register on'
+((SECONDS - begin < 15)) || die "it has waited for $((SECONDS - begin)) seconds"
+finds 64 1 "--port COM6 --slip" 'MIRVANE EMULATOR' 'MVE25000017' 'paper' '[!]  Its clock shows 01-01-2020' 'slip'
+await 10 grep -q 'PRINT TEST' "$WORK/device.paper" || die "there is no slip: $(<"$WORK/device.paper")"
+finds 64 2 "--port COM77" '[x]  There is no port COM77' 'COM6'
+finds 32 0 "--find" '[ok] COM6: A register answers' '[-]  COM5: The port opens, but nobody answers'
+cat >"$WORK/till.vbs" <<'VBS'
+Set till = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+till.Connect_ "COM6", Result, Exresult, True
+WScript.Echo Result
+WScript.Sleep 60000
+VBS
+run_script 32 "$WORK/till.vbs" >/dev/null &
+till=$!
+await 20 grep -q '^0' "$WORK/ansi-till.vbs.raw" || die "the till does not connect"
+finds 64 2 "--port COM6" '[x]  The port COM6 is taken by' 'and try again'
+kill "$till"
+
+# ---- A day, and the report
+
+mkdir "$package/win64/records" && echo 'what the line said' >"$package/win64/records/newest.txt"
+finds 32 0 "--self-test --report Z:${WORK//\//\\}\\report.txt" 'A day with the emulator, 32-bit' \
+  'A day with the emulator, 64-bit' 'All is well.' 'Every class (14)' 'A refused card' 'waiting window' 'was pulled' \
+  'Z report, with the journal on the disk'
+for text in 'what the line said' 'Every class (14)' 'programs find'; do
+  grep -Fq "$text" "$WORK/report.txt" || die "the report lacks \"$text\""
+done
+[[ ! -e $disk/bbox ]] || die "the day has left journals"
+in_wine "$(windows_path "$package/win64/mirvane-check.exe")" --language el >"$WORK/said" || true
+grep -q 'Όλα καλά' "$WORK/said" || die "it does not speak Greek"
