@@ -1,0 +1,16 @@
+# add_file_properties(TARGET GREEK ENGLISH): what Windows shows of the target's file: its version, and what it is.
+function(add_file_properties target greek english)
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL EXECUTABLE)
+    set(file_type VFT_APP)
+    set(file_name ${target}.exe)
+  else()
+    set(file_type VFT_DLL)
+    set(file_name ${target}.dll)
+  endif()
+  set(resource ${PROJECT_BINARY_DIR}/generated/${target}.rc)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/file_properties.rc.in ${resource} @ONLY)
+  target_sources(${target} PRIVATE ${resource})
+  set_property(SOURCE ${resource} TARGET_DIRECTORY ${target} APPEND PROPERTY OBJECT_DEPENDS
+    ${PROJECT_BINARY_DIR}/generated/version.h)
+endfunction()

@@ -1,0 +1,65 @@
+#!/bin/bash
+# Makes the release out of what is built: MirvaneEFT-VERSION.zip, and MirvaneEFT-VERSION-setup.exe with the same
+# content. The same commit gives the same bytes. What goes into it lies beside them in MirvaneEFT-VERSION.
+#
+#   package/make.sh FOLDER [--sign FILE]
+#
+# FILE is a certificate with its key (.p12, .pfx): see package/sign.sh.
+set -euo pipefail
+repo=$(cd "$(dirname "$0")/.." && pwd)
+cd "$repo"
+mkdir -p "$1"
+out=$(cd "$1" && pwd)
+if [[ ${2-} == --sign ]]; then
+  certificate=$(realpath -e "$3")
+  export MIRVANE_CERTIFICATE=$certificate
+fi
+version=$(sed -n 's/^project(MirvaneEFT VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+name=MirvaneEFT-$version
+content=$out/$name
+SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
+export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C.UTF-8
+umask 022
+
+# put FILE... FOLDER: copies files into a folder of the content.
+put() {
+  install -D -m 644 -t "$content/${*: -1}" "${@:1:$#-1}"
+}
+
+with_windows_line_ends() {
+  sed 's/\r*$/\r/'
+}
+
+# put_source FILE: in the encoding in which its reader takes Greek for Greek, whatever the machine's code page.
+put_source() {
+  local target=$content/$1
+  mkdir -p "$(dirname "$target")"
+  case $1 in
+    # Windows' script hosts.
+    *.vbs | */jscript/*.js | *.ps1) (printf '\xff\xfe' && with_windows_line_ends <"$1" | iconv -f UTF-8 -t UTF-16LE) >"$target" ;;
+    # Visual Basic reads Greek Windows' code page alone.
+    *.bas | *.cls | *.frm) with_windows_line_ends <"$1" | iconv -f UTF-8 -t CP1253 >"$target" ;;
+    *) if grep -qI . "$1"; then with_windows_line_ends <"$1" >"$target"; else cp "$1" "$target"; fi ;;
+  esac
+}
+
+rm -rf "$out/$name" "$out/$name".zip "$out/$name"-setup.exe
+for bits in 32 64; do
+  put "build/win$bits/com/"MirvaneEFT.{dll,tlb,manifest} "build/win$bits/Lang.dat" "win$bits"
+  find "build/win$bits" -name mirvane-check.exe -exec install -D -m 644 -t "$content/win$bits" {} +
+done
+put build/win32/mirvane-emulator.exe .
+with_windows_line_ends <build/win32/com/MirvaneEFT.idl >"$content/MirvaneEFT.idl"
+git ls-files examples | grep -v '\.md$' | while read -r file; do put_source "$file"; done
+put docs/*.png docs
+[[ ! -e docs/result-codes.json ]] || put docs/result-codes.json docs
+# Guides for those who use the component; those for its own developers stay with the sources.
+git ls-files README.md CHANGELOG.md 'docs/*.md' 'emulator/*.md' 'examples/*.md' |
+  grep -vxE 'docs/(one-call|decisions|add-a-driver)\.md' | xargs package/pages.pl "$content"
+
+if [[ ${MIRVANE_CERTIFICATE-} ]]; then
+  find "$content" -name '*.dll' -o -name '*.exe' | xargs -n 1 package/sign.sh
+fi
+find "$content" -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
+(cd "$out" && find "$name" -type f | sort | zip -q -X -@ "$name.zip")
+package/setup.sh "$content" "$version" "$out/$name-setup.exe"

@@ -1,0 +1,15 @@
+#!/bin/bash
+# Signs a program in its place with the certificate and key in MIRVANE_CERTIFICATE (.p12, .pfx). Its password is in the
+# file that MIRVANE_CERTIFICATE_PASSWORD names; without it there is none. MIRVANE_TIMESTAMP is the address of a server
+# whose time stamp lets the signature outlive the certificate.
+#
+#   package/sign.sh PROGRAM
+set -euo pipefail
+signed=$(mktemp "$1.XXXXXX")
+trap 'rm -f "$signed"' EXIT
+rm "$signed"
+password=(-pass '')
+[[ ! ${MIRVANE_CERTIFICATE_PASSWORD-} ]] || password=(-readpass "$MIRVANE_CERTIFICATE_PASSWORD")
+osslsigncode sign -pkcs12 "$MIRVANE_CERTIFICATE" "${password[@]}" -h sha256 -n MirvaneEFT \
+  ${MIRVANE_TIMESTAMP+-ts "$MIRVANE_TIMESTAMP"} -in "$1" -out "$signed"
+mv "$signed" "$1"
