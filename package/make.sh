@@ -48,8 +48,10 @@ for bits in 32 64; do
   put "build/win$bits/com/"MirvaneEFT.{dll,tlb,manifest} "build/win$bits/Lang.dat" "win$bits"
   find "build/win$bits" -name mirvane-check.exe -exec install -D -m 644 -t "$content/win$bits" {} +
 done
-put build/win32/mirvane-emulator.exe .
-with_windows_line_ends <build/win32/com/MirvaneEFT.idl >"$content/MirvaneEFT.idl"
+put build/win32/mirvane-emulator.exe emulator
+for file in build/win32/com/MirvaneEFT.idl com/base.idl; do
+  with_windows_line_ends <"$file" >"$content/$(basename "$file")"
+done
 git ls-files examples | grep -v '\.md$' | while read -r file; do put_source "$file"; done
 put docs/*.png docs
 [[ ! -e docs/result-codes.json ]] || put docs/result-codes.json docs

@@ -245,7 +245,7 @@ FunctionEnd
 
 Section
   StrCpy $InUse 0
-  Delete "$INSTDIR\*.old"
+  Delete "$INSTDIR\emulator\*.old"
   Delete "$INSTDIR\win32\*.old"
   Delete "$INSTDIR\win64\*.old"
   !insertmacro install_files
@@ -254,7 +254,7 @@ Section
 
   WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayName" "MirvaneEFT"
   WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
-  WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayIcon" "$INSTDIR\mirvane-emulator.exe"
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayIcon" "$INSTDIR\emulator\mirvane-emulator.exe"
   WriteRegStr SHCTX "${UNINSTALL_KEY}" "InstallLocation" "$INSTDIR"
   WriteRegStr SHCTX "${UNINSTALL_KEY}" "UninstallString" '"$INSTDIR\uninstall.exe"'
   WriteRegStr SHCTX "${UNINSTALL_KEY}" "QuietUninstallString" '"$INSTDIR\uninstall.exe" /S'
@@ -301,7 +301,7 @@ Section Uninstall
   ${If} ${RunningX64}
     !insertmacro regsvr32 /u "$WINDIR\sysnative" win64
   ${EndIf}
-  Delete "$INSTDIR\*.old"
+  Delete "$INSTDIR\emulator\*.old"
   Delete "$INSTDIR\win32\*.old"
   Delete "$INSTDIR\win64\*.old"
   Delete "$INSTDIR\uninstall.exe"

@@ -1,0 +1,164 @@
+#!/bin/bash
+# The release as people get it. "content" makes it, signed, in build/package-test, and looks at it; "wine" installs it in a
+# prefix that is made for it, sells, upgrades, uninstalls. What they leave behind is in build/package-test.
+set -euo pipefail
+repo=$(cd "$(dirname "$0")/../.." && pwd)
+cd "$repo"
+out=$repo/build/package-test
+WORK=$out/work
+# Not the Wine that `./run test` has started.
+unset WINE_IS_UP
+export MIRVANE_PREFIX="$repo/build/wine-package"
+source tools/wine.sh
+version=$(sed -n 's/.*MIRVANE_VERSION "\(.*\)"/\1/p' build/win32/generated/version.h)
+content=$out/signed/MirvaneEFT-$version
+setup=$content-setup.exe
+trap clean_up EXIT
+trap 'exit 130' INT TERM
+
+# ---- content
+
+imports() {
+  objdump -p "$1" | awk '/DLL Name:/ { dll = tolower($3) } /^\t[0-9a-f]+\t/ { print dll, $NF }'
+}
+
+# links PAGE: those that lead nowhere.
+broken_links() {
+  local link target
+  grep -oE '(href|src)="[^"]*"' "$1" | cut -d '"' -f 2 | grep -vE '^[a-z]+:' | while read -r link; do
+    target=$(dirname "$1")/${link%%#*}
+    [[ ${link%%#*} ]] || target=$1
+    [[ -e $target && ($link != *#* || $(<"$target") == *" id=\"${link#*#}\""*) ]] || echo "$1: $link"
+  done
+}
+
+content() {
+  local file
+  rm -rf "$out"
+  mkdir -p "$WORK"
+  openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=Test -days 2 -addext extendedKeyUsage=codeSigning \
+    -keyout "$out/key.pem" -out "$out/certificate.pem" 2>/dev/null
+  openssl pkcs12 -export -inkey "$out/key.pem" -in "$out/certificate.pem" -passout pass: -out "$out/test.p12"
+  package/make.sh "$out/signed" --sign "$out/test.p12" >"$WORK/make.log" 2>&1 || die "$(<"$WORK/make.log")"
+  find "$content" -name '*.dll' -o -name '*.exe' >"$WORK/programs"
+  echo "$setup" >>"$WORK/programs"
+  while read -r file; do
+    osslsigncode verify -CAfile "$out/certificate.pem" "$file" >"$WORK/verify.log" || die "$file: $(<"$WORK/verify.log")"
+    strings -el "$file" | grep -A1 -x ProductVersion | grep -qx "$version" || die "$file does not tell its version"
+  done <"$WORK/programs"
+
+  (umask 077 && TZ=Asia/Tokyo package/make.sh "$out/one") && package/make.sh "$out/other"
+  for file in "$out/one/"*.*[pe]; do cmp "$file" "$out/other/$(basename "$file")"; done
+
+  for file in "$content"/win*/*.{dll,exe}; do
+    [[ ! -e $file ]] || imports "$file"
+  done | sort -u | grep -vxFf package/windows7.imports >"$WORK/new_imports" || true
+  [[ ! -s $WORK/new_imports ]] ||
+    die "not known to be in Windows 7 SP1; what is goes into package/windows7.imports: $(<"$WORK/new_imports")"
+  find "$content" -name '*.html' | while read -r file; do broken_links "$file"; done >"$WORK/broken_links"
+  [[ ! -s $WORK/broken_links ]] || die "$(<"$WORK/broken_links")"
+}
+
+# ---- wine
+
+# unregistered BITS: a program of two apartments with the manifest of the guide, and nothing in the registry.
+unregistered() {
+  local folder=$WORK/unregistered$1 architecture=(x86 amd64)
+  mkdir -p "$folder"
+  cp "build/win$1/tests/com/host.exe" "$content/win$1/"{MirvaneEFT.dll,Lang.dat} "$folder"
+  sed -n '/^   ```xml/,/^   ```$/{/```/!p}' docs/deploy.md |
+    sed "s/\"x86\"/\"${architecture[$1 / 32 - 1]}\"/; s/\(\"MirvaneEFT\" version=\)\"[^\"]*/\1\"$version.0/" >"$folder/host.exe.manifest"
+  start_emulator device --udp 0 --fault "on 3/S busy 14" --fault "on ?/ 3 busy 14"
+  in_wine "$(windows_path "$folder/host.exe")" threads "$(emulator_address device)" >"$WORK/printed.raw" || true
+  tr -d '\r' <"$WORK/printed.raw" >"$WORK/printed"
+  script_passed "$WORK/printed" || die "unregistered, $1 bits: $(<"$WORK/printed")"
+}
+
+# snapshot NAME: the registry's two hives.
+snapshot() {
+  local hive
+  for hive in HKLM HKCU; do
+    in_wine "$(system_program 64 reg)" export "$hive\\Software" "$(windows_path "$WORK/utf16.reg")" /y >"$WORK/reg.log"
+    iconv -f UTF-16 -t UTF-8 "$WORK/utf16.reg" >"$WORK/$1.$hive"
+  done
+}
+
+# install CODE SWITCH...: Linux sees the last eight bits of the exit code.
+install() {
+  local status=0
+  in_wine "$(windows_path "$setup")" /S "${@:2}" >"$WORK/setup.log" 2>&1 || status=$?
+  [[ $status == $(($1 & 255)) ]] || die "the installer (${*:2}) ended with $status instead of $1: $(<"$WORK/setup.log")"
+}
+
+# uninstall FOLDER REST...: leaves just those files, and the registry as it was.
+uninstall() {
+  local hive
+  osslsigncode verify -CAfile "$out/certificate.pem" "$1/uninstall.exe" >"$WORK/verify.log" || die "$(<"$WORK/verify.log")"
+  in_wine "$1/uninstall.exe" /S >"$WORK/setup.log" 2>&1
+  # A copy of it does the work.
+  await 60 is_left "$@" || die "after uninstalling there is: $(find "$1" -type f)"
+  snapshot after
+  for hive in HKLM HKCU; do diff "$WORK/before.$hive" "$WORK/after.$hive" || die "uninstalling left keys in $hive"; done
+}
+
+is_left() {
+  diff <(cd "$1" 2>/dev/null && find . -type f | sort) <(printf '%s\n' "${@:2}") >/dev/null && [[ $# != 1 || ! -e $1 ]]
+}
+
+# sell: by the installed example, with its Greek, for programs of both kinds.
+sell() {
+  local bits
+  for bits in 32 64; do
+    start_emulator till --udp 0
+    in_wine "$(system_program "$bits" cscript)" //nologo "$programs\\examples\\vbscript\\receipt.vbs" \
+      "$(emulator_address till)" >"$WORK/sold" 2>&1 || die "$(<"$WORK/sold")"
+    grep -q 'Καφες ελληνικος' "$WORK/till.paper" && grep -q 'Σας ευχαριστούμε!' "$WORK/till.paper" ||
+      die "$bits bits, the paper: $(<"$WORK/till.paper") $(<"$WORK/sold")"
+  done
+}
+
+# A till that goes on while the component is upgraded; it ends when its file does.
+start_till() {
+  cat >"$WORK/till.vbs" <<'END'
+Set till = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+Set files = CreateObject("Scripting.FileSystemObject")
+files.CreateTextFile(WScript.Arguments(0)).Close
+Do While files.FileExists(WScript.Arguments(0))
+  WScript.Sleep 50
+Loop
+END
+  in_wine "$(system_program 32 cscript)" //nologo "$(windows_path "$WORK/till.vbs")" "$(windows_path "$WORK/running")" \
+    >"$WORK/till.log" 2>&1 &
+  await 30 test -e "$WORK/running" || die "the till does not run: $(<"$WORK/till.log")"
+}
+
+wine() {
+  local folder="$WINEPREFIX/drive_c/Program Files/MirvaneEFT" programs='C:\Program Files\MirvaneEFT'
+  rm -rf "$WINEPREFIX"
+  wine_up
+  unregistered 32
+  unregistered 64
+  snapshot before
+
+  install 0 /RECORDS=1
+  unzip -qo "$content.zip" -d "$WORK"
+  diff -r "$WORK/MirvaneEFT-$version" "$folder" | grep -vE '(uninstall.exe|records)$' && die "not what is in the archive"
+  sell
+  start_till
+  install 3010
+  sell
+  [[ -n $(find "$folder" -name '*.old') ]] || die "no file stepped aside for the running till"
+  rm "$WORK/running"
+  wait $!
+  touch "$folder/win32/records/record" "$folder/journal"
+  install 0
+  uninstall "$folder" ./journal ./win32/records/record
+
+  install 0 /CURRENTUSER '/D=C:\till'
+  snapshot installed
+  grep -qiF 'till\\win64\\MirvaneEFT.dll' "$WORK/installed.HKCU" || die "it is not registered for the user"
+  cmp "$WORK/before.HKLM" "$WORK/installed.HKLM" || die "it wrote for everybody"
+  uninstall "$WINEPREFIX/drive_c/till"
+}
+
+"$1"
