@@ -24,6 +24,8 @@ class VirtualClock : public platform::Clock {
   double secondsSinceMidnight() override;
   double elapsed() override;
   platform::LocalTime localTime() override;
+  std::int64_t sinceEpoch() override { return static_cast<std::int64_t>(now * 1000); }
+  int zoneAt(std::int64_t) override { return 0; }
   void sleep(std::uint32_t milliseconds) override { advance(milliseconds / 1000.0); }
   void advance(double seconds);
 
@@ -39,6 +41,7 @@ class Operator : public platform::Screen {
 
   void messageBox(TextView, std::uint32_t, TextView) override {}
   void waitWhile(platform::WaitText text, const std::function<bool(platform::WaitText&)>& tick) override;
+  std::unique_ptr<platform::WaitView> showWait(platform::WaitText) override { return nullptr; }
   std::unique_ptr<platform::JournalView> showJournal() override;
   void showTrace(bool) override {}
   void traceLine(TextView) override {}
@@ -53,6 +56,10 @@ class Disk : public platform::Files {
   std::optional<std::string> read(TextView path) override;
   bool makeFolder(TextView) override { return true; }
   bool replace(TextView path, std::string_view bytes) override;
+  bool isFolder(TextView) override { return false; }
+  std::vector<Text> fileNames(TextView) override { return {}; }
+  std::unique_ptr<platform::GrowingFile> grow(TextView) override { return nullptr; }
+  void remove(TextView) override {}
 
   std::map<Text, std::string> files;
 };

@@ -48,6 +48,8 @@ class Clock : public platform::Clock {
   double secondsSinceMidnight() override { return now_ < 43200 ? 43200 + now_ : now_ - 43200; }
   double elapsed() override { return now_; }
   platform::LocalTime localTime() override { return {2026, 11, 22, 12, 0, 0}; }
+  std::int64_t sinceEpoch() override { return static_cast<std::int64_t>(now_ * 1000); }
+  int zoneAt(std::int64_t) override { return 0; }
   void sleep(std::uint32_t milliseconds) override { now_ += milliseconds / 1000.0; }
 
  private:
@@ -64,6 +66,7 @@ class Screen : public platform::Screen {
     do clock_.sleep(1000);
     while (tick(text));
   }
+  std::unique_ptr<platform::WaitView> showWait(platform::WaitText) override { return nullptr; }
   std::unique_ptr<platform::JournalView> showJournal() override;
   void showTrace(bool) override {}
   void traceLine(TextView) override {}
@@ -79,6 +82,10 @@ class Files : public platform::Files {
   std::optional<std::string> read(TextView path) override;
   bool makeFolder(TextView folder) override;
   bool replace(TextView path, std::string_view bytes) override;
+  bool isFolder(TextView) override { return false; }
+  std::vector<Text> fileNames(TextView) override { return {}; }
+  std::unique_ptr<platform::GrowingFile> grow(TextView) override { return nullptr; }
+  void remove(TextView) override {}
 
   std::optional<std::string> catalogue;
   /// Everything that was ever written, the latest last.
