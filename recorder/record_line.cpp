@@ -212,7 +212,7 @@ std::string Secrets::maskedReceived(std::string_view bytes) const {
   // could be the port is the port, or stands before it.
   constexpr std::size_t kFirstPort = 5;
   std::size_t field = 0;
-  if (bytes.front() != wire::kStx) return masked(bytes, field);
+  if (!bytes.starts_with(wire::kStx)) return masked(bytes, field);
   for (std::size_t at = 0; at != std::string_view::npos && at < bytes.size(); ++field) {
     const std::size_t end = std::min(bytes.find('/', at), bytes.size());
     if (field >= kFirstPort && isNumber(bytes.substr(at, end - at))) return masked(bytes, field + 1);
