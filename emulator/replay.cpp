@@ -13,7 +13,7 @@ using recorder::EventKind;
 using Step = Replay::Step;
 using Kind = Step::Kind;
 
-constexpr std::int64_t kLongest = 86'400'000;  // milliseconds
+constexpr std::uint32_t kLongest = 86'400'000;  // milliseconds
 // A till on the network looks every half second for a reply that does not come at once. Sent in the middle between two
 // looks, it is found at the one that found it then.
 constexpr std::int64_t kBetweenLooks = 250;
@@ -54,9 +54,8 @@ class Script {
       case EventKind::kSent:
         return addSent(std::move(event), line);
       case EventKind::kReceived:
-        return addReceived(event, line, event.time - lastSent_ - (isNetwork_ ? kBetweenLooks : 0));
+        return addReceived(event, line, isIdle() ? 0 : event.time - lastSent_ - (isNetwork_ ? kBetweenLooks : 0));
       case EventKind::kDropped:
-        // It was there before the till looked.
         return addReceived(event, line, 0);
       case EventKind::kBroken:
         return addBroken(event, line);
@@ -75,7 +74,13 @@ class Script {
   bool isInCall = false;
 
  private:
+  // The exchange is over. What was found later had been there before the till looked.
+  bool isIdle() const { return lastUnit_ == kAck; }
+  bool isAway() const { return !steps.empty() && steps.back().kind == Kind::kAway; }
+
   void addSent(Event event, std::size_t line) {
+    if (event.text != kAck) halveLastDelay();
+    if (isAway() && steps.back().length == kLongest) addFound(event.time);
     lastSent_ = event.time;
     std::string bytes = std::move(event.text);
     const bool goesOn = !bytes.empty() && std::string_view(kBegins).find(bytes.front()) == std::string_view::npos;
@@ -84,42 +89,51 @@ class Script {
       line = steps.back().line;
       steps.pop_back();
     }
-    while (!bytes.empty()) {
-      const std::size_t whole = unitLength(bytes);
-      const std::size_t length = whole == 0 ? bytes.size() : whole;
-      steps.push_back({Kind::kSent, line, bytes.substr(0, length)});
-      bytes.erase(0, length);
+    for (std::string_view rest = bytes; !rest.empty();) {
+      const std::size_t whole = unitLength(rest);
+      lastUnit_ = rest.substr(0, whole == 0 ? rest.size() : whole);
+      steps.push_back({Kind::kSent, line, lastUnit_});
+      rest.remove_prefix(lastUnit_.size());
     }
   }
 
   // What nobody had asked for yet, as at the beginning of a record that goes on from another, reaches nobody.
   void addReceived(const Event& event, std::size_t line, std::int64_t delay) {
-    if (steps.empty() || steps.back().kind == Kind::kAway) return;
+    if (steps.empty() || isAway()) return;
     steps.push_back({Kind::kReceived, line, event.text, span(delay)});
+  }
+
+  // An answer that the till did not take for a whole one has the time at which it gave up waiting for more.
+  void halveLastDelay() {
+    if (!steps.empty() && steps.back().kind == Kind::kReceived) steps.back().delay /= 2;
   }
 
   // The till notices only when it writes again. The line is away from what it sent last; where that ended an exchange,
   // the till was idle, and only what passed after it had noticed counts.
   void addBroken(const Event& event, std::size_t line) {
-    if (steps.empty() || steps.back().kind == Kind::kAway) return;
+    if (isNetwork_ || steps.empty() || isAway()) return;
+    halveLastDelay();
     const bool isAtOnce = steps.back().kind == Kind::kSent;
-    awaySince_ = isAtOnce && steps.back().bytes != kAck ? lastSent_ : event.time;
-    notFoundAt_ = event.time;
-    steps.push_back({Kind::kAway, line, {}, isAtOnce ? 0 : span(event.time - lastSent_), span(kLongest)});
+    const std::uint32_t delay = isAtOnce ? 0 : (steps.back().delay + span(event.time - lastSent_)) / 2;
+    awaySince_ = notFoundAt_ = isIdle() ? event.time : lastSent_ + delay;
+    steps.push_back({Kind::kAway, line, {}, isIdle() ? 0 : delay, kLongest});
   }
 
   // It came back between the last time that it was not found and the first that it was.
+  void addFound(std::int64_t time) { steps.back().length = span((notFoundAt_ + time) / 2 - awaySince_); }
+
   void addOpen(const Event& event) {
     if (event.number == 0) isNetwork_ = event.text.find(':') != std::string::npos;
-    if (steps.empty() || steps.back().kind != Kind::kAway) return;
-    if (event.number != 0) {
-      notFoundAt_ = event.time;
+    if (!isAway()) return;
+    if (event.number == 0) {
+      addFound(event.time);
     } else {
-      steps.back().length = span((notFoundAt_ + event.time) / 2 - awaySince_);
+      notFoundAt_ = event.time;
     }
   }
 
   std::int64_t lastSent_ = 0, awaySince_ = 0, notFoundAt_ = 0;
+  std::string lastUnit_;
   bool isNetwork_ = false;
 };
 

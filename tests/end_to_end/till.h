@@ -30,15 +30,18 @@ class Till : public testing::TestWithParam<const char*> {
   }
 
   /// Starts a register with further options that misbehaves as `faults` tell, and connects to it.
-  void start(const std::vector<std::string>& faults = {}, std::vector<std::string> options = {}) {
+  /// A serial line has a name of its own, which outlives an unplugging, where `link` gives it one.
+  void start(const std::vector<std::string>& faults = {}, std::vector<std::string> options = {},
+             const std::string& link = "") {
     if (isNetwork) {
       options.insert(options.end(), {"--udp", "0", "--acknowledge", acknowledgesEnq ? "enq" : "frame"});
     } else {
       options.emplace_back("--pty");
+      if (!link.empty()) options.push_back(link);
     }
     for (const std::string& rule : faults) options.insert(options.end(), {"--fault", rule});
     emulator = std::make_unique<EmulatorProcess>(options);
-    port = emulator->port();
+    port = isNetwork || link.empty() ? emulator->port() : link;
     ASSERT_EQ(run("Connect_", fromUtf8(port)), 0) << port;
   }
   template <class... A>
