@@ -162,6 +162,10 @@ case $subject in
   registration_for_user) registration "$bits" HKCU /i:user /n ;;
   type_library | typed_caller) "$subject" "$bits" ;;
   host_*) host_program "$bits" "${subject#host_}" ;;
+  technician)
+    source "$here/technician.sh"
+    technician
+    ;;
   example.*) com_script "$bits" "$repo"/examples/*/"${subject#example.}" ;;
   *) com_script "$bits" "$here/scripts/$subject" ;;
 esac
