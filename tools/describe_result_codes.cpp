@@ -3,6 +3,8 @@
 //
 //   describe-result-codes FOLDER
 
+#include <algorithm>
+#include <array>
 #include <fstream>
 #include <iomanip>
 #include <iostream>
