@@ -5,8 +5,8 @@
 // JScript passes values only, so Result and Exresult never come back: what happened is read from the status and from
 // records, which are objects and filled in place. README.md tells what that costs.
 //
-// This file is kept in UTF-8. Script hosts read the ANSI code page: on a Greek machine save a copy in code page 1253
-// before running it (iconv -f UTF-8 -t CP1253).
+// In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
+// take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 var port = WScript.Arguments.length > 0 ? WScript.Arguments(0) : "127.0.0.1:9100";
 var secondGeneration = 3;  // FISCAL_VARLENFISCAL2
 var module = new ActiveXObject("VarlenFiscalQ7734.fiscalTrevikModule");

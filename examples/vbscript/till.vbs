@@ -2,8 +2,8 @@
 '
 '   cscript //nologo till.vbs [port]
 '
-' This file is kept in UTF-8. Script hosts read the ANSI code page: on a Greek machine save a copy in code page 1253
-' before running it (iconv -f UTF-8 -t CP1253).
+' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
+' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 Option Explicit
 
 ' Every by-reference argument is a plain variable, so that the component can write to it.
