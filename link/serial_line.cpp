@@ -48,7 +48,8 @@ bool configureSerialLine() {
 
 bool closeSerialLine() {
   const ModuleState& state = moduleState();
-  const bool closed = state.portHandle == kLostPort || serial().close(state.portHandle);
+  if (state.portHandle == kLostPort) return true;
+  const bool closed = serial().close(state.portHandle);
   record(EventKind::kClose, closed ? 0 : 1, state.portName);
   return closed;
 }

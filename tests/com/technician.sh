@@ -16,6 +16,10 @@ shown() {
     END { if (at <= n) print "the record lacks \"" want[at] "\""; exit at <= n }' "$@" "$record"
 }
 
+painted() {
+  (($(import -window "$window" png:- | identify -format %k -) > 2))
+}
+
 technician() {
   local records="$repo/build/win32/com/records" record window
   rm -rf "$records"
@@ -23,8 +27,8 @@ technician() {
   start_emulator device --fault 'after 1 on 3/S unplug-after 14'
   {
     await_window '^Μήνυμα Ταμειακής \(Varlen Fiscal\)$' 60
+    await 10 painted || die "nothing is written in the window"
     picture silence
-    (($(import -window "$window" png:- | identify -format %k -) > 2)) || die "nothing is written in the window"
   } &
   companion=$!
   sell told
@@ -40,7 +44,7 @@ technician() {
   record=$WORK/record.txt
   tr -d '\r' <"$record" | cut -c32- | cut -c1-70
   shown 'open          0 COM5' 'call          0 ItemSale' 'received     11 <STX>00/00/06/<ETX>' '3/S//Τυροπιτα' \
-    'repeat        2' 'wait         -4' 'broken' 'close' 'open          2 COM5: ' 'open          0 COM5' \
+    'repeat        2' 'wait         -4' 'broken' 'close         0 COM5' 'open          2 COM5: ' 'open          0 COM5' \
     '3/S//Τυροπιτα' 'received     11 <STX>00/00/06/<ETX>' 'waited' 'ended         0 ItemSale' 'close         0 COM5'
 
   start_emulator device --replay "$WORK/record.txt"
