@@ -124,7 +124,10 @@ class Proof {
 
   void sell(Cashier& cashier) {
     cashier.beginReceipt();
-    for (const Act& act : state_.scenario->acts) count(cashier.perform(act), act, isDone(machine_, act));
+    for (const Act& act : state_.scenario->acts) {
+      const std::string answer = cashier.perform(act);
+      count(answer, act, isDone(machine_, act));
+    }
   }
 
   void check(const Cashier::Answers& answers) {

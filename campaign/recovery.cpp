@@ -13,7 +13,7 @@ namespace {
 constexpr int kTries = 10;
 
 /// What the register tells, in this order; amounts in cents.
-enum Field { kReceipts, kNumber, kTotal, kOpen, kRemaining, kPaid, kFields };
+enum Field { kReceiptsToday, kLatestNumber, kLatestTotal, kOpenNow, kRemaining, kPaid, kFields };
 
 std::vector<std::string> splitAt(const std::string& text, char separator) {
   std::vector<std::string> pieces;
@@ -58,7 +58,7 @@ std::string Cashier::lookOnce() {
   return look;
 }
 
-std::string Cashier::picture() {
+std::string Cashier::takePicture() {
   std::string before;
   for (int i = 0; i < kTries; ++i) {
     std::string now = lookOnce();
@@ -76,17 +76,17 @@ std::string Cashier::judge(const std::string& what, long amount, const std::stri
     b[i] = std::stol(splitAt(before, ';')[i]);
     n[i] = std::stol(splitAt(now, ';')[i]);
   }
-  const bool isBooked = n[kOpen] == 0 && n[kReceipts] == b[kReceipts] + 1;
+  const bool isBooked = n[kOpenNow] == 0 && n[kReceiptsToday] == b[kReceiptsToday] + 1;
   if (what == "receipt") {
-    if (isBooked && n[kNumber] == b[kNumber] + 1) return "committed";
-    if (n[kReceipts] == b[kReceipts] && n[kNumber] <= b[kNumber] + 1) return "not committed";
+    if (isBooked && n[kLatestNumber] == b[kLatestNumber] + 1) return "committed";
+    if (n[kReceiptsToday] == b[kReceiptsToday] && n[kLatestNumber] <= b[kLatestNumber] + 1) return "not committed";
     return "unknown";
   }
   if (now == before) return "not committed";
-  if (what == "line") return n[kTotal] == b[kTotal] + amount ? "committed" : "unknown";
+  if (what == "line") return n[kLatestTotal] == b[kLatestTotal] + amount ? "committed" : "unknown";
   // More than remains gives change.
   const long due = amount == 0 ? b[kRemaining] : std::min(amount, b[kRemaining]);
-  const bool isAdded = n[kOpen] == 1 && n[kPaid] == b[kPaid] + due;
+  const bool isAdded = n[kOpenNow] == 1 && n[kPaid] == b[kPaid] + due;
   return isAdded || (isBooked && due == b[kRemaining]) ? "committed" : "unknown";
 }
 
@@ -116,7 +116,7 @@ Cashier::Answers Cashier::recover() {
   }
   // A line that was cut stays by itself.
   save("");
-  known_ = picture();
+  known_ = takePicture();
   if (!act.empty() && was.empty()) {
     answers.last = judge(act[1], std::stol(act[2]), act[3], known_);
     if (!known_.empty()) save("was|" + answers.last + "|.");
@@ -124,23 +124,23 @@ Cashier::Answers Cashier::recover() {
     answers.last = was[1];
   }
   if (receipt.empty()) return answers;
-  const bool isPaid = !known_.empty() && splitAt(known_, ';')[kOpen] == "1" &&
+  const bool isPaid = !known_.empty() && splitAt(known_, ';')[kOpenNow] == "1" &&
                       splitAt(known_, ';')[kRemaining] == "0" && splitAt(known_, ';')[kPaid] != "0";
   if (isPaid) {
     till_.send(u"O/1/");
-    known_ = picture();
+    known_ = takePicture();
   }
   answers.receipt = judge("receipt", 0, receipt[1], known_);
   return answers;
 }
 
 void Cashier::beginReceipt() {
-  known_ = picture();
+  known_ = takePicture();
   save("receipt|" + known_ + "|.");
 }
 
 std::string Cashier::perform(const Act& act) {
-  if (known_.empty()) known_ = picture();
+  if (known_.empty()) known_ = takePicture();
   // A register that does not tell where it stands is told nothing.
   if (known_.empty()) return "not committed";
   const std::string before = known_;
@@ -151,7 +151,7 @@ std::string Cashier::perform(const Act& act) {
   if (act.what == "comment") till_.call("commentPrinterPrint", act.detail, 1);
   if (act.what == "cash") till_.call("Payment", 1, act.detail, euros, 0, 0);
   if (act.what == "card") till_.call("Payment", 2, act.detail, euros, 1, 1);
-  known_ = picture();
+  known_ = takePicture();
   const std::string was = judge(act.what, act.amount, before, known_);
   save("was|" + was + "|.");
   return was;

@@ -1,0 +1,202 @@
+' A till that can be killed at any moment and says at its next start what became of its last receipt and payment.
+'
+'   cscript //nologo recover.vbs [port]
+'
+' This file is kept in UTF-8. Script hosts read the ANSI code page: on a Greek machine save a copy in code page 1253
+' before running it (iconv -f UTF-8 -t CP1253).
+Option Explicit
+
+' What a picture of the register holds, in this order; amounts in cents.
+Const ReceiptsToday = 0, LatestNumber = 1, LatestTotal = 2, OpenNow = 3, Remaining = 4, Paid = 5
+
+Dim module, files, port, savedTo, known, Result, Exresult, Suppress, Pass
+Suppress = True
+
+port = "COM1"
+If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
+Set files = CreateObject("Scripting.FileSystemObject")
+savedTo = files.GetParentFolderName(WScript.ScriptFullName) & "\recover.txt"
+Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+module.Connect_ port, Result, Exresult, Suppress
+If Result <> 0 Then Fail "Connect_: " & Result & " " & Exresult
+
+Recover
+If IsReceiptOpen Then
+  WScript.Echo "finish or cancel the receipt that is open"
+Else
+  BeginReceipt
+  Perform "line", 500, "Καφές"
+  Perform "line", 220, "Τυρόπιτα"
+  Perform "comment", 0, "Σας ευχαριστούμε!"
+  Perform "cash", 300, "ΜΕΤΡΗΤΑ"
+  Perform "card", 420, "ΚΑΡΤΑ"
+End If
+module.DisConnect_ port, Result, Exresult, Suppress
+WScript.Echo "ok"
+
+' Says what became of what an earlier run of this program had begun.
+Sub Recover
+  Dim line, fields, receipt, act, was
+  If files.FileExists(savedTo) Then
+    For Each line In Split(files.OpenTextFile(savedTo).ReadAll, vbCrLf)
+      fields = Split(line & "|", "|")
+      ' A line without its end was cut by the end of the program; what it announces was not begun.
+      If Right(line, 2) <> "|." Then fields = Array("")
+      If fields(0) = "receipt" Then receipt = fields
+      If fields(0) = "do" Then
+        act = fields
+        was = Empty
+      End If
+      If fields(0) = "was" Then was = fields(1)
+    Next
+  End If
+  ' A line that was cut stays by itself.
+  Save ""
+  known = TakePicture
+  If IsArray(act) Then
+    If IsEmpty(was) Then
+      was = Judge(act(1), CLng(act(2)), act(3), known)
+      If known <> "" Then Save "was|" & was & "|."
+    End If
+    WScript.Echo "last " & act(1) & ", " & act(2) & ": " & was
+  End If
+  If Not IsArray(receipt) Then Exit Sub
+  If IsWhollyPaid Then
+    module.SendCommand_ "O/1/", Result, Exresult, Suppress, Pass
+    known = TakePicture
+  End If
+  WScript.Echo "last receipt: " & Judge("receipt", 0, receipt(1), known)
+End Sub
+
+Sub BeginReceipt
+  known = TakePicture
+  Save "receipt|" & known & "|."
+End Sub
+
+' Saves what is done, does it, and finds out what became of it, whatever the call said.
+Sub Perform(what, amount, detail)
+  Dim before, was
+  If known = "" Then known = TakePicture
+  ' A register that does not tell where it stands is told nothing.
+  If known = "" Then Fail "the register does not answer"
+  before = known
+  Save "do|" & what & "|" & amount & "|" & before & "|."
+  On Error Resume Next
+  Select Case what
+    Case "line": module.ItemSale detail, 1, amount / 100, 24, 1, Result, Exresult, Suppress
+    Case "comment": module.commentPrinterPrint detail, 1, Result, Exresult, Suppress
+    Case "cash": module.Payment 1, detail, amount / 100, 0, 0, Result, Exresult, Suppress
+    Case "card": module.Payment 2, detail, amount / 100, 1, 1, Result, Exresult, Suppress
+  End Select
+  On Error GoTo 0
+  known = TakePicture
+  was = Judge(what, amount, before, known)
+  Save "was|" & was & "|."
+  WScript.Echo what & ", " & amount & ": " & was
+End Sub
+
+' "committed", "not committed" or "unknown", by the pictures before and now.
+Function Judge(what, amount, before, now)
+  Dim b, n, due, isBooked
+  Judge = "unknown"
+  If before = "" Or now = "" Or what = "comment" Then Exit Function
+  b = FieldsOf(before)
+  n = FieldsOf(now)
+  isBooked = n(OpenNow) = 0 And n(ReceiptsToday) = b(ReceiptsToday) + 1
+  If what = "receipt" Then
+    If n(ReceiptsToday) = b(ReceiptsToday) And n(LatestNumber) <= b(LatestNumber) + 1 Then Judge = "not committed"
+    If isBooked And n(LatestNumber) = b(LatestNumber) + 1 Then Judge = "committed"
+  ElseIf now = before Then
+    Judge = "not committed"
+  ElseIf what = "line" Then
+    If n(LatestTotal) = b(LatestTotal) + amount Then Judge = "committed"
+  Else
+    ' More than remains gives change.
+    due = amount
+    If due = 0 Or due > b(Remaining) Then due = b(Remaining)
+    If n(OpenNow) = 1 And n(Paid) = b(Paid) + due Then Judge = "committed"
+    If isBooked And due = b(Remaining) Then Judge = "committed"
+  End If
+End Function
+
+' The register as it stands; empty when it does not tell the same twice.
+Function TakePicture
+  Dim before, now, tries
+  TakePicture = ""
+  For tries = 1 To 10
+    now = LookOnce
+    If now <> "" And now = before Then
+      TakePicture = now
+      Exit Function
+    End If
+    before = now
+  Next
+End Function
+
+Function LookOnce
+  Dim day, receipt, fields, totals
+  LookOnce = ""
+  Set day = CreateObject("VarlenFiscalQ7734.clsDailyAcc")
+  Set receipt = CreateObject("VarlenFiscalQ7734.clsTransTotal")
+  On Error Resume Next
+  module.getDailyTotals day, Result, Exresult, Suppress
+  If Err.Number <> 0 Or Result <> 0 Then Exit Function
+  module.transactionTotals receipt, Result, Exresult, Suppress
+  If Err.Number <> 0 Or Result <> 0 Then Exit Function
+  module.SendCommand_ "5/99/1/1/1/", Result, Exresult, Suppress, Pass
+  If Err.Number <> 0 Then Exit Function
+  On Error GoTo 0
+  totals = day.LegalReceiptCount & ";" & receipt.receiptNumber & ";" & CLng(receipt.receiptTotalAmt * 100)
+  ' No receipt is open, or a cash document.
+  If Result = 64 Or Result = 67 Or Result = 68 Then LookOnce = totals & ";0;0;0"
+  fields = Split(Exresult, "/")
+  If Result <> 0 Or UBound(fields) <> 6 Then Exit Function
+  If Cents(fields(3)) >= 0 And Cents(fields(5)) >= 0 Then
+    LookOnce = totals & ";1;" & Cents(fields(3)) & ";" & Cents(fields(5))
+  End If
+End Function
+
+' The digits of "4.00", which are cents; -1 when it is no such number.
+Function Cents(field)
+  Cents = -1
+  If Len(field) < 4 Or Left(Right(field, 3), 1) <> "." Then Exit Function
+  If IsNumeric(Replace(field, ".", "")) Then Cents = CLng(Replace(field, ".", ""))
+End Function
+
+Function FieldsOf(picture)
+  Dim fields, i
+  fields = Split(picture, ";")
+  For i = 0 To UBound(fields)
+    fields(i) = CLng(fields(i))
+  Next
+  FieldsOf = fields
+End Function
+
+Function IsReceiptOpen
+  Dim fields
+  IsReceiptOpen = False
+  If known = "" Then Exit Function
+  fields = FieldsOf(known)
+  IsReceiptOpen = fields(OpenNow) = 1
+End Function
+
+Function IsWhollyPaid
+  Dim fields
+  IsWhollyPaid = False
+  If Not IsReceiptOpen Then Exit Function
+  fields = FieldsOf(known)
+  IsWhollyPaid = fields(Remaining) = 0 And fields(Paid) > 0
+End Function
+
+Sub Save(line)
+  Dim file
+  Const ForAppending = 8
+  Set file = files.OpenTextFile(savedTo, ForAppending, True)
+  file.WriteLine line
+  file.Close
+End Sub
+
+Sub Fail(why)
+  WScript.Echo "FAIL " & why
+  WScript.Quit 1
+End Sub
