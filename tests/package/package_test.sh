@@ -133,11 +133,14 @@ END
 }
 
 wine() {
-  local folder="$WINEPREFIX/drive_c/Program Files/MirvaneEFT" programs='C:\Program Files\MirvaneEFT'
+  local folder="$WINEPREFIX/drive_c/Program Files/MirvaneEFT" programs='C:\Program Files\MirvaneEFT' bits
   rm -rf "$WINEPREFIX"
   wine_up
   unregistered 32
   unregistered 64
+  # The first script of all makes Wine's script host register itself.
+  echo >"$WORK/empty.vbs"
+  for bits in 32 64; do run_script "$bits" "$WORK/empty.vbs"; done
   snapshot before
 
   install 0 /RECORDS=1
