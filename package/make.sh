@@ -37,6 +37,8 @@ put_source() {
   case $1 in
     # Windows' script hosts.
     *.vbs | */jscript/*.js | *.ps1) (printf '\xff\xfe' && with_windows_line_ends <"$1" | iconv -f UTF-8 -t UTF-16LE) >"$target" ;;
+    # Delphi and Visual C++ take what has no mark for the machine's code page.
+    *.pas | *.cpp | *.h | *.cs) (printf '\xef\xbb\xbf' && with_windows_line_ends <"$1") >"$target" ;;
     # Visual Basic reads Greek Windows' code page alone.
     *.bas | *.cls | *.frm) with_windows_line_ends <"$1" | iconv -f UTF-8 -t CP1253 >"$target" ;;
     *) if grep -qI . "$1"; then with_windows_line_ends <"$1" >"$target"; else cp "$1" "$target"; fi ;;

@@ -3,7 +3,8 @@ Attribute VB_Name = "TillModule"
 '
 '   Till.exe [port]
 '
-' This file is kept in UTF-8, and Visual Basic reads the ANSI code page and wants CR LF: README.md tells how to save a copy.
+' The release has this file in code page 1253 with CR LF, as Visual Basic reads it. Among the sources it is in UTF-8:
+' README.md tells how to save a copy.
 ' The system's language for programs without Unicode has to be Greek.
 Option Explicit
 

@@ -1,8 +1,8 @@
 Attribute VB_Name = "TillModule"
 ' A small till, late bound: connect, sell, be refused, mend it, pay, disconnect. Not run here.
 '
-' This file is kept in UTF-8, and the editor imports the ANSI code page: README.md tells how to save a copy. The system's
-' language for programs without Unicode has to be Greek.
+' The release has this file in code page 1253, as the editor imports it. Among the sources it is in UTF-8: README.md tells
+' how to save a copy. The system's language for programs without Unicode has to be Greek.
 Option Explicit
 
 Private Register As Object
