@@ -2,8 +2,10 @@
 Unicode true
 SetCompressor /SOLID lzma
 ManifestSupportedOS all
+ManifestDPIAware true
 RequestExecutionLevel highest
 Name "MirvaneEFT"
+BrandingText "MirvaneEFT ${VERSION}"
 OutFile "${OUTPUT}"
 !ifdef SIGN
   !uninstfinalize '"${SIGN}" "%1"'
