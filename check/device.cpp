@@ -16,6 +16,7 @@
 #include "link/port.h"
 #include "session/session.h"
 #include "state/module_state.h"
+#include "tools/result_codes.h"
 
 namespace mirvane::check {
 namespace {
@@ -93,8 +94,10 @@ Finding refusal(const std::string& question, const Reply& reply) {
   if (reply.result < 0) {
     return {Mark::kFault, say(texts::kBroken, {toUtf8(reply.message)}), say(texts::kSwitchOn)};
   }
-  return {Mark::kFault, say(texts::kRefused, {question, std::to_string(reply.result), toUtf8(reply.message)}),
-          say(texts::kMendCode)};
+  std::string remedy = say(texts::kMendCode);
+  const ResultCode* const code = findResultCode(reply.result, toUtf8(reply.message));
+  if (code != nullptr && !code->cashier.en.empty()) remedy = speaksGreek() ? code->cashier.el : code->cashier.en;
+  return {Mark::kFault, say(texts::kRefused, {question, std::to_string(reply.result), toUtf8(reply.message)}), remedy};
 }
 
 // Who answers at the open port; a fault where nobody does, or no register.

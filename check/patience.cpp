@@ -1,5 +1,7 @@
 #include "check/patience.h"
 
+#include <limits>
+
 #include "state/module_state.h"
 
 namespace mirvane::check {
@@ -10,8 +12,9 @@ class ImpatientClock final : public platform::Clock {
   double secondsSinceMidnight() override { return host_.secondsSinceMidnight(); }
   double elapsed() override {
     const double now = host_.elapsed();
-    if (now > deadline) throw OutOfPatience();
-    return now;
+    if (now <= deadline) return now;
+    deadline = std::numeric_limits<double>::infinity();  // what is cleaned up on the way out may ask too
+    throw OutOfPatience();
   }
   platform::LocalTime localTime() override { return host_.localTime(); }
   void sleep(std::uint32_t milliseconds) override { host_.sleep(milliseconds); }

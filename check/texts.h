@@ -67,8 +67,8 @@ constexpr Phrase kNotRegistered = {"Το MirvaneEFT.dll δεν είναι κατ
 constexpr Phrase kNotRegisteredFor = {
     "Τα προγράμματα %1 bit δεν το βρίσκουν: το MirvaneEFT.dll των %1 bit δεν είναι καταχωρημένο.",
     "%1-bit programs do not find it: the %1-bit MirvaneEFT.dll is not registered."};
-constexpr Phrase kIfTillIs = {"Αν το πρόγραμμα του ταμείου είναι %1 bit, %2",
-                              "If the till's program is a %1-bit one: %2"};
+constexpr Phrase kIfTillIs = {"Μόνο αν το πρόγραμμα του ταμείου είναι %1 bit. %2",
+                              "Only if the till's program is a %1-bit one. %2"};
 constexpr Phrase kRegisterIt = {"Ως διαχειριστής: \"%1\" \"%2\"", "As administrator: \"%1\" \"%2\""};
 constexpr Phrase kInstallIt = {
     "Εγκαταστήστε ξανά το πακέτο, ή αντιγράψτε το MirvaneEFT.dll των %1 bit με το Lang.dat σε έναν φάκελο και, ως "

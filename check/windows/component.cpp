@@ -66,14 +66,14 @@ struct Registration {
   HKEY root() const { return isForUser() ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE; }
 };
 
-// The classes that are not registered with the first one.
+// The classes that are not registered with the first one. Their names are the same for both kinds of programs.
 std::string strayClasses(const Registration& found, int& count) {
   std::string names;
   for (const PublicClass& each : publicClasses()) {
     const std::string name(each.describe().name());
     const std::wstring id = L"Software\\Classes\\" + widened(kTypeLibraryName) + L"." + widened(name) + L"\\CLSID";
     if (isSame(registeredFile(found.root(), found.bits, each.classId), found.file()) &&
-        registryText(found.root(), id, nullptr, viewOf(found.bits)) == widened(each.classId)) {
+        registryText(found.root(), id) == widened(each.classId)) {
       continue;
     }
     names += (names.empty() ? "" : ", ") + name;

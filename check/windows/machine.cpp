@@ -120,7 +120,9 @@ void print(const std::string& text) {
 void keepConsole() {
   std::array<DWORD, 2> processes{};
   const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
-  if (!isConsole(input) || GetConsoleProcessList(processes.data(), processes.size()) != 1) return;
+  if (!isConsole(input) || !isConsole(GetStdHandle(STD_OUTPUT_HANDLE)) ||
+      GetConsoleProcessList(processes.data(), processes.size()) != 1)
+    return;
   print("\n" + say(texts::kPressKey) + "\n");
   wchar_t key = 0;
   DWORD count = 0;
