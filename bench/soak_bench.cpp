@@ -39,6 +39,8 @@ class HurriedClock : public platform::Clock {
   double secondsSinceMidnight() override { return std::fmod(host_.secondsSinceMidnight() + skipped_, 86400); }
   double elapsed() override { return host_.elapsed() + skipped_; }
   platform::LocalTime localTime() override { return host_.localTime(); }
+  std::int64_t sinceEpoch() override { return host_.sinceEpoch(); }
+  int zoneAt(std::int64_t sinceEpoch) override { return host_.zoneAt(sinceEpoch); }
   void sleep(std::uint32_t milliseconds) override { skipped_ += milliseconds / 1000.0; }
 
  private:

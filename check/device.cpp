@@ -36,7 +36,7 @@ class Conversation {
   Reply ask(const Text& command) {
     try {
       const Patience patience(kAnswerSeconds);
-      return session_.exchange(command, {});
+      return session_.exchange(command, {}, OwnOutcome());
     } catch (const OutOfPatience&) {
       return {link_result::kNoAnswer, link_result::kNoAnswerText};
     }

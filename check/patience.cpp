@@ -17,6 +17,8 @@ class ImpatientClock final : public platform::Clock {
     throw OutOfPatience();
   }
   platform::LocalTime localTime() override { return host_.localTime(); }
+  std::int64_t sinceEpoch() override { return host_.sinceEpoch(); }
+  int zoneAt(std::int64_t sinceEpoch) override { return host_.zoneAt(sinceEpoch); }
   void sleep(std::uint32_t milliseconds) override { host_.sleep(milliseconds); }
 
   double deadline = 0;
