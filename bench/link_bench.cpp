@@ -3,6 +3,7 @@
 // with a reply of 200 bytes.
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -94,6 +95,26 @@ void benchTrace(Till& till) {
   std::printf("  the trace on: a status query takes %.3f times as long\n", on[kTurns / 2] / off[kTurns / 2]);
 }
 
+// Once begun, a record goes on: so this comes last, and the runs without one first.
+void benchRecord(Till& till, const std::array<Text, 2>& ports) {
+  constexpr int kTimes = 400;
+  std::array<double, 2> without{};
+  for (const bool recorded : {false, true}) {
+    if (recorded) till.makeRecordFolder();
+    for (std::size_t i = 0; i < ports.size(); ++i) {
+      till.connect(ports[i]);
+      const double median = measure(kTimes, [&] { till.send(u"?/"); }).median;
+      till.disconnect();
+      if (recorded) {
+        std::printf("  with a flight record: a status query takes %.3f times as long (%s)\n", median / without[i],
+                    i == 0 ? "unpaced" : "paced");
+      } else {
+        without[i] = median;
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace mirvane::bench
 
@@ -118,5 +139,6 @@ int main(int argc, char** argv) {
   }
   benchTrace(*till);
   till->disconnect();
+  benchRecord(*till, {mirvane::fromUtf8(argv[1]), mirvane::fromUtf8(argv[2])});
   return 0;
 }

@@ -22,6 +22,8 @@ class Till {
   /// A late-bound call that sends nothing.
   virtual void callNothing() = 0;
   virtual void setTrace(bool active) = 0;
+  /// Makes the folder of the flight record, which the next connection finds.
+  virtual void makeRecordFolder() = 0;
   /// Takes the journal of the open day into the files below c:\bbox, with its window.
   virtual void readJournal() = 0;
   /// What the process holds in memory, in bytes.

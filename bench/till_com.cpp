@@ -64,6 +64,10 @@ class ComTill : public Till {
   void setTrace(bool active) override {
     invoke(*facade_, active ? L"activateDebug" : L"DeactivateDebug", DISPATCH_METHOD, {});
   }
+  void makeRecordFolder() override {
+    const std::string path = componentPath();
+    CreateDirectoryA((path.substr(0, path.find_last_of('\\')) + "\\records").c_str(), nullptr);
+  }
   void readJournal() override {
     VARIANT no{};
     no.vt = VT_BOOL;
@@ -77,13 +81,16 @@ class ComTill : public Till {
     return counters.WorkingSetSize;
   }
   std::size_t componentSize() override {
-    char path[MAX_PATH] = {};
-    GetModuleFileNameA(GetModuleHandleA("MirvaneEFT.dll"), path, MAX_PATH);
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    std::ifstream file(componentPath(), std::ios::binary | std::ios::ate);
     return file ? static_cast<std::size_t>(file.tellg()) : 0;
   }
 
  private:
+  static std::string componentPath() {
+    char path[MAX_PATH] = {};
+    GetModuleFileNameA(GetModuleHandleA("MirvaneEFT.dll"), path, MAX_PATH);
+    return path;
+  }
   VARIANT result() { return reference(VT_I2, &result_); }
   VARIANT text() { return reference(VT_BSTR, &text_); }
   VARIANT silent() { return reference(VT_BOOL, &silent_); }

@@ -5,6 +5,7 @@
 #include "bench/till.h"
 #include "component/component.h"
 #include "facade/fiscal_trevik_module.h"
+#include "state/module_state.h"
 #include "support/electronic_journal.h"
 
 namespace mirvane::bench {
@@ -40,6 +41,10 @@ class NativeTill : public Till {
     check("ItemSale", 0);
   }
   void setTrace(bool active) override { facade_->call(active ? "activateDebug" : "DeactivateDebug"); }
+  void makeRecordFolder() override {
+    moduleState().recordFolder = u"records";
+    platform::hostPlatform().files.makeFolder(u"records\\");
+  }
   void readJournal() override {
     bool closesDay = false;
     if (journal_.eMakeZreport(text_, closesDay, withForm_) != 0) fail(toUtf8(text_));
