@@ -245,6 +245,9 @@ int play(const Options& options, boost::asio::io_context& loop) {
                               [&player](const Options::Address&, Outlet& outlet) { return player.connect(outlet); });
     std::cout << listening.ready << std::endl;
     loop.run();
+    // What the till had sent when a signal came counts, though it may still be on its way.
+    loop.restart();
+    loop.run_for(std::chrono::milliseconds(100));
     return player.tell(options.isQuiet);
   } catch (const ReplayError& error) {
     throw UsageError(options.replay + ": " + error.what());

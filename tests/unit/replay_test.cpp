@@ -79,8 +79,8 @@ TEST(Replay, TheFirstDifferenceIsToldAndNoSecretIsOne) {
       {kRecord, kStart, here + "the end"},
       {secret, "\x02]/1/http:/80/KEY/77\x03", "as recorded, up to line 1, the end"},
       {secret, "\x02]/0/http:/80/KEY/77\x03",
-       "different at line 1 of the record\n  then  sent         25 <STX>]/1/http:/***/***/***<ETX>\n"
-       "  now   sent         25 <STX>]/0/http:/***/***/***<ETX>"}};
+       "different at line 1 of the record\n  then  sent         23 <STX>]/1/http:/***/***/***<ETX>\n"
+       "  now   sent         23 <STX>]/0/http:/***/***/***<ETX>"}};
   for (const auto& [record, bytes, told] : cases) EXPECT_EQ(outcomeOf(record, {bytes}), told);
 }
 
