@@ -20,6 +20,8 @@ class NoOutlet : public emulator::Outlet {
   void send(std::string_view, std::uint32_t) override {}
   void sendCopy(std::string_view, std::uint32_t) override {}
   void drop() override {}
+  bool hurry() override { return false; }
+  void unplug(std::uint32_t, std::uint32_t) override {}
 };
 
 // What the receipt charges, line by line.

@@ -18,6 +18,8 @@ class Outlet : public emulator::Outlet {
   }
   void sendCopy(std::string_view bytes, std::uint32_t delay) override { send(bytes, delay); }
   void drop() override {}
+  bool hurry() override { return false; }
+  void unplug(std::uint32_t, std::uint32_t) override {}
 
   std::size_t count = 0;
   std::string last;
