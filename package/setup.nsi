@@ -19,6 +19,7 @@ OutFile "${OUTPUT}"
 
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\MirvaneEFT"
 ; What a program that waits for a silent run gets to know; 0 is success, 1 and 2 are the installer's own.
+!define NOT_WRITTEN 2
 !define NOT_REGISTERED_32 3
 !define NOT_REGISTERED_64 4
 !define RECORDS_NOT_SHARED 5
@@ -29,11 +30,12 @@ Var Account       ; Windows' word for what the user may do: Admin, Power, User, 
 Var ForEverybody  ; 1, or 0 for the current user alone
 Var Records       ; 1 makes the folders that switch the flight recorder on
 Var GivenFolder   ; what /D= said
-Var InUse         ; 1 when a running program held an old file
-Var InUseText     ; what the last page says then
+Var InUseText     ; what to say when a program held an old file
 Var EverybodyButton
 Var RecordsBox
 
+; Windows need not be started anew for what the page tells.
+!define MUI_FINISHPAGE_NOREBOOTSUPPORT
 !define MUI_FINISHPAGE_SHOWREADME "$INSTDIR\index.html"
 !define MUI_FINISHPAGE_SHOWREADME_TEXT "$(SHOW_GUIDES)"
 !define MUI_FINISHPAGE_TEXT "$(FINISHED)$\r$\n$\r$\n$InUseText"
@@ -62,6 +64,9 @@ Page custom choose choose_done
 !insertmacro text FINISHED "MirvaneEFT ${VERSION} is installed." "Το MirvaneEFT ${VERSION} εγκαταστάθηκε."
 !insertmacro text IN_USE "A program is using the old files. It has the new ones when it is started next." \
   "Κάποιο πρόγραμμα χρησιμοποιεί τα παλιά αρχεία. Θα έχει τα νέα όταν ξεκινήσει την επόμενη φορά."
+!insertmacro text AFTER_RESTART "A program is using the old files. The new ones take their place when Windows starts next." \
+  "Κάποιο πρόγραμμα χρησιμοποιεί τα παλιά αρχεία. Τα νέα θα μπουν στη θέση τους στην επόμενη εκκίνηση των Windows."
+!insertmacro text HELD "A program is using" "Κάποιο πρόγραμμα χρησιμοποιεί το"
 !insertmacro text STAYS_IN_USE "A program is using the files. They go when Windows starts next." \
   "Κάποιο πρόγραμμα χρησιμοποιεί τα αρχεία. Θα διαγραφούν στην επόμενη εκκίνηση των Windows."
 !insertmacro text REFUSED "Windows does not register the component:" "Τα Windows δεν καταχωρίζουν το στοιχείο:"
@@ -179,26 +184,40 @@ FunctionEnd
 ; ---- Files
 
 ; A program that runs can be renamed and not be deleted: it goes on with the old file, and the new one takes its place at
-; once. What is left of the old one goes at the next installation, or at the next start of Windows.
+; once. What is left of the old one goes at the next installation, or at the next start of Windows. A file that cannot
+; even be renamed is replaced at the next start of Windows, which takes an administrator. Takes the file from the stack;
+; $0 is then where the new one goes.
 Function step_aside
   Pop $0
   ClearErrors
   Delete "$0"
-  ${If} ${Errors}
-    GetTempFileName $1 "$OUTDIR"
-    Delete "$1"
-    Rename "$0" "$1.old"
+  ${IfNot} ${Errors}
+    Return
+  ${EndIf}
+  GetTempFileName $1 "$OUTDIR"
+  Delete "$1"
+  ClearErrors
+  Rename "$0" "$1.old"
+  ${IfNot} ${Errors}
+    StrCpy $InUseText "$(IN_USE)"
     Delete /REBOOTOK "$1.old"
-    StrCpy $InUse 1
-    ClearErrors
+  ${ElseIf} $Account == "Admin"
+    StrCpy $InUseText "$(AFTER_RESTART)"
+    StrCpy $0 "$1"
+  ${Else}
+    SetErrorLevel ${NOT_WRITTEN}
+    Abort "$(HELD) $0"
   ${EndIf}
 FunctionEnd
 
-; install_program FOLDER NAME: a file that Windows locks while it runs.
+; install_program FILE NAME: a file that Windows locks while it runs.
 !macro install_program FILE NAME
   Push "$OUTDIR\${NAME}"
   Call step_aside
-  File "${FILE}"
+  File "/oname=$0" "${FILE}"
+  ${If} $0 != "$OUTDIR\${NAME}"
+    Rename /REBOOTOK "$0" "$OUTDIR\${NAME}"
+  ${EndIf}
 !macroend
 
 ; remove_program FILE
@@ -207,7 +226,7 @@ FunctionEnd
   Delete "${FILE}"
   ${If} ${Errors}
     Delete /REBOOTOK "${FILE}"
-    StrCpy $InUse 1
+    StrCpy $InUseText "$(STAYS_IN_USE)"
   ${EndIf}
 !macroend
 
@@ -246,7 +265,6 @@ FunctionEnd
 !macroend
 
 Section
-  StrCpy $InUse 0
   Delete "$INSTDIR\emulator\*.old"
   Delete "$INSTDIR\win32\*.old"
   Delete "$INSTDIR\win64\*.old"
@@ -267,9 +285,8 @@ Section
   ${If} ${RunningX64}
     !insertmacro register "$WINDIR\sysnative" win64 ${NOT_REGISTERED_64}
   ${EndIf}
-  ${If} $InUse = 1
-    StrCpy $InUseText "$(IN_USE)"
-    DetailPrint "$(IN_USE)"
+  ${If} $InUseText != ""
+    DetailPrint "$InUseText"
     SetErrorLevel ${OLD_FILES_IN_USE}
   ${EndIf}
   ${If} $Records = 1
@@ -298,7 +315,6 @@ Function un.onInit
 FunctionEnd
 
 Section Uninstall
-  StrCpy $InUse 0
   !insertmacro regsvr32 /u "$SYSDIR" win32
   ${If} ${RunningX64}
     !insertmacro regsvr32 /u "$WINDIR\sysnative" win64
@@ -312,8 +328,8 @@ Section Uninstall
   RMDir "$INSTDIR\win64\records"
   !insertmacro remove_files
   DeleteRegKey SHCTX "${UNINSTALL_KEY}"
-  ${If} $InUse = 1
-    MessageBox MB_OK|MB_ICONINFORMATION "$(STAYS_IN_USE)" /SD IDOK
+  ${If} $InUseText != ""
+    MessageBox MB_OK|MB_ICONINFORMATION "$InUseText" /SD IDOK
     SetErrorLevel ${OLD_FILES_IN_USE}
   ${EndIf}
 SectionEnd

@@ -105,35 +105,32 @@ is_left() {
   diff <(cd "$1" 2>/dev/null && find . -type f | sort) <(printf '%s\n' "${@:2}") >/dev/null && [[ $# != 1 || ! -e $1 ]]
 }
 
-# sell: by the installed example, with its Greek, for programs of both kinds.
+# sell: by the installed example, with its Greek, for programs of both kinds. Wine reads no script in UTF-16, Windows does.
 sell() {
   local bits
+  iconv -f UTF-16 -t UTF-8 "$folder/examples/vbscript/receipt.vbs" >"$WORK/receipt.vbs"
   for bits in 32 64; do
     start_emulator till --udp 0
-    in_wine "$(system_program "$bits" cscript)" //nologo "$programs\\examples\\vbscript\\receipt.vbs" \
-      "$(emulator_address till)" >"$WORK/sold" 2>&1 || die "$(<"$WORK/sold")"
+    run_script "$bits" "$WORK/receipt.vbs" "$(emulator_address till)" >"$WORK/sold" || die "$(<"$WORK/sold")"
     grep -q 'Καφες ελληνικος' "$WORK/till.paper" && grep -q 'Σας ευχαριστούμε!' "$WORK/till.paper" ||
       die "$bits bits, the paper: $(<"$WORK/till.paper") $(<"$WORK/sold")"
   done
 }
 
-# A till that goes on while the component is upgraded; it ends when its file does.
-start_till() {
-  cat >"$WORK/till.vbs" <<'END'
-Set till = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
-Set files = CreateObject("Scripting.FileSystemObject")
-files.CreateTextFile(WScript.Arguments(0)).Close
-Do While files.FileExists(WScript.Arguments(0))
-  WScript.Sleep 50
-Loop
-END
-  in_wine "$(system_program 32 cscript)" //nologo "$(windows_path "$WORK/till.vbs")" "$(windows_path "$WORK/running")" \
-    >"$WORK/till.log" 2>&1 &
-  await 30 test -e "$WORK/running" || die "the till does not run: $(<"$WORK/till.log")"
+# A program that has a file open which the upgrade replaces. What merely runs does not lock its file under Wine.
+start_running() {
+  in_wine "$(windows_path "$content/emulator/mirvane-emulator.exe")" --udp 0 --quiet \
+    --paper 'C:\Program Files\MirvaneEFT\emulator\mirvane-emulator.exe' >"$WORK/running.log" 2>&1 &
+  running=$!
+  await 60 grep -q ready "$WORK/running.log" || die "the emulator does not run: $(<"$WORK/running.log")"
+}
+
+same_as_archive() {
+  ! diff -r "$WORK/MirvaneEFT-$version" "$folder" | grep -vE '(uninstall.exe|records)$' || die "not what is in the archive"
 }
 
 wine() {
-  local folder="$WINEPREFIX/drive_c/Program Files/MirvaneEFT" programs='C:\Program Files\MirvaneEFT' bits
+  local folder="$WINEPREFIX/drive_c/Program Files/MirvaneEFT" bits
   rm -rf "$WINEPREFIX"
   wine_up
   unregistered 32
@@ -145,14 +142,18 @@ wine() {
 
   install 0 /RECORDS=1
   unzip -qo "$content.zip" -d "$WORK"
-  diff -r "$WORK/MirvaneEFT-$version" "$folder" | grep -vE '(uninstall.exe|records)$' && die "not what is in the archive"
+  same_as_archive
   sell
-  start_till
+  start_running
+  echo old >"$folder/emulator/index.html"
   install 3010
+  kill "$running"
+  wait "$running" || true
   sell
-  [[ -n $(find "$folder" -name '*.old') ]] || die "no file stepped aside for the running till"
-  rm "$WORK/running"
-  wait $!
+  [[ $(find "$folder/emulator" -type f | wc -l) == 4 ]] || die "no new file waits for the next start"
+  wine_down
+  wine_up
+  same_as_archive
   touch "$folder/win32/records/record" "$folder/journal"
   install 0
   uninstall "$folder" ./journal ./win32/records/record
