@@ -33,9 +33,9 @@ TEST_P(Replayed, TheSameTillSeesWhatItSaw) {
   moduleState().recordFolder = fromUtf8(folder);
   const std::string link = folder + "-till";
   // Over the serial line the first item meets a line that goes away for a while.
-  start(
-      {isNetwork ? "on 3/S lost" : "on 3/S unplug-after 2", "next late 900", "on P/ noise", "after 1 on 3/ duplicate 60"},
-      {}, link);
+  start({isNetwork ? "on 3/S lost" : "on 3/S unplug-after 2", "next late 900", "on P/ noise",
+         "after 1 on 3/ duplicate 60"},
+        {}, link);
   const std::string then = day();
   moduleState().recorder = nullptr;
   moduleState().recordFolder.clear();
