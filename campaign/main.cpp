@@ -7,16 +7,20 @@
 #include "campaign/runner.h"
 #include "campaign/table.h"
 
-// Every fault of the emulator at every command of a day, and what a till is told against what the register booked.
+// Every fault of the emulator at every command of a day, and what a till is told against what the register booked; and
+// a till that is killed at every moment, and what it then says.
 //
-//   campaign SOURCES                writes the tables into SOURCES/docs/reliability.md and the share's numbers into
-//                                   SOURCES/campaign/accepted.txt
-//   campaign SOURCES share          runs a share and fails when it is worse than those numbers
-//   campaign SOURCES find FAULT     names the days of that fault's rows on which something was found
-//   campaign SOURCES LINE RULE...   one day, call by call; LINE is 0 serial, 1 or 2 network that acknowledges the frame
+//   campaign SOURCES                writes the tables into docs/reliability.md and docs/after-a-failure.md below
+//   SOURCES,
+//                                   and the share's numbers into campaign/accepted.txt
+//   campaign SOURCES share          runs a share of both; fails when a row is worse than those numbers, or an answer
+//   wrong campaign SOURCES find FAULT     names the days of that fault's rows on which something was found campaign
+//   SOURCES LINE RULE...   one day, call by call; LINE is 0 serial, 1 or 2 network that acknowledges the frame
 //                                   or the ENQ
 namespace mirvane::campaign {
 namespace {
+
+constexpr const char* kAccepted = "/campaign/accepted.txt";
 
 Tally only(Column column) {
   Tally tally{};
@@ -60,19 +64,23 @@ void writeInto(const std::string& path, const std::string& text) {
 int runShare(Plan plan, const std::string& accepted) {
   std::erase_if(plan.runs, [](const Run& run) { return !run.isInShare(); });
   const std::string worse = whatIsWorse(plan, sumsOf(plan, runPlan(plan), true), contentsOf(accepted));
-  std::cout << plan.runs.size() << " days\n";
-  if (worse.empty()) return 0;
-  std::cout << worse << "to see it all, and to accept it: ./run campaign\n";
-  return 1;
+  const AnswersTable answers = proveAnswers(true);
+  std::cout << plan.runs.size() << " days, " << answers.states << " states of a till\n";
+  if (answers.failures > 0) std::cout << answers.text;
+  if (!worse.empty()) std::cout << worse << "to see it all, and to accept it: ./run campaign\n";
+  return worse.empty() && answers.failures == 0 ? 0 : 1;
 }
 
-int runEverything(const Plan& plan, const std::string& page, const std::string& accepted) {
+int runEverything(const Plan& plan, const std::string& sources) {
   const std::vector<Tally> tallies = runPlan(plan);
-  const std::string text = tables(plan, sumsOf(plan, tallies, false));
-  std::cout << text;
-  writeInto(page, text);
-  std::ofstream(accepted) << numbers(plan, sumsOf(plan, tallies, true));
-  return 0;
+  const std::string days = tables(plan, sumsOf(plan, tallies, false));
+  std::cout << days << "\n";
+  writeInto(sources + "/docs/reliability.md", days);
+  std::ofstream(sources + kAccepted) << numbers(plan, sumsOf(plan, tallies, true));
+  const AnswersTable answers = proveAnswers(false);
+  std::cout << answers.text;
+  writeInto(sources + "/docs/after-a-failure.md", "\n" + answers.text);
+  return answers.failures == 0 ? 0 : 1;
 }
 
 std::string findings(const Tally& tally) {
@@ -105,14 +113,8 @@ int runOne(LineKind line, const std::vector<std::string>& rules) {
 }
 
 int run(const std::vector<std::string>& arguments) {
-  const std::string accepted = arguments[0] + "/campaign/accepted.txt";
-  if (arguments.size() == 1) return runEverything(makePlan(), arguments[0] + "/docs/reliability.md", accepted);
-  if (arguments[1] == "share") return runShare(makePlan(), accepted);
-  if (arguments[1] == "answers") {
-    const AnswersTable table = proveAnswers(false);
-    std::cout << table.text;
-    return 0;
-  }
+  if (arguments.size() == 1) return runEverything(makePlan(), arguments[0]);
+  if (arguments[1] == "share") return runShare(makePlan(), arguments[0] + kAccepted);
   if (arguments[1] == "find") return find(makePlan(), arguments.at(2));
   return runOne(kLines[std::stoul(arguments[1])], {arguments.begin() + 2, arguments.end()});
 }
