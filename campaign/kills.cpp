@@ -194,7 +194,7 @@ Proofs makeProofs() {
 }  // namespace
 
 AnswersTable proveAnswers(bool shareOnly) {
-  constexpr std::size_t kShare = 40;
+  constexpr std::size_t kShare = 10;
   Proofs proofs = makeProofs();
   if (shareOnly) {
     std::size_t index = 0;
