@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdio>
 #include <fstream>
 
 #include "check/device.h"
@@ -14,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kFaults = 2, kWarnings = 1, kUsage = 3;
+constexpr int kWarnings = 1, kFaults = 2, kUsage = 3;
 
 struct Options {
   std::string port, emulator, report, who, day;
@@ -162,7 +163,12 @@ int run(std::vector<std::string> arguments) {
 }  // namespace mirvane::check
 
 int main(int count, char** arguments) {
-  const int outcome = mirvane::check::run(mirvane::check::commandLine(count, arguments));
-  mirvane::check::keepConsole();
-  return outcome;
+  try {
+    const int outcome = mirvane::check::run(mirvane::check::commandLine(count, arguments));
+    mirvane::check::keepConsole();
+    return outcome;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return mirvane::check::kUsage;
+  }
 }
