@@ -50,7 +50,7 @@ for port in 5=silent 6=device; do
 done
 timeout 60 wineserver -k || true
 timeout 60 wineserver -w
-wineserver -p {wine_lock}>&-
+wineserver -p >"$WORK/wineserver.log" 2>&1 {wine_lock}>&-
 for bits in 32 64; do registers "$bits" /u || true; done
 rm -rf "$disk"/bbox{,BackUp}
 
