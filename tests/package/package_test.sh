@@ -131,6 +131,7 @@ same_as_archive() {
 
 wine() {
   local folder="$WINEPREFIX/drive_c/Program Files/MirvaneEFT" bits
+  wine_lock_up
   rm -rf "$WINEPREFIX"
   wine_up
   unregistered 32
