@@ -102,7 +102,7 @@ uninstall() {
 }
 
 is_left() {
-  diff <(cd "$1" 2>/dev/null && find . -type f | sort) <(printf '%s\n' "${@:2}") >/dev/null && [[ $# != 1 || ! -e $1 ]]
+  diff <(cd "$1" 2>/dev/null && find . -type f | sort) <([[ $# == 1 ]] || printf '%s\n' "${@:2}") >/dev/null && [[ $# != 1 || ! -e $1 ]]
 }
 
 # sell: by the installed example, with its Greek, for programs of both kinds. Wine reads no script in UTF-16, Windows does.
