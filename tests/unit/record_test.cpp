@@ -171,11 +171,18 @@ TEST_F(Record, OnANetworkEachDatagramHasALine) {
 // What the disk does not take is dropped and counted; a disk that is full ends the record, and the next connection
 // begins a new one. The till does not notice.
 TEST_F(Record, NoDiskHoldsTheTillUp) {
+  std::promise<void> reached;
   std::promise<void> plugged;
-  files.onAppend = [held = plugged.get_future().share()] { return held.wait(), true; };
+  std::atomic<int> appends = 0;
+  files.onAppend = [&, held = plugged.get_future().share()] {
+    if (++appends == 1) reached.set_value();
+    return held.wait(), true;
+  };
   connectNetwork();
+  reached.get_future().wait();
   for (int i = 0; i < 3000; ++i) recordBytes(recorder::EventKind::kSent, std::string(4000, 'x'));
   plugged.set_value();
+  while (appends < 2) std::this_thread::yield();
   const auto told = lines();
   const auto lost = std::find_if(told.begin(), told.end(), [](const auto& line) { return line.starts_with("lost"); });
   ASSERT_NE(lost, told.end());
@@ -207,10 +214,13 @@ TEST_F(Record, KeepsFourFilesOfAProcessAndAMonthOfDays) {
     EXPECT_LE(content.size(), kLargest) << name;
   }
   std::vector<std::string> expected;
-  const std::string process = std::to_string(platform::hostProcess().id);
+  const platform::Process process = platform::hostProcess();
+  std::string program = toUtf8(process.name);
+  std::replace(program.begin(), program.end(), '-', '_');
   for (const char* day : {"25", "26"}) {
     for (const char* part : {"-2", "-3", "-4", "-5"}) {
-      expected.push_back(std::string("line-202403") + day + "-unit_tests-" + process + part + ".txt");
+      expected.push_back(std::string("line-202403") + day + "-" + program + "-" + std::to_string(process.id) + part +
+                         ".txt");
     }
   }
   expected.insert(expected.end(), {"line-x.txt", "notes-20200101.txt"});
