@@ -196,6 +196,7 @@ TEST_F(Record, NoDiskHoldsTheTillUp) {
   EXPECT_EQ(Result, 0);
   connectNetwork();
   EXPECT_TRUE(moduleState().recorder->isAlive());
+  moduleState().recorder = nullptr;
 }
 
 TEST_F(Record, KeepsFourFilesOfAProcessAndAMonthOfDays) {
