@@ -180,7 +180,7 @@ int Machine::journalsMissing() {
       const std::string folder = "MVE25000017\\000" + std::to_string(closure) + "\\";
       const std::string name = "MVE25000017000" + std::to_string(closure) + suffix;
       for (const char* drive : {"c:\\bbox\\", "c:\\bboxBackUp\\"}) {
-        const auto saved = disk.files.find(fromUtf8(drive + folder + name));
+        const auto saved = disk.files.find(fromUtf8(std::string(drive).append(folder).append(name)));
         const auto handed = journal_.find(name);
         isWhole = isWhole && handed != journal_.end() && saved != disk.files.end() && saved->second == handed->second;
       }

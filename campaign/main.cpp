@@ -124,5 +124,10 @@ int run(const std::vector<std::string>& arguments) {
 
 int main(int argc, char** argv) {
   if (argc < 2) return 2;
-  return mirvane::campaign::run({argv + 1, argv + argc});
+  try {
+    return mirvane::campaign::run({argv + 1, argv + argc});
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "campaign: %s\n", error.what());
+    return 2;
+  }
 }

@@ -43,7 +43,7 @@ Texts variationsOf(const std::string& fault) {
   const auto known = kArguments.find(fault);
   if (known == kArguments.end()) return {isRule("next " + fault) ? fault : fault + " 1"};
   Texts all;
-  for (const std::string& argument : known->second) all.push_back(fault + " " + argument);
+  for (const std::string& argument : known->second) all.push_back(std::string(fault).append(" ").append(argument));
   return all;
 }
 

@@ -152,7 +152,7 @@ std::string Cashier::perform(const Act& act) {
   if (act.what == "cash") till_.call("Payment", 1, act.detail, euros, 0, 0);
   if (act.what == "card") till_.call("Payment", 2, act.detail, euros, 1, 1);
   known_ = takePicture();
-  const std::string was = judge(act.what, act.amount, before, known_);
+  std::string was = judge(act.what, act.amount, before, known_);
   save("was|" + was + "|.");
   return was;
 }

@@ -62,7 +62,7 @@ std::string whatIsWorse(const Plan& plan, const Sums& sums, const std::string& a
   std::map<std::string, Tally> before;
   std::istringstream in(accepted);
   for (std::string group, fault, line; in >> group >> fault >> line;) {
-    Tally& tally = before[group + " " + fault + " " + line];
+    Tally& tally = before[group.append(" ").append(fault).append(" ").append(line)];
     for (long& value : tally) in >> value;
   }
   std::ostringstream out;

@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uintmax_t kMegabyte = 1024 * 1024;
+constexpr std::uintmax_t kMegabyte = 1 << 20;
 constexpr std::uintmax_t kLittleSpace = 1024 * kMegabyte;
 constexpr std::uintmax_t kNoSpace = 50 * kMegabyte;
 

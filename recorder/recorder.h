@@ -14,7 +14,7 @@ namespace mirvane::recorder {
 /// goes on. A process keeps its 4 newest files. Files of the record that are older than 31 days are removed.
 class Recorder {
  public:
-  static constexpr std::uint64_t kLargestFile = 8 * 1024 * 1024;
+  static constexpr std::uint64_t kLargestFile = 8 << 20;
 
   /// `folder` has no separator at its end. `files` and `clock` have to outlast the recorder, and its thread where that
   /// hangs in one of their calls.

@@ -1,5 +1,6 @@
 #include "check/windows/registry.h"
 
+#include <algorithm>
 #include <array>
 
 namespace mirvane::check {
@@ -24,7 +25,8 @@ class Key {
 std::wstring expanded(const std::wstring& text) {
   std::wstring full(ExpandEnvironmentStringsW(text.c_str(), nullptr, 0), L'\0');
   full.resize(ExpandEnvironmentStringsW(text.c_str(), full.data(), static_cast<DWORD>(full.size())));
-  return full.c_str();
+  full.resize(std::min(full.find(L'\0'), full.size()));  // it counts the end
+  return full;
 }
 
 std::wstring textIn(HKEY key, const wchar_t* name) {
@@ -35,7 +37,7 @@ std::wstring textIn(HKEY key, const wchar_t* name) {
   if (RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(text.data()), &size) != ERROR_SUCCESS) {
     return {};
   }
-  text = text.c_str();  // with its end, or without one
+  text.resize(std::min(text.find(L'\0'), text.size()));  // with its end, or without one
   return type == REG_EXPAND_SZ ? expanded(text) : text;
 }
 

@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include "platform/windows/datagram_sockets.h"
 #include "platform/windows/floating_point.h"
 #include "platform/windows/journal_window.h"
@@ -46,9 +44,8 @@ class WindowsClock : public Clock {
     if (SystemTimeToTzSpecificLocalTime(nullptr, &moment, &there) == FALSE) return 0;
     SystemTimeToFileTime(&there, &time);
     const std::int64_t local = static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
-    constexpr double kMinute = 60000;
-    return static_cast<int>(
-        std::lround(static_cast<double>(local / kPerMillisecond - kUntil1970 - sinceEpoch) / kMinute));
+    constexpr std::int64_t kMinute = 60000;
+    return static_cast<int>((local / kPerMillisecond - kUntil1970 - sinceEpoch) / kMinute);
   }
 
   void sleep(std::uint32_t milliseconds) override { Sleep(milliseconds); }

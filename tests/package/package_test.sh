@@ -102,7 +102,7 @@ uninstall() {
 }
 
 is_left() {
-  diff <(cd "$1" 2>/dev/null && find . -type f | sort) <([[ $# == 1 ]] || printf '%s\n' "${@:2}") >/dev/null && [[ $# != 1 || ! -e $1 ]]
+  diff <(cd "$1" 2>/dev/null && find . -type f | sort) <([[ $# == 1 ]] || printf '%s\n' "${@:2}" | sort) >/dev/null && [[ $# != 1 || ! -e $1 ]]
 }
 
 # sell: by the installed example, with its Greek, for programs of both kinds. Wine reads no script in UTF-16, Windows does.
@@ -139,6 +139,10 @@ wine() {
   # The first script of all makes Wine's script host register itself.
   echo >"$WORK/empty.vbs"
   for bits in 32 64; do run_script "$bits" "$WORK/empty.vbs"; done
+  # Windows' own, which a new prefix lacks.
+  for key in Classes 'Microsoft\Windows\CurrentVersion\Uninstall'; do
+    in_wine "$(system_program 64 reg)" add "HKCU\\Software\\$key" /f >"$WORK/reg.log"
+  done
   snapshot before
 
   install 0 /RECORDS=1
@@ -155,9 +159,11 @@ wine() {
   wine_down
   wine_up
   same_as_archive
-  touch "$folder/win32/records/record" "$folder/journal"
+  touch "$folder/journal"
   install 0
-  uninstall "$folder" ./journal ./win32/records/record
+  mapfile -t records < <(cd "$folder" && find win32/records win64/records -name 'line-*')
+  ((${#records[@]} >= 4)) || die "the sales left no records: ${records[*]}"
+  uninstall "$folder" ./journal "${records[@]/#/./}"
 
   install 0 /CURRENTUSER '/D=C:\till'
   snapshot installed
