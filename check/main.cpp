@@ -55,7 +55,7 @@ class Speaker {
 // The newest records of each folder, the latest last, up to what one can send.
 std::string newestRecords(const std::vector<fs::path>& folders) {
   constexpr std::size_t kMostFiles = 3;
-  constexpr std::uintmax_t kMostBytes = 512 * 1024;
+  constexpr std::uintmax_t kMostBytes = 1 << 19;
   std::string text;
   for (const fs::path& folder : folders) {
     std::vector<std::pair<fs::file_time_type, fs::path>> files;

@@ -30,7 +30,7 @@ std::string hex(std::uint8_t byte) {
 
 // The name of a character that does not stand for itself; empty for one that does.
 std::string_view nameOf(char c) {
-  if (c >= 0 && c < ' ') return kControls[static_cast<std::size_t>(c)];
+  if (c >= 0 && c < ' ') return kControls[static_cast<std::uint8_t>(c)];
   if (c == '<') return kLessThan;
   return c == kDeleteByte ? kDelete : std::string_view{};
 }

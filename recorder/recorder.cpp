@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t kMostFiles = 4;
 constexpr std::chrono::days kKeptFor{31};
 // What may wait for the disk, in bytes.
-constexpr std::size_t kMostPending = 4 * 1024 * 1024;
+constexpr std::size_t kMostPending = 4 << 20;
 // An event is about this much larger than its text.
 constexpr std::size_t kEventSize = 64;
 // A text that is longer is shown in several lines.

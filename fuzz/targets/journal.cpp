@@ -44,7 +44,7 @@ class Reader {
 
 void save(FiscalJournal& journal, Input input, Machine& machine) {
   Text name = fromUtf8(input.line());
-  std::int16_t zNumber = static_cast<std::int8_t>(input.byte());
+  auto zNumber = static_cast<std::int16_t>(static_cast<std::uint8_t>(input.byte()) - 128);
   Text data = fromCodePage(input.rest());
   Text copy = data;
   if (passes([&] { journal.EJFileSave(name, data, name); })) {
