@@ -1,5 +1,6 @@
 #include "automation/member.h"
 
+#include <limits>
 #include <type_traits>
 
 #include "automation/root.h"
@@ -53,6 +54,24 @@ Value defaultOf(const ObjectPtr& object) {
     throw;
   }
 }
+
+// What no member gives as a result.
+Value nothingOf(TypeKind kind) {
+  return withType(kind, []<class T>(std::type_identity<T>) -> Value {
+    if constexpr (std::is_same_v<T, Text>) {
+      return Text(1, u'\uFFFF');
+    } else if constexpr (std::is_same_v<T, std::uint8_t>) {
+      return std::numeric_limits<T>::max();
+    } else if constexpr (std::is_arithmetic_v<T>) {
+      return std::numeric_limits<T>::lowest();
+    } else {
+      return T();
+    }
+  });
+}
+
+// A result of the type, for a look at whether a variable could take it.
+Value exampleOf(TypeKind kind) { return convertedTo(Type{kind}, {}); }
 
 void requireCount(Arguments given, const Parameters& parameters) {
   bool complete = given.size() <= parameters.size();
@@ -121,10 +140,33 @@ void CallArguments::fill(Slot& slot, const Argument& given, const Parameter& par
     value = defaultOf(std::get<ObjectPtr>(value));
     slot.given = Argument(value);  // the variable keeps its object
   }
-  slot.copy = convertedTo(parameter.type, value);
+  try {
+    slot.copy = convertedTo(parameter.type, value);
+  } catch (const AutomationError&) {
+    if (!parameter.isOutput) throw;
+    slot.copy = nothingOf(kind);
+    slot.wasUnreadable = true;
+  }
   slot.variable = inside(slot.copy, kind);
-  if (slot.writeBack && !slot.given.canTake(slot.copy)) throw AutomationError(AutomationCode::typeMismatch);
+  const Value example = parameter.receives == TypeKind::none ? slot.copy : exampleOf(parameter.receives);
+  if (slot.writeBack && !slot.given.canTake(example)) throw AutomationError(AutomationCode::typeMismatch);
   if (slot.writeBack) slot.before = slot.copy;
+}
+
+void CallArguments::detach(std::size_t i) {
+  Slot& slot = slots_[i];
+  slot.isDetached = true;
+  if (std::exchange(slot.writeBack, true)) return;
+  slot.copy = slot.before = slot.given.value();
+  slot.variable = std::visit(
+      [&slot]<class T>(T* /*callers*/) -> Reference {
+        if constexpr (std::is_same_v<T, Value>) {
+          return &slot.copy;
+        } else {
+          return &std::get<T>(slot.copy);
+        }
+      },
+      slot.variable);
 }
 
 std::vector<Argument> CallArguments::references() const {
@@ -136,9 +178,12 @@ std::vector<Argument> CallArguments::references() const {
 
 bool CallArguments::finish(bool assigned) {
   bool taken = true;
-  for (const Slot& slot : slots_) {
-    const bool typeChanges = assigned && slot.given.isVariant();
-    if (slot.writeBack && (typeChanges || slot.copy != slot.before)) taken = slot.given.store(slot.copy) && taken;
+  for (const bool changed : {false, true}) {
+    for (const Slot& slot : slots_) {
+      if (!slot.writeBack || slot.isChanged() != changed || (slot.wasUnreadable && !changed)) continue;
+      const bool typeChanges = assigned && !leavesOthers_ && slot.given.isVariant();
+      if (changed || slot.isDetached || typeChanges) taken = slot.given.store(slot.copy) && taken;
+    }
   }
   return taken;
 }

@@ -34,6 +34,8 @@ struct ParameterName {
   bool isOptional;
   /// What an omitted argument stands for, where that is not just the type's own zero.
   Default defaultValue;
+  bool isOutput = false;
+  TypeKind receives = TypeKind::none;
 };
 
 /// A list of them that stands elsewhere: braces in a call, or an array.
@@ -59,6 +61,22 @@ constexpr ParameterName optional(const char* name, ParameterName::Default defaul
   return {name, true, defaultValue};
 }
 
+/// A parameter by reference that only takes a result: what the caller's variable held before does not matter.
+/// `receives` is the type of the result where the parameter's own is any.
+constexpr ParameterName output(const char* name, TypeKind receives = TypeKind::none) {
+  ParameterName parameter(name);
+  parameter.isOutput = true;
+  parameter.receives = receives;
+  return parameter;
+}
+
+/// The same of a whole list.
+template <std::size_t N>
+constexpr std::array<ParameterName, N> outputs(std::array<ParameterName, N> names) {
+  for (ParameterName& name : names) name.isOutput = true;
+  return names;
+}
+
 /// One parameter of a member.
 struct Parameter {
   std::string_view name;
@@ -66,6 +84,9 @@ struct Parameter {
   Value defaultValue;
   Type type{};
   bool byReference = false;
+  /// See output().
+  bool isOutput = false;
+  TypeKind receives = TypeKind::none;
 };
 
 using Parameters = std::vector<Parameter>;
@@ -105,9 +126,17 @@ class CallArguments {
   /// All of them, each by reference, to be handed on to another member.
   std::vector<Argument> references() const;
 
+  /// Gives the member a variable of its own for argument `i`, whose content the caller gets at the end whatever the
+  /// caller's variable holds by then.
+  void detach(std::size_t i);
+
+  /// What was not detached stays as the caller has it, its type included.
+  void leaveOthers() { leavesOthers_ = true; }
+
   /// Gives the caller what the member wrote; also to be called when the member failed. What it did not change is left
   /// as the caller has it, but a variable of any type takes the member's type once the member has `assigned` them all.
-  /// False when a variable could not take its result.
+  /// Of one variable that was given twice, what the member changed is written last. False when a variable could not
+  /// take its result.
   bool finish(bool assigned);
 
  private:
@@ -117,12 +146,19 @@ class CallArguments {
     Value copy;
     Value before;
     bool writeBack = false;
+    /// Written whatever the variable holds.
+    bool isDetached = false;
+    /// The variable of an output held nothing of its type; `before` stands for that, and is written nowhere.
+    bool wasUnreadable = false;
+
+    bool isChanged() const { return copy != before; }
   };
 
   static void fill(Slot& slot, const Argument& given, const Parameter& parameter);
   const ObjectPtr& object(std::size_t i) const { return *std::get<ObjectPtr*>(slots_[i].variable); }
 
   std::vector<Slot> slots_;
+  bool leavesOthers_ = false;
 };
 
 /// One row of a member table.

@@ -18,6 +18,12 @@ class NoView : public platform::JournalView {
   void processEvents() override {}
 };
 
+class NoWait : public platform::WaitView {
+ public:
+  void show(const platform::WaitText&) override {}
+  void repaint() override {}
+};
+
 /// Notes a frame that goes out.
 void note(Tap& tap, std::string_view bytes, double now) {
   if (!bytes.starts_with(wire::kStx)) return;
@@ -54,9 +60,10 @@ platform::LocalTime VirtualClock::localTime() {
   return {2026, 11, 22, seconds / 3600, seconds / 60 % 60, seconds % 60};
 }
 
-void Operator::waitWhile(platform::WaitText text, const std::function<bool(platform::WaitText&)>& tick) {
+void Operator::waitWhile(const platform::WaitText&, const std::function<bool(platform::WaitView&)>& tick) {
+  NoWait view;
   do clock_.advance(1);
-  while (tick(text));
+  while (tick(view));
 }
 
 std::unique_ptr<platform::JournalView> Operator::showJournal() { return std::make_unique<NoView>(); }
@@ -71,23 +78,26 @@ bool Disk::replace(TextView path, std::string_view bytes) {
   return true;
 }
 
-std::size_t TappedPort::write(std::int32_t handle, std::string_view bytes) {
+std::optional<std::size_t> TappedPort::write(std::int32_t handle, std::string_view bytes) {
   note(tap_, bytes, clock_.now);
   if (!tap_.moment) return LoopbackPort::write(handle, bytes);
   std::size_t written = 0;
   for (const char byte : bytes) {
     passMoment(tap_);
-    written += LoopbackPort::write(handle, {&byte, 1});
+    const auto one = LoopbackPort::write(handle, {&byte, 1});
+    if (!one) return std::nullopt;
+    written += *one;
   }
   passMoment(tap_);
   return written;
 }
 
-std::string TappedPort::read(std::int32_t handle, std::size_t most) {
-  if (waiting(handle) == 0) clock_.advance(kIdleRead);
-  std::string bytes = LoopbackPort::read(handle, tap_.moment ? 1 : most);
-  if (!bytes.empty()) passMoment(tap_);
-  if (!tap_.answered.empty()) tap_.answered.back() += bytes.size();
+std::optional<std::string> TappedPort::read(std::int32_t handle, std::size_t most) {
+  if (waiting(handle) == std::size_t{0}) clock_.advance(kIdleRead);
+  auto bytes = LoopbackPort::read(handle, tap_.moment ? 1 : most);
+  if (!bytes || bytes->empty()) return bytes;
+  passMoment(tap_);
+  if (!tap_.answered.empty()) tap_.answered.back() += bytes->size();
   return bytes;
 }
 

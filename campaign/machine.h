@@ -40,9 +40,10 @@ class Operator : public platform::Screen {
   explicit Operator(VirtualClock& clock) : clock_(clock) {}
 
   void messageBox(TextView, std::uint32_t, TextView) override {}
-  void waitWhile(platform::WaitText text, const std::function<bool(platform::WaitText&)>& tick) override;
-  std::unique_ptr<platform::WaitView> showWait(platform::WaitText) override { return nullptr; }
+  void waitWhile(const platform::WaitText& text, const std::function<bool(platform::WaitView&)>& tick) override;
+  std::unique_ptr<platform::WaitView> showWait(const platform::WaitText&) override { return nullptr; }
   std::unique_ptr<platform::JournalView> showJournal() override;
+  void serveWindows() override {}
   void showTrace(bool) override {}
   void traceLine(TextView) override {}
 
@@ -83,8 +84,8 @@ class TappedPort : public emulator::LoopbackPort {
   TappedPort(emulator::Device& device, emulator::Faults& faults, VirtualClock& clock, Tap& tap)
       : LoopbackPort(device, faults, clock), clock_(clock), tap_(tap) {}
 
-  std::size_t write(std::int32_t handle, std::string_view bytes) override;
-  std::string read(std::int32_t handle, std::size_t most) override;
+  std::optional<std::size_t> write(std::int32_t handle, std::string_view bytes) override;
+  std::optional<std::string> read(std::int32_t handle, std::size_t most) override;
 
  private:
   VirtualClock& clock_;

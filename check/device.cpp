@@ -13,6 +13,7 @@
 #include "check/machine.h"
 #include "check/patience.h"
 #include "check/texts.h"
+#include "driver/words.h"
 #include "link/port.h"
 #include "session/session.h"
 #include "state/module_state.h"
@@ -36,7 +37,7 @@ class Conversation {
   Reply ask(const Text& command) {
     try {
       const Patience patience(kAnswerSeconds);
-      return session_.exchange(command, {}, OwnOutcome());
+      return session_.exchange(command, OwnOutcome());
     } catch (const OutOfPatience&) {
       return {link_result::kNoAnswer, link_result::kNoAnswerText};
     }
@@ -45,7 +46,7 @@ class Conversation {
   const Reply opened;
 
  private:
-  Session session_;
+  Session session_{kSecondGenerationWords};
 };
 
 bool isAddress(const std::string& port) {

@@ -57,22 +57,24 @@ class Call {
       bad_ = i;
       const std::size_t parameter = parameterOf(i);
       sources_[parameter] = i;
-      arguments_[parameter].read(given_.rgvarg[i]);
+      arguments_[parameter].read(given_.rgvarg[i], member_.parameters[parameter].isOutput);
     }
     bad_ = kNone;
     std::vector<Argument> arguments;
     arguments.reserve(arguments_.size());
     for (const VariantArgument& argument : arguments_) arguments.push_back(argument.argument());
-    Value result = member_.invoke(object, arguments);
-    completed_ = true;
-    return result;
+    return member_.invoke(object, arguments);
   }
 
+  // Of one variable that was given twice, what the member changed is written last.
   HRESULT writeBack() {
     HRESULT outcome = S_OK;
-    for (std::size_t i = 0; i < arguments_.size(); ++i) {
-      const HRESULT one = arguments_[i].writeBack(completed_ && member_.assigns && member_.parameters[i].byReference);
-      if (FAILED(one)) outcome = one;
+    for (const bool changed : {false, true}) {
+      for (VariantArgument& argument : arguments_) {
+        if (argument.isChanged() != changed) continue;
+        const HRESULT one = argument.writeBack();
+        if (FAILED(one)) outcome = one;
+      }
     }
     return outcome;
   }
@@ -107,7 +109,6 @@ class Call {
   std::vector<VariantArgument> arguments_;
   std::vector<UINT> sources_;
   UINT bad_ = kNone;
-  bool completed_ = false;
 };
 
 void describe(const std::exception& error, const ClassInfo& source, EXCEPINFO* exception) {

@@ -155,6 +155,14 @@ Value valueOf(const VARIANT& given) {
   }
 }
 
+Value valueOr(const VARIANT& given, const Value& otherwise) {
+  try {
+    return valueOf(given);
+  } catch (const AutomationError&) {
+    return otherwise;
+  }
+}
+
 void toVariant(const Value& value, VARIANT& result) {
   std::visit(
       [&result]<class T>(const T& held) {
@@ -180,7 +188,8 @@ void toVariant(const Value& value, VARIANT& result) {
   result.vt = kTypes[value.index()];
 }
 
-void VariantArgument::read(VARIANT& given) {
+void VariantArgument::read(VARIANT& given, bool output) {
+  isOutput_ = output;
   // A script's variable can itself refer to a variable of an outer procedure, and so on.
   constexpr int kMostReferences = 16;
   VARIANT* source = &given;
@@ -190,7 +199,7 @@ void VariantArgument::read(VARIANT& given) {
   }
   if (source->vt == VT_ERROR && source->scode == DISP_E_PARAMNOTFOUND) return;
   if ((source->vt & VT_BYREF) == 0) {
-    before_ = valueOf(*source);
+    before_ = output && variant_ != nullptr ? valueOr(*source, {}) : valueOf(*source);
     argument_ = variant_ == nullptr ? Argument(before_) : Argument(Reference(&copy_.emplace<Value>(before_)));
     return;
   }
@@ -223,25 +232,48 @@ void VariantArgument::read(VARIANT& given) {
   }
 }
 
-HRESULT VariantArgument::writeBack(bool assigned) {
+bool VariantArgument::isChanged() const {
+  if (argument_.missing()) return false;
+  return std::visit(
+      [this]<class T>(const T& held) {
+        if constexpr (std::is_same_v<T, std::monostate> || std::is_same_v<T, Null> || std::is_same_v<T, Date>) {
+          return Value(held) != before_;
+        } else {
+          try {
+            return convertTo<T>(before_) != held;
+          } catch (const AutomationError&) {
+            return true;
+          }
+        }
+      },
+      argument_.value());
+}
+
+HRESULT VariantArgument::writeBack() {
   return guarded([&]() -> HRESULT {
     if (argument_.missing()) return S_OK;
     const Value result = argument_.value();
+    if (isCallersAlready(result)) return S_OK;
     if (variant_ != nullptr) {
-      writeVariant(result, assigned);
-    } else if (typed_ != nullptr && result != before_) {
+      Variant written;
+      toVariant(result, written);
+      std::swap(static_cast<VARIANT&>(written), *variant_);
+    } else if (typed_ != nullptr) {
       writeTyped(result);
     }
     return S_OK;
   });
 }
 
-// What the member did not write to stays exactly what the caller had, be it a date or a currency.
-void VariantArgument::writeVariant(const Value& result, bool assigned) const {
-  if (result == before_ && (!assigned || variant_->vt == kTypes[result.index()])) return;
-  Variant written;
-  toVariant(result, written);
-  std::swap(static_cast<VARIANT&>(written), *variant_);
+bool VariantArgument::isCallersAlready(const Value& result) const {
+  if (result != before_) return false;
+  if (!isOutput_) return true;
+  if (variant_ != nullptr) return valueOr(*variant_, {}) == result;
+  if (typed_ == nullptr) return true;
+  Variant now;
+  check(VariantCopyInd(&now, typed_));
+  const Value held = valueOr(now, {});
+  return std::holds_alternative<double>(result) ? convertTo<double>(held) == std::get<double>(result) : held == result;
 }
 
 void VariantArgument::writeTyped(const Value& result) const {

@@ -17,19 +17,23 @@ class VariantArgument {
   VariantArgument(const VariantArgument&) = delete;
   VariantArgument& operator=(const VariantArgument&) = delete;
 
-  /// Takes the caller's VARIANT. Raises typeMismatch for what no member can take, such as an array.
-  void read(VARIANT& given);
+  /// Takes the caller's VARIANT. Raises typeMismatch for what no member can take, such as an array; but what a variable
+  /// of any type holds does not matter where it is for an `output`.
+  void read(VARIANT& given, bool output);
 
   /// Missing as long as nothing was read, and when the caller left it out expressly. Refers to this object.
   const Argument& argument() const { return argument_; }
 
-  /// Gives the caller what the member wrote, also when the member failed. `assigned` tells that the member surely
-  /// wrote, so that a VARIANT takes the type of the result even where the value is the same. E_OUTOFMEMORY leaves the
-  /// caller's variable as it was.
-  HRESULT writeBack(bool assigned);
+  /// Whether the member changed the value, and not its type alone.
+  bool isChanged() const;
+
+  /// Gives the caller what the member wrote, also when the member failed. What the member did not write to stays
+  /// exactly what the caller had, be it a date or a currency; but an output that the program has written to meanwhile
+  /// becomes what it was. E_OUTOFMEMORY leaves the caller's variable as it was.
+  HRESULT writeBack();
 
  private:
-  void writeVariant(const Value& result, bool assigned) const;
+  bool isCallersAlready(const Value& result) const;
   void writeTyped(const Value& result) const;
 
   Argument argument_;
@@ -37,6 +41,7 @@ class VariantArgument {
   VARIANT* variant_ = nullptr;
   VARIANT* typed_ = nullptr;
   Value before_;
+  bool isOutput_ = false;
   std::variant<bool, double, Text, ObjectPtr, Value> copy_;
 };
 
@@ -51,6 +56,9 @@ class Variant : public VARIANT {
 
 /// What a VARIANT holds that refers to no variable. Raises typeMismatch for what is no Value, such as an array.
 Value valueOf(const VARIANT& given);
+
+/// The same, and `otherwise` for what is no Value.
+Value valueOr(const VARIANT& given, const Value& otherwise);
 
 /// Puts a value into a VARIANT that holds nothing. Raises bad_alloc.
 void toVariant(const Value& value, VARIANT& result);

@@ -87,7 +87,7 @@ void writeServer(Driver& driver, std::uint8_t active, const Text& urls, const Te
   driver.send(Command(u"]/")
                   .integer(active)
                   .verbatim(stored(urls.substr(0, bar)))
-                  .verbatim(port)
+                  .text(port)
                   .verbatim(key)
                   .empty()
                   .empty()
@@ -163,7 +163,7 @@ void addConfiguration(Rows& rows) {
       // Printed whatever the device says of it; the outcome is that of the last paper feed.
       .implement(setVATNumber,
                  [](Driver& driver, Text& sVat, Outcome outcome, Text&) {
-                   driver.send(u"B/////////" + sVat + u"//////////", outcome);
+                   driver.send(u"B/////////" + cleanText(sVat) + u"//////////", outcome);
                    printComment(driver, u"VAT = " + sVat, kVatNumberSize, outcome);
                    driver.send(Command(u"F/").integer(kVatNumberFeed), outcome);
                  })

@@ -20,7 +20,7 @@ const Contract<void(Text&, Outcome, Text&, std::int16_t&)> kSendCommand{
 
 // One exchange at the link's own level: no wait, no box but the one about unknown characters.
 Reply exchangeOnce(Driver& driver, TextView command, Outcome outcome, std::int16_t timeOut = 0) {
-  Reply reply = driver.session.exchange(command, {timeOut, outcome.SupressError_}, outcome);
+  Reply reply = driver.session.exchange(command, outcome, timeOut);
   outcome.take(reply);
   return reply;
 }

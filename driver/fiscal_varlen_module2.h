@@ -1,5 +1,6 @@
 #pragma once
 
+#include "driver/words.h"
 #include "interface/driver_interface.h"
 #include "session/session.h"
 
@@ -20,11 +21,9 @@ struct FiscalVarlenModule2 : ObjectOf<FiscalVarlenModule2> {
   /// a received-on-account or a nearly full fiscal memory, so those flags stay False.
   clsStatus& refreshedStatus();
 
-  Session session;
+  Session session{kSecondGenerationWords};
   std::shared_ptr<clsStatus> status;
   std::shared_ptr<FiscalJournal> journal;
-  /// The last one read from this device.
-  Text serialNumber;
 };
 
 using Driver = FiscalVarlenModule2;

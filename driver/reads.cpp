@@ -97,7 +97,7 @@ void addReads(Rows& rows) {
       .implement(getSerialNumber,
                  [](Driver& driver, Text& sN, Outcome outcome) {
                    const Reply reply = driver.send(u"a/", outcome);
-                   if (reply.succeeded()) sN = driver.serialNumber = reply.text(0);
+                   if (reply.succeeded()) sN = reply.text(0);
                  })
       .implement(getHeader,
                  [](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
@@ -135,7 +135,7 @@ void addReads(Rows& rows) {
                  [](Driver& driver) {
                    clsStatus& status = driver.refreshedStatus();
                    status.FiscalType = FISCAL_VARLENFISCAL2;
-                   status.FiscalSN = driver.serialNumber;
+                   status.FiscalSN = driver.session.serialNumber().value_or(Text());
                    return driver.status;
                  })
       .implement(printerStatusRead, [](Driver& driver, Outcome outcome) {

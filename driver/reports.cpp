@@ -24,7 +24,7 @@ bool journalStepFails(Driver& driver, Text& message) {
 bool journalIsTaken(Driver& driver, Text& message) {
   for (int i = 0; i < kJournalTries; ++i) {
     if (!journalStepFails(driver, message)) return true;
-    moduleState().platform->clock.sleep(kPauseMilliseconds);
+    pause(kPauseMilliseconds);
   }
   return false;
 }

@@ -15,7 +15,10 @@ constexpr std::int16_t kPaymentSeconds = 180;
 const Text kCloseReceipt = u"O/1/";
 const Text kCancelReceipt = u"O/2/";
 const Text kAskRemaining = u"5/99/1/1/1/";
+const Text kAskTotals = u"9/";
+constexpr std::size_t kReceiptTotal = 6;
 constexpr int kRemainingAttempts = 3;
+constexpr double kHalfCent = 0.005;
 
 const Contract<std::shared_ptr<clsAdjust>(bool&)> kAdjustment{"adjustment", MemberKind::method,
                                                               parametersOf({{"onLastItem"}})};
@@ -59,16 +62,48 @@ void addNumberOrNothing(Command& command, std::int16_t number) {
   }
 }
 
+void failUnanswered(Outcome outcome) { Session::fail({link_result::kNoAnswer, link_result::kNoAnswerText}, outcome); }
+
 // A reply that does not tell what remains says nothing, least of all that nothing remains: it is asked for again. A
-// field without a number counts as nothing; the device, which knows, then refuses to close.
-bool isPaid(Driver& driver, Outcome outcome) {
+// field without a number counts as nothing; the device, which knows, then refuses to close. Nothing when it was not
+// told, which `outcome` says.
+std::optional<double> askRemaining(Driver& driver, Outcome outcome) {
   for (int attempt = 0; attempt < kRemainingAttempts; ++attempt) {
     const Reply reply = driver.send(kAskRemaining, outcome);
-    if (!reply.succeeded()) return false;
-    if (reply.count() > 0) return reply.number(0) <= 0;
+    if (!reply.succeeded()) return std::nullopt;
+    if (reply.count() > 0) return reply.number(0);
   }
-  Session::fail({link_result::kNoAnswer, link_result::kNoAnswerText}, outcome);
-  return false;
+  failUnanswered(outcome);
+  return std::nullopt;
+}
+
+// What remained to pay before the payment: as the device told it, or the receipt's total where no payment stood in it.
+std::optional<double> remainedBefore(Driver& driver, std::optional<double> told, std::optional<bool> wasInPayment) {
+  if (told || wasInPayment.value_or(true)) return told;
+  const Reply totals = driver.session.sendSilently(kAskTotals);
+  if (!totals.succeeded() || totals.count() <= kReceiptTotal) return std::nullopt;
+  return totals.number(kReceiptTotal);
+}
+
+// Pays, and closes the receipt when nothing is left. The end of a card payment can get lost on the way; then the
+// receipt tells whether the payment stands in it.
+void pay(Driver& driver, const Command& command, Outcome outcome, bool readsState) {
+  const Session& session = driver.session;
+  const auto told = session.remaining();
+  const auto wasInPayment = session.isInPayment();
+  const int looks = session.uncertainLooks();
+  const Session::Payment payment = driver.session.pay(command, outcome, kPaymentSeconds);
+  if (!payment.reply.succeeded()) return;
+  const auto remaining = askRemaining(driver, outcome);
+  if (!remaining) return;
+  const bool isCertain = payment.isTold && session.uncertainLooks() == looks;
+  if (*remaining > 0 && !isCertain) {
+    const auto before = remainedBefore(driver, told, wasInPayment);
+    if (!before || *remaining > *before - kHalfCent) failUnanswered(outcome);
+  }
+  if (*remaining > 0 || !driver.send(kCloseReceipt, outcome).succeeded()) return;
+  // The journal wants the device's state after the receipt; the outcome stays that of the payment.
+  if (readsState) driver.session.exchange(u"v/", OwnOutcome());
 }
 
 }  // namespace
@@ -97,10 +132,7 @@ void addTransactions(Rows& rows) {
                    command.amount(paymentAmount);
                    addNumberOrNothing(command, eftposNum);
                    addNumberOrNothing(command, eftposType);
-                   if (!driver.session.send(command, outcome, kPaymentSeconds).succeeded()) return;
-                   if (!isPaid(driver, outcome) || !driver.send(kCloseReceipt, outcome).succeeded()) return;
-                   // The journal wants the device's state after the receipt; the outcome stays that of the payment.
-                   if (bReadEJ) driver.session.exchange(u"v/", {}, OwnOutcome());
+                   pay(driver, command, outcome, bReadEJ);
                  })
       .implement(FeedPaper, [](Driver& driver, Integer& lines,
                                Outcome outcome) { driver.send(Command(u"F/").integer(lines), outcome); })

@@ -86,22 +86,26 @@ bool LoopbackPort::configure(std::int32_t handle, std::string_view settings) {
   return isConfigured_ = isUsable(handle);
 }
 
-std::size_t LoopbackPort::write(std::int32_t handle, std::string_view bytes) {
-  if (!isUsable(handle)) return 0;
+std::optional<std::size_t> LoopbackPort::write(std::int32_t handle, std::string_view bytes) {
+  if (!isUsable(handle)) return std::nullopt;
   line_.feed(bytes);
   return bytes.size();
 }
 
-std::string LoopbackPort::read(std::int32_t handle, std::size_t most) {
+std::optional<std::string> LoopbackPort::read(std::int32_t handle, std::size_t most) {
+  if (!isUsable(handle)) return std::nullopt;
   const std::size_t multiplied = std::min(most, std::size_t{1000}) * timeouts_.readMultiplier;
-  if (waiting(handle) == 0) clock_.sleep(timeouts_.readConstant + static_cast<std::uint32_t>(multiplied));
-  std::string bytes = input_.substr(0, std::min(waiting(handle), most));
+  if (waiting(handle) == std::size_t{0}) {
+    clock_.sleep(timeouts_.readConstant + static_cast<std::uint32_t>(multiplied));
+  }
+  if (!waiting(handle)) return std::nullopt;
+  std::string bytes = input_.substr(0, most);
   input_.erase(0, bytes.size());
   return bytes;
 }
 
-std::size_t LoopbackPort::waiting(std::int32_t handle) {
-  if (!isUsable(handle)) return 0;
+std::optional<std::size_t> LoopbackPort::waiting(std::int32_t handle) {
+  if (!isUsable(handle)) return std::nullopt;
   collect();
   return input_.size();
 }

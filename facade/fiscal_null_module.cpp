@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "interface/door.h"
 #include "interface/driver_interface.h"
 #include "link/port.h"
 #include "state/message_catalogue.h"
@@ -101,7 +102,7 @@ const ClassInfo& fiscalNullModule::describe() {
       table.implement(*classifier, [](Driver& /*self*/, std::int16_t& /*iErr*/) { return false; });
     }
     table.implement(isCriticalError, [](Driver& /*self*/, std::int16_t& /*iErr*/) { return true; });
-    return table.build();
+    return throughDoor(table.build());
   }();
   return info;
 }

@@ -1,7 +1,7 @@
 #include "facade/fiscal_trevik_module.h"
 
+#include "interface/door.h"
 #include "interface/driver_interface.h"
-#include "interface/recorded_calls.h"
 #include "state/module_state.h"
 #include "support/price_adjustments.h"
 
@@ -46,10 +46,7 @@ fiscalTrevikModule::fiscalTrevikModule() {
   startRecord();
 }
 
-fiscalTrevikModule::~fiscalTrevikModule() {
-  releaseDriver();
-  if (--moduleState().facades == 0 && moduleState().traceActive) setTrace(false);
-}
+fiscalTrevikModule::~fiscalTrevikModule() { endFacade(); }
 
 FISCAL_TYPES fiscalTrevikModule::getFiscalType() { return moduleState().fiscalType; }
 
@@ -110,7 +107,7 @@ const ClassInfo& fiscalTrevikModule::describe() {
     table.readOnly("clsEFTpos", &Facade::clsEFTpos)
         .method("activateDebug", &Facade::activateDebug)
         .method("DeactivateDebug", &Facade::DeactivateDebug);
-    return recorded(table.build());
+    return throughDoor(table.build(), contract::Connect_.name);
   }();
   return info;
 }

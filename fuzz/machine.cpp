@@ -122,7 +122,7 @@ void Line::takeFrames(std::string_view bytes, Take take) {
   }
 }
 
-std::size_t Line::write(std::int32_t /*handle*/, std::string_view bytes) {
+std::optional<std::size_t> Line::write(std::int32_t /*handle*/, std::string_view bytes) {
   takeFrames(bytes, [this](std::string reply) {
     std::erase(reply, '\r');
     serial_ += reply;
@@ -130,7 +130,7 @@ std::size_t Line::write(std::int32_t /*handle*/, std::string_view bytes) {
   return bytes.size();
 }
 
-std::string Line::read(std::int32_t /*handle*/, std::size_t most) {
+std::optional<std::string> Line::read(std::int32_t /*handle*/, std::size_t most) {
   require(most <= std::max<std::size_t>(serial_.size(), 1), "a read of more than is there blocks");
   if (serial_.empty()) clock_.sleep(1000);
   std::string bytes = serial_.substr(0, most);

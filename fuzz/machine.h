@@ -62,12 +62,17 @@ class Screen : public platform::Screen {
   explicit Screen(Clock& clock) : clock_(clock) {}
 
   void messageBox(TextView, std::uint32_t, TextView) override {}
-  void waitWhile(platform::WaitText text, const std::function<bool(platform::WaitText&)>& tick) override {
+  void waitWhile(const platform::WaitText&, const std::function<bool(platform::WaitView&)>& tick) override {
+    struct View : platform::WaitView {
+      void show(const platform::WaitText&) override {}
+      void repaint() override {}
+    } view;
     do clock_.sleep(1000);
-    while (tick(text));
+    while (tick(view));
   }
-  std::unique_ptr<platform::WaitView> showWait(platform::WaitText) override { return nullptr; }
+  std::unique_ptr<platform::WaitView> showWait(const platform::WaitText&) override { return nullptr; }
   std::unique_ptr<platform::JournalView> showJournal() override;
+  void serveWindows() override {}
   void showTrace(bool) override {}
   void traceLine(TextView) override {}
 
@@ -108,9 +113,9 @@ class Line : public platform::SerialPort, public platform::DatagramSockets {
   std::int32_t open(TextView) override { return 1; }
   bool setTimeouts(std::int32_t, const platform::LineTimeouts&) override { return true; }
   bool configure(std::int32_t, std::string_view) override { return true; }
-  std::size_t write(std::int32_t handle, std::string_view bytes) override;
-  std::string read(std::int32_t handle, std::size_t most) override;
-  std::size_t waiting(std::int32_t) override { return serial_.size(); }
+  std::optional<std::size_t> write(std::int32_t handle, std::string_view bytes) override;
+  std::optional<std::string> read(std::int32_t handle, std::size_t most) override;
+  std::optional<std::size_t> waiting(std::int32_t) override { return serial_.size(); }
   bool close(std::int32_t) override { return true; }
 
   bool startUp() override { return true; }

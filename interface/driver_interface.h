@@ -98,22 +98,22 @@ inline const auto VoidReceipt = method<Plain>("VoidReceipt");
 
 // ---- Reads and settings
 
-inline const auto getDate = method<WithText>("getDate", {"d"});
-inline const auto getTime = method<WithText>("getTime", {"d"});
-inline const auto getSerialNumber = method<WithText>("getSerialNumber", {"sN"});
+inline const auto getDate = method<WithText>("getDate", {output("d")});
+inline const auto getTime = method<WithText>("getTime", {output("d")});
+inline const auto getSerialNumber = method<WithText>("getSerialNumber", {output("sN")});
 inline constexpr std::array<ParameterName, 10> kFiveLines = {
     "line1", "line1Size", "line2", "line2Size", "line3", "line3Size", "line4", "line4Size", "line5", "line5Size"};
 inline constexpr std::array<ParameterName, 6> kThreeLines = {"line1",     "line1Size", "line2",
                                                              "line2Size", "line3",     "line3Size"};
 inline constexpr std::array<ParameterName, 5> kFiveRates = {"VatA", "VatB", "VatC", "VatD", "VatE"};
-inline const auto getHeader = method<FiveLines>("getHeader", kFiveLines);
+inline const auto getHeader = method<FiveLines>("getHeader", outputs(kFiveLines));
 inline const auto setHeader = method<FiveLines>("setHeader", kFiveLines);
-inline const auto getFooter = method<ThreeLines>("getFooter", kThreeLines);
+inline const auto getFooter = method<ThreeLines>("getFooter", outputs(kThreeLines));
 inline const auto setFooter = method<ThreeLines>("setFooter", kThreeLines);
 /// A footer for the next receipt only.
 inline const auto setTempFooter =
     method<Value(Text&, Text&, Text&, Outcome)>("setTempFooter", {"line1", "line2", "line3"});
-inline const auto getVatCategories = method<FiveRates>("getVatCategories", kFiveRates);
+inline const auto getVatCategories = method<FiveRates>("getVatCategories", outputs(kFiveRates));
 inline const auto setVatCategories = method<FiveRates>("setVatCategories", kFiveRates);
 inline const auto sentBitmapData =
     method<Value(Text&, Integer&, Outcome)>("sentBitmapData", {"BMPfileName", "BitmapID"});
@@ -137,7 +137,8 @@ inline const auto setTaxCardNumber = method<void(Text&, Outcome, Text&)>("setTax
 inline constexpr std::array<ParameterName, 4> kServer = {"bActiveSend", "sWeb", "sPort", "sAES"};
 inline const auto setServer =
     method<void(std::uint8_t, Text, Text, Text, Outcome, Text&)>("setServer", kServer, {"Pass"});
-inline const auto getServer = method<void(Byte&, Text&, Text&, Text&, Outcome, Text&)>("getServer", kServer, {"Pass"});
+inline const auto getServer =
+    method<void(Byte&, Text&, Text&, Text&, Outcome, Text&)>("getServer", outputs(kServer), {"Pass"});
 
 // ---- Card terminals
 

@@ -24,7 +24,7 @@ struct Outcome {
   }
 };
 
-inline constexpr std::array<ParameterName, 3> kOutcome = {"Result", "Exresult", "SupressError_"};
+inline constexpr std::array<ParameterName, 3> kOutcome = {output("Result"), output("Exresult"), "SupressError_"};
 
 /// Variables of the component's own, for a command whose outcome the caller does not see. Silent.
 class OwnOutcome {

@@ -12,8 +12,17 @@ constexpr std::size_t kMostBytes = 10000;
 
 platform::DatagramSockets& sockets() { return moduleState().platform->sockets; }
 
+constexpr TextView kCannotSend = u"Λάθος κατά την αποστολή δεδομένων στην θύρα (Ethernet)";
+constexpr TextView kCannotReceive = u"Λάθος κατά την ανάγνωση στοιχείων απο την θύρα (Ethernet)";
+
 // Shown even to callers that suppress errors: this class has no switch for it.
 void report(TextView prompt) { showBox(prompt, platform::kCritical, kDeviceFamilyName); }
+
+// A box within an exchange would let the program run between its lines, and one for each attempt would be eight.
+void reportLater(TextView prompt) {
+  TextView& failure = moduleState().call.networkFailure;
+  if (failure.empty()) failure = prompt;
+}
 
 }  // namespace
 
@@ -41,36 +50,48 @@ std::int16_t cTCPIP::open(std::int32_t localPort) {
 
 Text cTCPIP::name() const { return remoteHost_ + u":" + numberText(remotePort_); }
 
-bool cTCPIP::SendData(Text strData) { return sendBytes(toCodePage(strData)); }
-
-bool cTCPIP::sendBytes(std::string_view bytes) {
+bool cTCPIP::send(std::string_view bytes) {
   if (sockets().send(socket_, bytes)) {
     recordBytes(EventKind::kSent, bytes);
     return true;
   }
   recordPort(EventKind::kBroken, name(), platform::lastSystemError());
-  report(u"Λάθος κατά την αποστολή δεδομένων στην θύρα (Ethernet)");
   return false;
+}
+
+bool cTCPIP::SendData(Text strData) {
+  const bool isSent = send(toCodePage(strData));
+  if (!isSent) report(kCannotSend);
+  return isSent;
+}
+
+bool cTCPIP::sendBytes(std::string_view bytes) {
+  const bool isSent = send(bytes);
+  if (!isSent) reportLater(kCannotSend);
+  return isSent;
 }
 
 bool cTCPIP::IsDataAvailable(std::int16_t& iTM) { return sockets().waitReadable(socket_, iTM); }
 
-// One datagram; nothing, after the message box, when reading fails.
+// One datagram; nothing when reading fails.
 std::optional<std::string> cTCPIP::receive() {
   auto datagram = sockets().receive(socket_, kMostBytes);
   if (datagram) recordBytes(EventKind::kReceived, *datagram);
-  if (!datagram) report(u"Λάθος κατά την ανάγνωση στοιχείων απο την θύρα (Ethernet)");
   return datagram;
 }
 
 std::string cTCPIP::receiveBytes() {
-  return sockets().waitReadable(socket_, 0) ? receive().value_or(std::string()) : std::string();
+  if (!sockets().waitReadable(socket_, 0)) return {};
+  const auto datagram = receive();
+  if (!datagram) reportLater(kCannotReceive);
+  return datagram.value_or(std::string());
 }
 
 bool cTCPIP::ReceiveData(Value& strData, Value& lngBytesReceived) {
   if (!sockets().waitReadable(socket_, 0)) return false;
   const auto datagram = receive();
   if (!datagram) {
+    report(kCannotReceive);
     strData = Text();
     lngBytesReceived = std::int16_t{0};
     return false;
@@ -93,7 +114,8 @@ const ClassInfo& cTCPIP::describe() {
       ClassBuilder<cTCPIP>()
           .readOnly("SocketHnd", &cTCPIP::SocketHnd)
           .method("OpenConnection", &cTCPIP::OpenConnection, {"nPort"})
-          .method("ReceiveData", &cTCPIP::ReceiveData, {"strData", "lngBytesReceived"})
+          .method("ReceiveData", &cTCPIP::ReceiveData,
+                  {output("strData", TypeKind::text), output("lngBytesReceived", TypeKind::integer32)})
           .method("SendData", &cTCPIP::SendData, {"strData"})
           .method("IsDataAvailable", &cTCPIP::IsDataAvailable, {optional("iTM", std::int16_t{1})})
           .method("ShutdownConnection", &cTCPIP::ShutdownConnection)

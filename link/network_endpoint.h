@@ -24,12 +24,12 @@ class cTCPIP : public ObjectOf<cTCPIP> {
   /// Takes one datagram that is waiting: its text and length in bytes. False, and both untouched, when none is waiting;
   /// False, "" and 0 after the message box when reading fails.
   bool ReceiveData(Value& strData, Value& lngBytesReceived);
-  /// The same in bytes, which are empty when none is waiting or reading failed.
-  std::string receiveBytes();
-
   /// Sends the text as one datagram in the device's code page. False after the message box when sending fails.
   bool SendData(Text strData);
-  /// The same in bytes.
+
+  /// The same two in bytes, for the link: a failure is reported when the program's call is over. Nothing was received
+  /// when there are no bytes.
+  std::string receiveBytes();
   bool sendBytes(std::string_view bytes);
 
   /// Whether a datagram is there within `iTM` seconds; 0 does not wait.
@@ -50,6 +50,7 @@ class cTCPIP : public ObjectOf<cTCPIP> {
 
  private:
   std::int16_t open(std::int32_t localPort);
+  bool send(std::string_view bytes);
   std::optional<std::string> receive();
   /// "192.168.1.50:9100"
   Text name() const;

@@ -1,5 +1,6 @@
 #include "link/network_transport.h"
 
+#include "link/frame.h"
 #include "link/network_endpoint.h"
 #include "link/received.h"
 #include "link/stopwatch.h"
@@ -10,57 +11,117 @@ namespace mirvane {
 namespace {
 
 constexpr int kAttempts = 4;
-constexpr double kAnswerWithin = 1;          // seconds for the first datagram
+constexpr double kAnswerWithin = 1;          // seconds for the device's ACK or NAK
 constexpr double kReplyBeginsWithin = 0.02;  // after the ACK, before the link pauses
 constexpr double kNextDatagramWithin = 0.3;  // of a reply that has begun
 constexpr double kReplyWithin = 5;           // seconds after the device's ACK
 constexpr double kLongestDrain = 1;
 constexpr std::string_view kAcknowledgements = "\x06\x15";  // ACK, NAK
-const std::string kRefused{wire::kNak};
 
-bool waitForDatagram(Transport& line, double seconds) {
-  const Stopwatch time;
-  const double deadline = time.now() + seconds;
-  do {
-    if (line.hasDatagram()) return true;
-  } while (time.now() < deadline);
-  return false;
+bool isAcknowledgement(std::string_view datagram) {
+  return datagram.starts_with(wire::kAck) || datagram.starts_with(wire::kNak);
 }
 
-// Some registers acknowledge the ENQ, others the frame. Whatever else is there before the frame goes out is a late
-// answer to an earlier command. The ACK or the NAK; empty when there is none.
-std::string answerToEnquiry(Transport& line) {
-  const Stopwatch time;
-  const double deadline = time.now() + kLongestDrain;
-  std::string answer;
-  while (line.hasDatagram() && time.now() < deadline) {
-    const std::string datagram = line.read();
-    if (datagram.empty()) break;
-    if (datagram.front() == wire::kAck || datagram.front() == wire::kNak) answer = datagram.front();
-  }
-  return answer;
-}
+class NetworkExchange {
+ public:
+  NetworkExchange(Transport& line, const std::string& frame, const Sending& sending, SilenceObserver& silence)
+      : line_(line), frame_(frame), sending_(sending), silence_(silence) {}
 
-// What comes behind the ACK; empty when nothing does. A NAK may come before the reply; where it is all that comes, the
-// device refuses the frame whose ENQ it acknowledged.
-std::string collectReply(Transport& line) {
-  const Stopwatch time;
-  const double acknowledged = time.now();
-  bool isRefused = false;
-  std::string reply;
-  for (;;) {
-    const auto hasBegun = [&reply] { return reply.find_first_not_of(kAcknowledgements) != std::string::npos; };
-    while (!reply.ends_with(wire::kEtx) && reply.size() < kReplyLimit - kForgottenAtOnce &&
-           waitForDatagram(line, hasBegun() ? kNextDatagramWithin : kReplyBeginsWithin)) {
-      append(reply, line.read());
+  Exchange run() {
+    Exchange exchange;
+    for (;; ++exchange.attempts) {
+      if (exchange.attempts > 1) record(recorder::EventKind::kRepeat, exchange.attempts);
+      const std::string answer = attempt();
+      if (answer.starts_with(wire::kAck)) {
+        exchange.received = collectReply();
+        if (exchange.received.empty() && isRefused_) return refused();
+        if (exchange.received.empty()) exchange.received = std::move(overtaker_);
+        return exchange;
+      }
+      if (answer.starts_with(wire::kNak)) return refused();
+      if (exchange.attempts == kAttempts) break;
     }
-    if (hasBegun()) return reply;
-    isRefused = isRefused || reply.find(wire::kNak) != std::string::npos;
-    reply.clear();
-    theClock().sleep(500);
-    if (time.now() - acknowledged > kReplyWithin) return isRefused ? kRefused : reply;
+    exchange.failure = link_result::kNoAnswer;
+    exchange.text = link_result::kNoAnswerText;
+    return exchange;
   }
-}
+
+ private:
+  // ENQ and the frame. The device's ACK or NAK; empty when neither came in time, or the system did not send.
+  std::string attempt() {
+    bool isSent = line_.write({&wire::kEnq, 1});
+    pause(50);
+    std::string answer = answerToEnquiry();
+    // What the device does not want now is not sent.
+    if (!answer.starts_with(wire::kNak)) isSent = line_.write(frame_) && isSent;
+    const double deadline = time_.now() + kAnswerWithin;
+    while (time_.now() < deadline && (answer.empty() || !isSent)) {
+      if (waitForDatagram(deadline - time_.now())) answer = pickAnswer(line_.read());
+    }
+    return isSent ? answer : std::string();
+  }
+
+  // Some registers acknowledge the ENQ, others the frame. Whatever else is there before the frame goes out is a late
+  // answer to an earlier command.
+  std::string answerToEnquiry() {
+    const double deadline = time_.now() + kLongestDrain;
+    std::string answer;
+    while (line_.hasDatagram() && time_.now() < deadline) {
+      const std::string datagram = line_.read();
+      if (isAcknowledgement(datagram)) answer = datagram.front();
+    }
+    return answer;
+  }
+
+  // A reply may overtake its ACK, and then it is all that comes of a command that is not sent again.
+  std::string pickAnswer(std::string datagram) {
+    if (isAcknowledgement(datagram)) return datagram;
+    if (!sending_.word.asks && isWholeReply(datagram)) overtaker_ = std::move(datagram);
+    return {};
+  }
+
+  // What comes behind the ACK; empty when nothing does. A NAK may come before the reply; where it is all that comes,
+  // the device refuses the frame whose ENQ it acknowledged.
+  std::string collectReply() {
+    const double acknowledged = time_.now();
+    std::string reply;
+    for (;;) {
+      const auto hasBegun = [&reply] { return reply.find_first_not_of(kAcknowledgements) != std::string::npos; };
+      while (!reply.ends_with(wire::kEtx) && reply.size() < kReplyLimit - kForgottenAtOnce &&
+             waitForDatagram(hasBegun() ? kNextDatagramWithin : kReplyBeginsWithin)) {
+        append(reply, line_.read());
+      }
+      if (hasBegun()) return reply;
+      isRefused_ = isRefused_ || reply.find(wire::kNak) != std::string::npos;
+      reply.clear();
+      if (time_.now() - acknowledged > kReplyWithin) return reply;
+      pause(500);
+    }
+  }
+
+  bool waitForDatagram(double seconds) {
+    const double deadline = time_.now() + seconds;
+    do {
+      if (line_.hasDatagram()) return true;
+      silence_.waits();
+    } while (time_.now() < deadline);
+    return false;
+  }
+
+  Exchange refused() {
+    line_.drain();
+    return {link_result::kNotNow, link_result::kNotNowText};
+  }
+
+  Transport& line_;
+  const std::string& frame_;
+  const Sending& sending_;
+  SilenceObserver& silence_;
+  const Stopwatch time_;
+  bool isRefused_ = false;
+  /// A whole reply that came before the ACK.
+  std::string overtaker_;
+};
 
 }  // namespace
 
@@ -73,28 +134,18 @@ bool NetworkTransport::hasDatagram() {
   return portProp().TCPClass()->IsDataAvailable(noWait);
 }
 
-Exchange NetworkTransport::exchange(const std::string& frame, std::int16_t /*timeOut*/, SilenceObserver& /*silence*/) {
-  for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    if (attempt > 0) record(recorder::EventKind::kRepeat, attempt + 1);
-    write({&wire::kEnq, 1});
-    theClock().sleep(50);
-    std::string first = answerToEnquiry(*this);
-    // What the device does not want now is not sent.
-    if (!first.starts_with(wire::kNak)) write(frame);
-    // A datagram that cannot be read, or an empty one, is no answer either.
-    if (first.empty() && waitForDatagram(*this, kAnswerWithin)) first = read();
-    if (first.empty()) continue;
-    const bool isAcknowledged = first.starts_with(wire::kAck);
-    Exchange exchange;
-    if (isAcknowledged) exchange.received = collectReply(*this);
-    if (first.starts_with(wire::kNak) || exchange.received == kRefused) {
-      drain();
-      return {link_result::kNotNow, link_result::kNotNowText, {}};
-    }
-    if (isAcknowledged) write({&wire::kAck, 1});
-    return exchange;
-  }
-  return {link_result::kNoAnswer, link_result::kNoAnswerText, {}};
+Exchange NetworkTransport::exchange(const std::string& frame, const Sending& sending, SilenceObserver& silence) {
+  return NetworkExchange(*this, frame, sending, silence).run();
+}
+
+// Nothing on a network is asked in passing: there is no line to come back.
+Exchange NetworkTransport::attempt(const std::string& /*frame*/, double /*seconds*/) {
+  return {link_result::kNoAnswer, link_result::kNoAnswerText};
+}
+
+// One that the system refuses is tried again at once: the device would take the next equal frame for a repetition.
+void NetworkTransport::acknowledge() {
+  if (!write({&wire::kAck, 1})) write({&wire::kAck, 1});
 }
 
 }  // namespace mirvane

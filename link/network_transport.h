@@ -10,7 +10,10 @@ class NetworkTransport : public Transport {
   bool write(std::string_view bytes) override;
   std::string read() override;
   bool hasDatagram() override;
-  Exchange exchange(const std::string& frame, std::int16_t timeOut, SilenceObserver& silence) override;
+  Exchange exchange(const std::string& frame, const Sending& sending, SilenceObserver& silence) override;
+  Exchange attempt(const std::string& frame, double seconds) override;
+  void acknowledge() override;
+  bool losesSilently() const override { return true; }
   void trace(TextView /*label*/, TextView /*text*/) override {}
 
  private:

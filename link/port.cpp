@@ -13,6 +13,12 @@
 namespace mirvane {
 namespace {
 
+// The port on which another device was found, and the call that found it.
+struct Stranger {
+  Text port;
+  std::uint64_t call = 0;
+};
+
 struct NetworkName {
   Text host;
   std::int32_t port;
@@ -45,6 +51,8 @@ std::optional<NetworkName> parseNetworkName(TextView name) {
   return NetworkName{host, *port, *localPort};
 }
 
+Reply cannotOpen(const Text& name) { return {link_result::kCannotOpen, Text(link_result::kCannotOpenText) + name}; }
+
 bool openNetwork(const NetworkName& name) {
   const std::shared_ptr<cTCPIP> endpoint = portProp().TCPClass();
   endpoint->RemoteHostIP(name.host);
@@ -62,13 +70,16 @@ bool openNetwork(const NetworkName& name) {
 
 }  // namespace
 
+LineMemory& lineMemory() { return kept<LineMemory>(); }
+
 Reply openPort(const Text& name) {
   if (moduleState().portHandle > 0) return {};
   startRecord();
+  lineMemory() = {};
   const auto network = parseNetworkName(name);
   Reply outcome;
   if (!(network ? openNetwork(*network) : openSerialLine(name))) {
-    outcome = {link_result::kCannotOpen, Text(link_result::kCannotOpenText) + name};
+    outcome = cannotOpen(name);
   }
   // Tried on a port that did not open too: its failure is the one that the caller sees.
   if (!network && !configureSerialLine()) {
@@ -91,6 +102,19 @@ std::int16_t closePort() {
   }
   state.portHandle = 0;
   return closed ? 1 : 0;
+}
+
+Reply refuseStranger() {
+  const Text name = moduleState().portName;
+  closePort();
+  kept<Stranger>() = {name, moduleState().call.number};
+  return cannotOpen(name);
+}
+
+Reply closedPort() {
+  const Stranger& stranger = kept<Stranger>();
+  if (!stranger.port.empty() && stranger.call == moduleState().call.number) return cannotOpen(stranger.port);
+  return {link_result::kNotOpen, langMessage(message::kPortNotOpen)};
 }
 
 Transport& transport() {

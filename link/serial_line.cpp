@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "link/port.h"
 #include "state/module_state.h"
 #include "text/text.h"
 
@@ -54,14 +55,22 @@ bool closeSerialLine() {
   return closed;
 }
 
-void reopenSerialLine() {
-  const Text name = moduleState().portName;
-  recordPort(EventKind::kBroken, name, platform::lastSystemError());
+void breakSerialLine() {
+  recordPort(EventKind::kBroken, moduleState().portName, platform::lastSystemError());
   closeSerialLine();
+  moduleState().portHandle = kLostPort;
+}
+
+bool reopenSerialLine() {
+  const Text name = moduleState().portName;
   const bool opened = openSerialLine(name);
-  if (opened && configureSerialLine()) return;
+  if (opened && configureSerialLine()) {
+    lineMemory().isReopened = true;
+    return true;
+  }
   if (opened) closeSerialLine();
   moduleState().portHandle = kLostPort;
+  return false;
 }
 
 }  // namespace mirvane

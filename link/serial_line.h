@@ -13,9 +13,11 @@ bool configureSerialLine();
 /// Closes the open port; false when the system failed.
 bool closeSerialLine();
 
-/// Opens the port anew, by the name and with the settings that it has, after its line has gone: an adapter that was
-/// pulled, a driver that was restarted. Where that fails, the port stays open to the program, on a line that takes and
-/// gives nothing, and may be opened anew later.
-void reopenSerialLine();
+/// Closes the port, whose line has gone: an adapter that was pulled, a driver that was restarted. To the program it
+/// stays open, on a line that takes and gives nothing. To be called at once when the line has failed.
+void breakSerialLine();
+
+/// Opens it anew, by the name and with the settings that it had; false when that fails.
+bool reopenSerialLine();
 
 }  // namespace mirvane

@@ -3,10 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 
+#include "link/frame.h"
+#include "link/port.h"
 #include "link/received.h"
 #include "link/serial_line.h"
 #include "link/stopwatch.h"
+#include "protocol/reply.h"
 #include "protocol/wire.h"
 
 namespace mirvane {
@@ -20,22 +24,31 @@ constexpr std::size_t kLongestRead = 64;
 constexpr std::array kBeginBytes = {wire::kCan, wire::kCan, wire::kEnq};
 constexpr std::string_view kBegin{kBeginBytes.data(), kBeginBytes.size()};
 constexpr double kRepeatAfter = 10;  // seconds until an unanswered command is repeated
+constexpr double kReopenEvery = 2;   // seconds, while a line is away
+constexpr int kMostEmptyAttempts = 3;
+constexpr int kMostStrangeReplies = 3;
 
 platform::SerialPort& port() { return moduleState().platform->serial; }
 std::int32_t handle() { return moduleState().portHandle; }
 
-// How many bytes the line took.
-std::size_t put(std::string_view bytes) {
+// How many bytes the line took; nothing when it has failed.
+std::optional<std::size_t> put(std::string_view bytes) {
   std::size_t written = 0;
   for (std::size_t at = 0; at < bytes.size(); at += kLongestWrite) {
-    written += port().write(handle(), bytes.substr(at, kLongestWrite));
+    const auto piece = port().write(handle(), bytes.substr(at, kLongestWrite));
+    if (!piece) return std::nullopt;
+    written += *piece;
   }
   return written;
 }
 
 // Asking for no more than is there makes the read return at once; asking for one byte paces an idle line by the port's
-// read time-outs.
-std::string take() { return port().read(handle(), std::clamp<std::size_t>(port().waiting(handle()), 1, kLongestRead)); }
+// read time-outs. Nothing when the line has failed.
+std::optional<std::string> take() {
+  const auto waiting = port().waiting(handle());
+  if (!waiting) return std::nullopt;
+  return port().read(handle(), std::clamp<std::size_t>(*waiting, 1, kLongestRead));
+}
 
 // What came within an attempt, which the record shows as one piece.
 class Arrivals {
@@ -59,68 +72,172 @@ class Arrivals {
   std::string bytes_;
 };
 
+class SerialExchange {
+ public:
+  SerialExchange(const std::string& frame, const Sending& sending, SilenceObserver& silence)
+      : frame_(frame), sending_(sending), silence_(silence) {}
+
+  // Repeats the whole exchange every ten seconds once the time-out has passed, for as long as it takes: a command may
+  // have reached the device, so nobody but the device can say how it ended.
+  Exchange run() {
+    // To the whole second, as programs have come to know the moment of the first repetition.
+    timeOut_ = std::nearbyint(time_.now() + sending_.timeOut);
+    for (;;) {
+      send();
+      if (listen()) return exchange_;
+      record(EventKind::kRepeat, ++exchange_.attempts);
+      silence_.fallsSilent();
+    }
+  }
+
+  Exchange runOnce(double seconds) {
+    const double end = time_.now() + seconds;
+    if (putAll()) {
+      Arrivals arrivals;
+      while (time_.now() < end) {
+        const auto piece = take();
+        if (!piece) break;
+        arrivals.add(*piece);
+        append(exchange_.received, *piece);
+        if (exchange_.received.ends_with(wire::kEtx)) return exchange_;
+        silence_.waits();
+      }
+    }
+    return {link_result::kNoAnswer, link_result::kNoAnswerText};
+  }
+
+ private:
+  // Puts the frame on the line, which is opened anew as often as it fails before the frame is out.
+  void send() {
+    for (;;) {
+      const auto taken = putAll();
+      if (taken == std::size_t{0}) {
+        ++emptyAttempts_;
+      } else if (taken) {
+        emptyAttempts_ = 0;
+      }
+      if (taken && emptyAttempts_ < kMostEmptyAttempts) break;
+      heal();
+    }
+    sentAt_ = time_.now();
+  }
+
+  // Handshake and frame; how many bytes of them the line took, or nothing when it has failed.
+  std::optional<std::size_t> putAll() const {
+    bool& owesAck = lineMemory().owesAck;
+    if (owesAck) owesAck = put({&wire::kAck, 1}).value_or(0) == 0;
+    std::size_t all = 0;
+    for (const char& byte : kBegin) {
+      const auto taken = put({&byte, 1});
+      if (!taken) return std::nullopt;
+      all += *taken;
+    }
+    if (all == kBegin.size()) recordBytes(EventKind::kSent, kBegin);
+    mirvane::trace(u" ENQ");
+    theClock().sleep(1);
+    const auto taken = put(frame_);
+    if (!taken) return std::nullopt;
+    recordBytes(EventKind::kSent, std::string_view(frame_).substr(0, *taken));
+    mirvane::trace(u" send:     ", fromCodePage(frame_));
+    return all + *taken;
+  }
+
+  // Takes what comes back. False when it is time to send the frame again.
+  bool listen() {
+    Arrivals arrivals;
+    do {
+      if (const auto piece = take()) {
+        arrivals.add(*piece);
+        // What an earlier attempt brought in stays: the answer to it may be on its way.
+        append(exchange_.received, *piece);
+      } else {
+        arrivals.tell();
+        heal();
+      }
+      if (exchange_.received.ends_with(wire::kEtx) && isOver()) return true;
+      silence_.waits();
+    } while (!isTimeToRepeat());
+    return false;
+  }
+
+  // Who sits on a line that was opened anew is not known: anything that ends in an ETX would be an answer, be it a
+  // scale's.
+  bool isOver() {
+    if (!lineMemory().isReopened) return true;
+    if (hasStatus(withoutControls(replyIn(fromCodePage(exchange_.received))))) return true;
+    exchange_.received.clear();
+    if (++strangeReplies_ < kMostStrangeReplies) return false;
+    exchange_.failure = link_result::kNoAnswer;
+    exchange_.text = link_result::kNoAnswerText;
+    return true;
+  }
+
+  // A line that failed has lost the answer. But whether a register knows a repetition while it still executes is not
+  // known, so what pays has its own time all the same.
+  bool isTimeToRepeat() const {
+    const double now = time_.now();
+    const bool hasOwnTime = !hasFailed_ || sending_.word.pays;
+    return now >= sentAt_ + kRepeatAfter && !(hasOwnTime && now <= timeOut_);
+  }
+
+  // Opens the line anew, at once and then every few seconds.
+  void heal() {
+    emptyAttempts_ = 0;
+    hasFailed_ = true;
+    breakSerialLine();
+    silence_.fallsSilent();
+    while (!reopenSerialLine()) {
+      const double next = time_.now() + kReopenEvery;
+      while (time_.now() < next) {
+        constexpr std::uint32_t kGlance = 20;
+        theClock().sleep(kGlance);
+        silence_.waits();
+      }
+    }
+  }
+
+  const std::string& frame_;
+  const Sending& sending_;
+  SilenceObserver& silence_;
+  const Stopwatch time_;
+  double timeOut_ = 0;
+  double sentAt_ = 0;
+  bool hasFailed_ = false;
+  /// Attempts in a row of which the line took no byte.
+  int emptyAttempts_ = 0;
+  int strangeReplies_ = 0;
+  Exchange exchange_;
+};
+
 }  // namespace
 
 bool SerialTransport::write(std::string_view bytes) {
-  const std::size_t written = put(bytes);
+  const std::size_t written = put(bytes).value_or(0);
   recordBytes(EventKind::kSent, bytes.substr(0, written));
   return written > 0;
 }
 
 std::string SerialTransport::read() {
-  std::string bytes = take();
+  std::string bytes = take().value_or(std::string());
   recordBytes(EventKind::kReceived, bytes);
   return bytes;
 }
 
 // No read when nothing is there: it would cost its time-out.
-bool SerialTransport::hasUnread() { return port().waiting(handle()) > 0; }
+bool SerialTransport::hasUnread() { return port().waiting(handle()).value_or(0) > 0; }
 
-void SerialTransport::drop() { recordBytes(EventKind::kDropped, take()); }
+void SerialTransport::drop() { recordBytes(EventKind::kDropped, take().value_or(std::string())); }
 
-// A line that does not take the first byte has gone, and may be back under the same name.
-void SerialTransport::beginAttempt() {
-  if (put(kBegin.substr(0, 1)) == 0) {
-    reopenSerialLine();
-    put(kBegin.substr(0, 1));
-  }
-  put(kBegin.substr(1, 1));
-  if (put(kBegin.substr(2)) > 0) recordBytes(EventKind::kSent, kBegin);
+Exchange SerialTransport::exchange(const std::string& frame, const Sending& sending, SilenceObserver& silence) {
+  return SerialExchange(frame, sending, silence).run();
 }
 
-// Repeats the whole exchange every ten seconds once the time-out has passed, for as long as it takes: a command may
-// have reached the device, so nobody but the device can say how it ended. What was received outlives an attempt, since
-// the answer to an earlier one may be on its way.
-Exchange SerialTransport::exchange(const std::string& frame, std::int16_t timeOut, SilenceObserver& silence) {
-  const Stopwatch time;
-  // To the whole second, as programs have come to know the moment of the first repetition.
-  const double overallDeadline = std::nearbyint(time.now() + timeOut);
-  Exchange exchange;
-  for (int attempt = 1;; ++attempt) {
-    if (attempt > 1) {
-      record(EventKind::kRepeat, attempt);
-      silence.repeats();
-    }
-    beginAttempt();
-    trace(u" ENQ", {});
-    theClock().sleep(1);
-    write(frame);
-    trace(u" send:     ", fromCodePage(frame));
-    const double attemptDeadline = time.now() + kRepeatAfter;
-    Arrivals arrivals;
-    do {
-      const std::string piece = take();
-      arrivals.add(piece);
-      append(exchange.received, piece);
-      if (exchange.received.ends_with(wire::kEtx)) {
-        arrivals.tell();
-        write({&wire::kAck, 1});
-        return exchange;
-      }
-      if (attempt > 1) silence.waits();
-    } while (time.now() <= overallDeadline || time.now() < attemptDeadline);
-  }
+Exchange SerialTransport::attempt(const std::string& frame, double seconds) {
+  SilenceObserver observer;
+  return SerialExchange(frame, {}, observer).runOnce(seconds);
 }
+
+void SerialTransport::acknowledge() { lineMemory().owesAck = !write({&wire::kAck, 1}); }
 
 void SerialTransport::trace(TextView label, TextView text) { mirvane::trace(label, text); }
 

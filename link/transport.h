@@ -3,26 +3,37 @@
 #include <cstdint>
 #include <string>
 
-#include "text/code_page.h"
+#include "protocol/words.h"
+#include "state/call.h"
 
 namespace mirvane {
+
+/// How a command is sent.
+struct Sending {
+  /// Seconds that the device may take before a serial exchange is repeated.
+  std::int16_t timeOut = 0;
+  /// Whether the box about characters that the device does not know stays away.
+  bool silent = true;
+  Word word{};
+};
 
 /// What one exchange brought in: the bytes that came, control bytes included, or why there are none.
 struct Exchange {
   std::int16_t failure = 0;  ///< a link_result; 0 when `received` is what the device sent, be it nothing
-  TextView text;             ///< of the failure
-  std::string received;
+  TextView text{};           ///< of the failure
+  std::string received{};
+  int attempts = 1;  ///< how often the frame went out, or should have
 };
 
-/// Looks on while a serial device does not answer.
+/// Looks on while a device does not answer.
 class SilenceObserver {
  public:
   virtual ~SilenceObserver() = default;
 
-  /// Told before each repetition of the exchange.
-  virtual void repeats() {}
-  /// Told every few milliseconds from the first repetition on, until the device answers.
-  virtual void waits() {}
+  /// Told before each repetition of a serial exchange, and when its line has failed.
+  virtual void fallsSilent() {}
+  /// Told every few milliseconds while something is waited for, behind a look at the line.
+  virtual void waits() { serveWindows(); }
 };
 
 /// A way to the device. Nothing above the link asks which one it is.
@@ -39,10 +50,18 @@ class Transport {
   /// Drops unread input, for a second at most.
   void drain();
 
-  /// Carries one frame to the device and takes what comes back, with the handshake of the line. A serial exchange is
-  /// repeated, without end, once `timeOut` seconds have passed, and `silence` is told; a network exchange ends by
-  /// itself.
-  virtual Exchange exchange(const std::string& frame, std::int16_t timeOut, SilenceObserver& silence) = 0;
+  /// Carries one frame to the device and takes what comes back, with the handshake of the line but for the
+  /// acknowledgement. A serial exchange is repeated, without end, once the time-out has passed; a network exchange ends
+  /// by itself.
+  virtual Exchange exchange(const std::string& frame, const Sending& sending, SilenceObserver& silence) = 0;
+  /// One attempt at it, of so many seconds at most; kNoAnswer when nothing came.
+  virtual Exchange attempt(const std::string& frame, double seconds) = 0;
+  /// Tells the device that its answer has arrived. One that is not told may tell the answer again when it is asked
+  /// again.
+  virtual void acknowledge() = 0;
+
+  /// Whether an acknowledgement can get lost on the way, and nobody is told.
+  virtual bool losesSilently() const = 0;
 
   /// A line of the debug trace, which shows the serial line alone.
   virtual void trace(TextView label, TextView text = {}) = 0;

@@ -35,13 +35,17 @@ class SerialPort {
   virtual bool setTimeouts(std::int32_t handle, const LineTimeouts& timeouts) = 0;
   /// `settings` as in "115200,n,8,1": baud, parity, data bits, stop bits. False when the line cannot be set so.
   virtual bool configure(std::int32_t handle, std::string_view settings) = 0;
-  /// The number of bytes that the line took within the write time-outs; 0 when the line is broken.
-  virtual std::size_t write(std::int32_t handle, std::string_view bytes) = 0;
-  /// At most `most` bytes, as many as arrived within the read time-outs; empty on a time-out or a broken line. A broken
-  /// line still takes its time: callers poll.
-  virtual std::string read(std::int32_t handle, std::size_t most) = 0;
-  /// How many bytes can be read without waiting; 0 when the line cannot tell.
-  virtual std::size_t waiting(std::int32_t handle) = 0;
+
+  // These give nothing when the system reports a failure, as it does when an adapter was pulled out: the line is dead
+  // and has to be closed and opened again. A time-out is no failure.
+
+  /// The number of bytes that the line took within the write time-outs.
+  virtual std::optional<std::size_t> write(std::int32_t handle, std::string_view bytes) = 0;
+  /// At most `most` bytes, as many as arrived within the read time-outs.
+  virtual std::optional<std::string> read(std::int32_t handle, std::size_t most) = 0;
+  /// How many bytes can be read without waiting.
+  virtual std::optional<std::size_t> waiting(std::int32_t handle) = 0;
+
   /// True when the handle was open and is closed now.
   virtual bool close(std::int32_t handle) = 0;
 };
@@ -119,13 +123,15 @@ class JournalView {
   virtual void processEvents() = 0;
 };
 
-/// The window of Screen::showWait. It closes when it is destroyed.
+/// The window in which the operator reads it.
 class WaitView {
  public:
   virtual ~WaitView() = default;
 
-  /// Lets this window and the program's own be painted anew. No input reaches them, and no timer: a call that they set
-  /// off would talk between the lines of the one that is under way.
+  /// Shows another text.
+  virtual void show(const WaitText& text) = 0;
+  /// Paints this window and serves the program's own, as Screen::serveWindows. Input is dropped: it was meant for
+  /// windows that cannot be used now.
   virtual void repaint() = 0;
 };
 
@@ -136,12 +142,16 @@ class Screen {
 
   /// Shows a box and waits until it is closed.
   virtual void messageBox(TextView prompt, std::uint32_t style, TextView title) = 0;
-  /// Shows `text` in a modal window above all others, which the operator cannot close, and calls `tick` every second
-  /// until that returns false. What `tick` changes in the text is shown.
-  virtual void waitWhile(WaitText text, const std::function<bool(WaitText&)>& tick) = 0;
-  /// The same window, which stands while the caller goes on.
-  virtual std::unique_ptr<WaitView> showWait(WaitText text) = 0;
+  /// Shows `text` in a modal window above all others, which the operator cannot close, and calls `tick` with it every
+  /// second until that returns false.
+  virtual void waitWhile(const WaitText& text, const std::function<bool(WaitView&)>& tick) = 0;
+  /// The same window, which stands while the caller goes on and closes when it is destroyed. It does not take the
+  /// focus: whoever stands at the till did nothing to have it appear.
+  virtual std::unique_ptr<WaitView> showWait(const WaitText& text) = 0;
   virtual std::unique_ptr<JournalView> showJournal() = 0;
+  /// Paints the program's own windows of this thread and serves what other threads send to them, for 50 ms at most, so
+  /// that the system does not take the program for dead. Input stays in the queue; no timer runs.
+  virtual void serveWindows() = 0;
   /// Opens the window of the debug trace, where there is one, or closes it. Whether the operator has closed it does not
   /// matter: opening it again is allowed.
   virtual void showTrace(bool shown) = 0;

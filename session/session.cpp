@@ -1,62 +1,108 @@
 #include "session/session.h"
 
+#include "link/port.h"
 #include "session/wait_window.h"
 #include "state/module_state.h"
+#include "text/text.h"
 
 namespace mirvane {
 namespace {
-
-// Whether a command pays, or starts a card terminal: the card payment under way may be its own. Any other command only
-// met that state and was not carried out; so did the question about what remains to pay.
-bool couldPay(TextView command) {
-  return command.starts_with(u"E/2/") || (command.starts_with(u"5/") && !command.starts_with(u"5/99/"));
-}
 
 bool isFixable(std::int16_t result) { return convertTo<bool>(driverOrRefusal()->call("isErrorFixable", result)); }
 
 }  // namespace
 
-Reply Session::exchange(TextView command, const Sending& sending, Outcome outcome) {
-  Reply reply;
-  {
-    SilenceWindow window(outcome);
-    reply = mirvane::exchange(command, sending, window);
+Reply Session::exchange(TextView command, Outcome outcome, std::int16_t timeOut) {
+  return exchangeAs(words_.of(trim(command)), command, outcome.SupressError_, outcome, timeOut);
+}
+
+Reply Session::exchangeAs(const Word& word, TextView command, bool isSilent, Outcome outcome, std::int16_t timeOut) {
+  SilenceWindow window(outcome);
+  // The device would take it for a repetition, should the acknowledgement of the one before have got lost.
+  if (!word.asks && !word.movesJournal && looksRepeated(command)) {
+    const Reply between = mirvane::exchange(words_.askState, {.word = words_.of(words_.askState)}, window).reply;
+    if (between.result < 0) return between;
   }
+  Answer answer = mirvane::exchange(command, {timeOut, isSilent, word}, window);
+  remember(word, command, answer);
+  const bool goesOn = answer.reply.result < 0 || answer.reply.is(DeviceCode::kCardUnderWay) || isWaiting_;
+  if (goesOn) return answer.reply;
+  return strangerThere().value_or(answer.reply);
+}
+
+void Session::remember(const Word& word, TextView command, const Answer& answer) {
+  const Reply& reply = answer.reply;
   lastReply_ = reply.raw();
+  lastAttempts_ = answer.attempts;
+  if (!word.asks) remaining_.reset();
   // A failure of the link tells nothing of the device.
-  if (reply.result >= 0) flags_ = reply.flags();
-  return reply;
+  if (reply.result < 0) return;
+  flags_ = reply.flags();
+  if (!hasStatus(reply.raw())) return;
+  isInPayment_ = reply.flags().inPayment;
+  if (!reply.succeeded() || reply.count() == 0) return;
+  if (word.asksRemaining) remaining_ = reply.number(0);
+  if (trim(command) == words_.askSerialNumber) serialNumber_ = reply.text(0);
+}
+
+// A line that was opened anew may have another device on it. It is asked who it is behind the answer to the frame that
+// was sent before: it would take that for a new one otherwise.
+std::optional<Reply> Session::strangerThere() {
+  constexpr double kSeconds = 2;
+  if (!serialNumber_ || !lineMemory().isReopened) return std::nullopt;
+  const auto reply = askBriefly(words_.askSerialNumber, kSeconds);
+  if (!reply || !reply->succeeded() || reply->count() == 0) return std::nullopt;
+  lineMemory().isReopened = false;
+  if (reply->text(0) == *serialNumber_) return std::nullopt;
+  return refuseStranger();
 }
 
 Reply Session::send(const Text& command, Outcome outcome, std::int16_t timeOut) {
+  const Word word = words_.of(trim(command));
+  Payment sent = sendAs(word, command, outcome, timeOut);
+  // What remains to pay is the sender's affair; here is nobody who knows what remained before.
+  if (!sent.reply.succeeded() || !word.paysByCard || sent.isTold) return sent.reply;
+  const Reply unknown{link_result::kNoAnswer, link_result::kNoAnswerText};
+  fail(unknown, outcome);
+  return unknown;
+}
+
+Session::Payment Session::pay(const Text& command, Outcome outcome, std::int16_t timeOut) {
+  return sendAs({.pays = true}, command, outcome, timeOut);
+}
+
+Session::Payment Session::sendAs(const Word& word, const Text& command, Outcome outcome, std::int16_t timeOut) {
   // A copy: the caller may have given one variable for the command and for the outcome.
   const Text sent(trim(command));
-  Sending sending{timeOut, outcome.SupressError_};
+  const int looksBefore = uncertainLooks_;
+  bool isSilent = outcome.SupressError_;
   bool metCardPayment = false;
   for (;;) {
     outcome.take({});
-    Reply reply = exchange(sent, sending, outcome);
+    Reply reply = exchangeAs(word, sent, isSilent, outcome, timeOut);
+    const bool isAnswered = hasStatus(reply.raw());
     outcome.take(reply);
-    if (reply.succeeded()) return reply;
+    if (reply.succeeded()) return {reply, isAnswered && uncertainLooks_ == looksBefore};
     const bool isCardPayment = reply.is(DeviceCode::kCardUnderWay);
     // A card payment that is met again after its end is another's, or none that ends. From within another wait there
     // is no outcome of this command's own.
     if ((isCardPayment && metCardPayment) || !isFixable(reply.result) || !waitForDevice(reply)) {
       fail(reply, outcome);
-      return reply;
+      return {reply, isAnswered && uncertainLooks_ == looksBefore};
     }
-    Reply end(lastResult, lastexResult);
+    const Reply end(lastResult, lastexResult);
+    const bool isTold = isAnswered && uncertainLooks_ == looksBefore;
     outcome.take(end);
     if (!end.succeeded()) {
       fail(end, outcome);
-      return end;
+      return {end, isTold};
     }
     // What could have been this very command must never go out twice: the card could be charged twice.
-    if ((isCardPayment || waitSawCardPayment_) && couldPay(sent)) return end;
-    if (!isCardPayment && !mayBeSentAgain(reply.result)) return end;
+    if ((isCardPayment || waitSawCardPayment_) && word.pays) return {end, isTold};
+    if (!isCardPayment && !mayBeSentAgain(reply.result)) return {end, isTold};
     metCardPayment = metCardPayment || isCardPayment;
     // The box about unknown characters comes once, not again for the same command sent again.
-    sending.silent = true;
+    isSilent = true;
   }
 }
 

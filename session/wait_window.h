@@ -8,20 +8,28 @@
 
 namespace mirvane {
 
-/// Marks that the operator is waiting for the device, so that nothing shows a second window.
+/// Marks that the operator is waiting for the device, so that nothing shows a second window. A mark that a call left
+/// behind counts for nothing in the next.
 class WaitMark {
  public:
   WaitMark();
   WaitMark(const WaitMark&) = delete;
   WaitMark& operator=(const WaitMark&) = delete;
   ~WaitMark();
+
+  /// The window that stands, once there is one.
+  static void setView(platform::WaitView* view);
 };
+
+/// Whether the operator is waiting already, and the window that stands then; null for none.
+bool isWaitShown();
+platform::WaitView* waitView();
 
 /// What the wait window says of a code and the device's text.
 platform::WaitText waitText(const Reply& reason);
 
-/// What is to be seen of a serial device that does not answer: the caller's variables, and the wait window from the
-/// first repetition on, unless errors are suppressed or one stands already.
+/// What is to be seen of a serial device that does not answer: the caller's variables, and the wait window, unless
+/// errors are suppressed. Where one stands already, that one tells it.
 class SilenceWindow : public SilenceObserver {
  public:
   explicit SilenceWindow(Outcome outcome) : outcome_(outcome) {}
@@ -29,7 +37,7 @@ class SilenceWindow : public SilenceObserver {
   SilenceWindow& operator=(const SilenceWindow&) = delete;
   ~SilenceWindow() override;
 
-  void repeats() override;
+  void fallsSilent() override;
   void waits() override;
 
  private:

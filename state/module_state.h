@@ -6,7 +6,9 @@
 #include "automation/object.h"
 #include "platform/ports.h"
 #include "recorder/recorder.h"
+#include "state/call.h"
 #include "state/fiscal_types.h"
+#include "state/kept.h"
 
 namespace mirvane {
 
@@ -41,8 +43,9 @@ struct ModuleState {
   /// Whether the last journal step of this process failed.
   bool journalStepFailed = false;
 
-  /// Whether the operator is waiting for the device.
-  bool waitDialogOpen = false;
+  Call call;
+  /// See kept().
+  Kept kept;
   bool traceActive = false;
 
   /// Where the flight record goes when the folder is there; the host names it, "" for none.
@@ -64,13 +67,19 @@ struct ModuleState {
 
 ModuleState& moduleState();
 
+/// What a room keeps for the whole component, in a type of its own; new when the component is.
+template <class T>
+T& kept() {
+  return moduleState().kept.of<T>();
+}
+
 /// The current driver; when there is none, the one that probing `port` finds becomes it.
 ObjectPtr driverOn(TextView port);
 
 /// The current driver; when there is none, the null driver, which refuses, becomes it.
 ObjectPtr driverOrRefusal();
 
-/// Forgets the current driver. The fiscal type stays.
+/// Forgets the current driver; the fiscal type stays.
 void releaseDriver();
 
 /// Tries the candidates on `port`, with message boxes suppressed, and returns the first that connects, which stays

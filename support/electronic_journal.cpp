@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "interface/recorded_calls.h"
+#include "interface/door.h"
 #include "interface/send_by_name.h"
 #include "state/module_state.h"
 #include "text/number_text.h"
@@ -76,7 +76,7 @@ Reply askUntilPrepared(TextView command) {
   for (;;) {
     Reply reply = askCurrentDriver(Text(command));
     if (!reply.is(DeviceCode::kPreparing)) return reply;
-    moduleState().platform->clock.sleep(kPollMilliseconds);
+    pause(kPollMilliseconds);
   }
 }
 
@@ -100,7 +100,7 @@ struct Download {
   template <class WhenComplete, class WhenNext>
   Reply run(WhenComplete whenComplete, WhenNext whenNext) {
     for (;;) {
-      moduleState().platform->clock.sleep(kPollMilliseconds);
+      pause(kPollMilliseconds);
       processEvents();
       Reply reply = askCurrentDriver(u"Q/");
       processEvents();
@@ -241,14 +241,14 @@ std::int32_t FiscalJournal::MakeZreport(Text& errorDesc) {
 
 const ClassInfo& FiscalJournal::describe() {
   static const ClassInfo info =
-      recorded(ClassBuilder<FiscalJournal>()
-                   .property("bBox", &FiscalJournal::bBox, &FiscalJournal::setbBox)
-                   .method("MakeZreport", &FiscalJournal::MakeZreport, {"errorDesc"})
-                   .method("eMakeZreport", &FiscalJournal::eMakeZreport,
-                           {"errorDesc", optional("bExecZReport", true), optional("bWithForm", true)})
-                   .method("EJFileSave", &FiscalJournal::EJFileSave, {"Filename", "Filedata", "FileSign"})
-                   .method("eEJFileSave", &FiscalJournal::eEJFileSave, {"Filename", "Filedata", "nZRep"})
-                   .build());
+      throughDoor(ClassBuilder<FiscalJournal>()
+                      .property("bBox", &FiscalJournal::bBox, &FiscalJournal::setbBox)
+                      .method("MakeZreport", &FiscalJournal::MakeZreport, {output("errorDesc")})
+                      .method("eMakeZreport", &FiscalJournal::eMakeZreport,
+                              {output("errorDesc"), optional("bExecZReport", true), optional("bWithForm", true)})
+                      .method("EJFileSave", &FiscalJournal::EJFileSave, {"Filename", "Filedata", "FileSign"})
+                      .method("eEJFileSave", &FiscalJournal::eEJFileSave, {"Filename", "Filedata", "nZRep"})
+                      .build());
   return info;
 }
 

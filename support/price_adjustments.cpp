@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "interface/recorded_calls.h"
+#include "interface/door.h"
 #include "interface/send_by_name.h"
 #include "protocol/command.h"
 #include "state/module_state.h"
@@ -111,7 +111,7 @@ const ClassInfo& clsAdjust::describe() {
     add("percentDiscount", "dblPercent", &clsAdjust::percentDiscount);
     add("amountMarkUp", "dblAmount", &clsAdjust::amountMarkUp);
     add("amountDiscount", "dblAmount", &clsAdjust::amountDiscount);
-    return recorded(table.build());
+    return throughDoor(table.build());
   }();
   return info;
 }

@@ -85,29 +85,40 @@ class TerminalJournal : public JournalView {
   std::string line_;
 };
 
+// A line for each text that is another than the one before.
+class TerminalWait : public WaitView {
+ public:
+  void show(const WaitText& text) override {
+    Text line = text.caption + u": " + text.state + u" " + text.message;
+    if (line == shown_) return;
+    std::cerr << toUtf8(line) << std::endl;
+    shown_ = std::move(line);
+  }
+  void repaint() override {}
+
+ private:
+  Text shown_;
+};
+
 // A terminal: what would be a box is a line.
 class TerminalScreen : public Screen {
  public:
   void messageBox(TextView prompt, std::uint32_t /*style*/, TextView title) override {
     std::cerr << toUtf8(title) << ": " << toUtf8(prompt) << std::endl;
   }
-  void waitWhile(WaitText text, const std::function<bool(WaitText&)>& tick) override {
-    Text shown;
-    do {
-      const Text line = text.caption + u": " + text.state + u" " + text.message;
-      if (line != shown) std::cerr << toUtf8(line) << std::endl;
-      shown = line;
-      std::this_thread::sleep_for(std::chrono::seconds(1));
-    } while (tick(text));
+  void waitWhile(const WaitText& text, const std::function<bool(WaitView&)>& tick) override {
+    TerminalWait line;
+    line.show(text);
+    do std::this_thread::sleep_for(std::chrono::seconds(1));
+    while (tick(line));
   }
-  std::unique_ptr<WaitView> showWait(WaitText text) override {
-    struct Line : WaitView {
-      void repaint() override {}
-    };
-    std::cerr << toUtf8(text.caption + u": " + text.state + u" " + text.message) << std::endl;
-    return std::make_unique<Line>();
+  std::unique_ptr<WaitView> showWait(const WaitText& text) override {
+    auto line = std::make_unique<TerminalWait>();
+    line->show(text);
+    return line;
   }
   std::unique_ptr<JournalView> showJournal() override { return std::make_unique<TerminalJournal>(); }
+  void serveWindows() override {}
   void showTrace(bool /*shown*/) override {}
   void traceLine(TextView line) override {
     if (traceSink()) traceSink()(line);

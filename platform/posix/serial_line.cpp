@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <thread>
 
 namespace mirvane::platform {
 namespace {
@@ -66,7 +65,7 @@ bool PosixSerialPort::configure(std::int32_t handle, std::string_view settings) 
   return tcsetattr(handle, TCSANOW, &line) == 0;
 }
 
-std::size_t PosixSerialPort::write(std::int32_t handle, std::string_view bytes) {
+std::optional<std::size_t> PosixSerialPort::write(std::int32_t handle, std::string_view bytes) {
   const LineTimeouts& limits = timeouts_[handle];
   const auto deadline = Time::now() + milliseconds(limits.writeConstant + limits.writeMultiplier * bytes.size());
   std::size_t written = 0;
@@ -76,14 +75,16 @@ std::size_t PosixSerialPort::write(std::int32_t handle, std::string_view bytes) 
       written += static_cast<std::size_t>(count);
     } else if (count < 0 && errno == EINTR) {
       continue;
-    } else if (count == 0 || errno != EAGAIN || !ready(handle, POLLOUT, deadline)) {
+    } else if (count < 0 && errno != EAGAIN) {
+      return std::nullopt;
+    } else if (!ready(handle, POLLOUT, deadline)) {
       break;
     }
   }
   return written;
 }
 
-std::string PosixSerialPort::read(std::int32_t handle, std::size_t most) {
+std::optional<std::string> PosixSerialPort::read(std::int32_t handle, std::size_t most) {
   const LineTimeouts& limits = timeouts_[handle];
   const auto deadline = Time::now() + milliseconds(limits.readConstant + limits.readMultiplier * most);
   std::string bytes;
@@ -94,19 +95,16 @@ std::string PosixSerialPort::read(std::int32_t handle, std::size_t most) {
     const auto count = ::read(handle, bytes.data() + before, most - before);
     bytes.resize(before + static_cast<std::size_t>(std::max<decltype(count)>(count, 0)));
     if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
-    if (count <= 0) {
-      // Gone or hung up: as slow as an idle line, since callers poll.
-      std::this_thread::sleep_until(deadline);
-      break;
-    }
+    if (count <= 0) return std::nullopt;  // gone, or hung up
     until = std::min(deadline, Time::now() + milliseconds(limits.readInterval));
   }
   return bytes;
 }
 
-std::size_t PosixSerialPort::waiting(std::int32_t handle) {
+std::optional<std::size_t> PosixSerialPort::waiting(std::int32_t handle) {
   int count = 0;
-  return ioctl(handle, FIONREAD, &count) == 0 && count > 0 ? static_cast<std::size_t>(count) : 0;
+  if (ioctl(handle, FIONREAD, &count) != 0) return std::nullopt;
+  return static_cast<std::size_t>(count);
 }
 
 bool PosixSerialPort::close(std::int32_t handle) { return timeouts_.erase(handle) == 1 && ::close(handle) == 0; }

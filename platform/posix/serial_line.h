@@ -12,9 +12,9 @@ class PosixSerialPort : public SerialPort {
   std::int32_t open(TextView name) override;
   bool setTimeouts(std::int32_t handle, const LineTimeouts& timeouts) override;
   bool configure(std::int32_t handle, std::string_view settings) override;
-  std::size_t write(std::int32_t handle, std::string_view bytes) override;
-  std::string read(std::int32_t handle, std::size_t most) override;
-  std::size_t waiting(std::int32_t handle) override;
+  std::optional<std::size_t> write(std::int32_t handle, std::string_view bytes) override;
+  std::optional<std::string> read(std::int32_t handle, std::size_t most) override;
+  std::optional<std::size_t> waiting(std::int32_t handle) override;
   bool close(std::int32_t handle) override;
 
  private:

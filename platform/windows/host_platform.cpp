@@ -4,6 +4,7 @@
 #include "platform/windows/serial_port.h"
 #include "platform/windows/trace_window.h"
 #include "platform/windows/wait_dialog.h"
+#include "platform/windows/window.h"
 #include "platform/windows/windows.h"
 
 namespace mirvane::platform {
@@ -103,23 +104,25 @@ class WindowsScreen : public Screen {
     MessageBoxW(GetActiveWindow(), toWide(prompt).c_str(), toWide(title).c_str(), style);
   }
 
-  void waitWhile(WaitText text, const std::function<bool(WaitText&)>& tick) override {
+  void waitWhile(const WaitText& text, const std::function<bool(WaitView&)>& tick) override {
     const HostFloatingPoint host;
-    runWaitDialog(text, [&tick](WaitText& shown) {
+    runWaitDialog(text, [&tick](WaitView& view) {
       const OwnFloatingPoint own;
-      return tick(shown);
+      return tick(view);
     });
   }
 
-  std::unique_ptr<WaitView> showWait(WaitText text) override {
+  std::unique_ptr<WaitView> showWait(const WaitText& text) override {
     const HostFloatingPoint host;
-    return showWaitWindow(std::move(text));
+    return showWaitWindow(text);
   }
 
   std::unique_ptr<JournalView> showJournal() override {
     const HostFloatingPoint host;
     return showJournalWindow();
   }
+
+  void serveWindows() override { PendingMessages::serve(); }
 
   void showTrace(bool shown) override { showTraceWindow(shown); }
 

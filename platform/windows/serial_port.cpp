@@ -29,29 +29,27 @@ bool WindowsSerialPort::configure(std::int32_t handle, std::string_view settings
   return SetCommState(toHandle(handle), &state) != FALSE;
 }
 
-std::size_t WindowsSerialPort::write(std::int32_t handle, std::string_view bytes) {
+std::optional<std::size_t> WindowsSerialPort::write(std::int32_t handle, std::string_view bytes) {
   DWORD written = 0;
-  if (WriteFile(toHandle(handle), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) == FALSE) return 0;
+  if (WriteFile(toHandle(handle), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) == FALSE) {
+    return std::nullopt;
+  }
   return written;
 }
 
-std::string WindowsSerialPort::read(std::int32_t handle, std::size_t most) {
-  // A line that was pulled out fails at once, and callers that poll until a deadline would spin.
-  constexpr DWORD kBrokenLinePause = 2;
+std::optional<std::string> WindowsSerialPort::read(std::int32_t handle, std::size_t most) {
   std::string bytes(most, '\0');
   DWORD count = 0;
-  if (ReadFile(toHandle(handle), bytes.data(), static_cast<DWORD>(most), &count, nullptr) == FALSE) {
-    Sleep(kBrokenLinePause);
-    count = 0;
-  }
+  if (ReadFile(toHandle(handle), bytes.data(), static_cast<DWORD>(most), &count, nullptr) == FALSE) return std::nullopt;
   bytes.resize(count);
   return bytes;
 }
 
-std::size_t WindowsSerialPort::waiting(std::int32_t handle) {
+std::optional<std::size_t> WindowsSerialPort::waiting(std::int32_t handle) {
   DWORD errors = 0;
   COMSTAT state{};
-  return ClearCommError(toHandle(handle), &errors, &state) == FALSE ? 0 : state.cbInQue;
+  if (ClearCommError(toHandle(handle), &errors, &state) == FALSE) return std::nullopt;
+  return state.cbInQue;
 }
 
 bool WindowsSerialPort::close(std::int32_t handle) { return CloseHandle(toHandle(handle)) != FALSE; }

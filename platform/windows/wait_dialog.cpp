@@ -19,7 +19,7 @@ constexpr UINT_PTR kTimer = 1;
 
 class WaitDialog final : public WaitView, private Window {
  public:
-  explicit WaitDialog(WaitText text) : text_(std::move(text)), owner_(GetActiveWindow()) {
+  WaitDialog(WaitText text, int showing) : text_(std::move(text)), owner_(GetActiveWindow()) {
     const std::wstring caption = toWide(text_.caption);
     const RECT area = make({L"MirvaneWait", caption.c_str(), CS_HREDRAW | CS_VREDRAW | CS_NOCLOSE,
                             WS_POPUP | WS_CAPTION | WS_CLIPCHILDREN, WS_EX_DLGMODALFRAME},
@@ -33,7 +33,7 @@ class WaitDialog final : public WaitView, private Window {
     addLabel(kWaitMessageId);
     setFonts();
     arrange();
-    ShowWindow(window(), SW_SHOW);
+    ShowWindow(window(), showing);
     paintNow();
   }
   WaitDialog(const WaitDialog&) = delete;
@@ -41,7 +41,7 @@ class WaitDialog final : public WaitView, private Window {
   ~WaitDialog() override { lock_.release(window() != nullptr && GetActiveWindow() == window()); }
 
   // Returns when the wait is over, and what `tick` threw.
-  std::exception_ptr run(const std::function<bool(WaitText&)>& tick) {
+  std::exception_ptr run(const std::function<bool(WaitView&)>& tick) {
     tick_ = tick;
     due_ = GetTickCount64() + kSecond;
     SetTimer(window(), kTimer, kSecond, nullptr);
@@ -54,6 +54,13 @@ class WaitDialog final : public WaitView, private Window {
       tickWhenDue();
     }
     return failure_;
+  }
+
+  void show(const WaitText& text) override {
+    text_ = text;
+    if (window() == nullptr) return;
+    arrange();
+    paintNow();
   }
 
   void repaint() override { PendingMessages::repaint(); }
@@ -92,7 +99,7 @@ class WaitDialog final : public WaitView, private Window {
     if (ticking_ || over_ || GetTickCount64() < due_) return;
     ticking_ = true;
     try {
-      over_ = !tick_(text_);
+      over_ = !tick_(*this);
     } catch (...) {
       // Not through the system, which may have called this.
       failure_ = std::current_exception();
@@ -101,7 +108,6 @@ class WaitDialog final : public WaitView, private Window {
     ticking_ = false;
     due_ = GetTickCount64() + kSecond;
     if (over_ || window() == nullptr) return;
-    arrange();
     // Above other topmost windows too, which have come to the front meanwhile.
     SetWindowPos(window(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     paintNow();
@@ -165,7 +171,7 @@ class WaitDialog final : public WaitView, private Window {
   void draw(HDC dc, RECT client) const override { FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE)); }
 
   WaitText text_;
-  std::function<bool(WaitText&)> tick_;
+  std::function<bool(WaitView&)> tick_;
   HWND owner_;
   InputLock lock_;
   PendingMessages messages_;
@@ -179,11 +185,13 @@ class WaitDialog final : public WaitView, private Window {
 
 }  // namespace
 
-void runWaitDialog(WaitText text, const std::function<bool(WaitText&)>& tick) {
-  const std::exception_ptr failure = WaitDialog(std::move(text)).run(tick);
+void runWaitDialog(const WaitText& text, const std::function<bool(WaitView&)>& tick) {
+  const std::exception_ptr failure = WaitDialog(text, SW_SHOW).run(tick);
   if (failure != nullptr) std::rethrow_exception(failure);
 }
 
-std::unique_ptr<WaitView> showWaitWindow(WaitText text) { return std::make_unique<WaitDialog>(std::move(text)); }
+std::unique_ptr<WaitView> showWaitWindow(const WaitText& text) {
+  return std::make_unique<WaitDialog>(text, SW_SHOWNOACTIVATE);
+}
 
 }  // namespace mirvane::platform

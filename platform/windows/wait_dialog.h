@@ -9,9 +9,9 @@ constexpr int kWaitStateId = 101;
 constexpr int kWaitMessageId = 102;
 
 /// The window of Screen::waitWhile.
-void runWaitDialog(WaitText text, const std::function<bool(WaitText&)>& tick);
+void runWaitDialog(const WaitText& text, const std::function<bool(WaitView&)>& tick);
 
 /// The window of Screen::showWait.
-std::unique_ptr<WaitView> showWaitWindow(WaitText text);
+std::unique_ptr<WaitView> showWaitWindow(const WaitText& text);
 
 }  // namespace mirvane::platform

@@ -154,14 +154,26 @@ void PendingMessages::dispatch() {
   }
 }
 
-void PendingMessages::repaint() {
+// A window that paints itself anew in its own paint handler would never come to an end.
+void PendingMessages::serve() {
+  constexpr ULONGLONG kLongest = 50;
   const HostFloatingPoint host;
+  const ULONGLONG end = GetTickCount64() + kLongest;
   MSG message;
-  for (int i = 0; i < kMostMessages && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_INPUT) != FALSE; ++i) {
-  }
-  for (int i = 0; i < kMostMessages && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT) != FALSE; ++i) {
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT | PM_QS_SENDMESSAGE) != FALSE) {
     DispatchMessageW(&message);
+    if (GetTickCount64() >= end) return;
   }
+}
+
+void PendingMessages::repaint() {
+  {
+    const HostFloatingPoint host;
+    MSG message;
+    for (int i = 0; i < kMostMessages && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_INPUT) != FALSE; ++i) {
+    }
+  }
+  serve();
 }
 
 }  // namespace mirvane::platform

@@ -88,7 +88,9 @@ class PendingMessages {
   ~PendingMessages();
 
   void dispatch();
-  /// Paints what needs it, and drops input; everything else waits.
+  /// Paints what needs it and serves what other threads have sent, for 50 ms at most; everything else waits.
+  static void serve();
+  /// The same, and drops input.
   static void repaint();
 
  private:

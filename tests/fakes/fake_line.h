@@ -97,8 +97,8 @@ class FakeSerial : public platform::SerialPort {
   bool configure(std::int32_t handle, std::string_view value) override {
     return settings = value, takesSettings && handle > 0;
   }
-  std::size_t write(std::int32_t handle, std::string_view bytes) override {
-    if (!isUp(handle)) return 0;
+  std::optional<std::size_t> write(std::int32_t handle, std::string_view bytes) override {
+    if (!isUp(handle)) return std::nullopt;
     sent.push_back({std::string(bytes), clock_.now});
     for (const char byte : bytes) {
       if (byte == wire::kStx) frame_.clear();
@@ -108,17 +108,17 @@ class FakeSerial : public platform::SerialPort {
     }
     return bytes.size();
   }
-  std::string read(std::int32_t handle, std::size_t most) override {
-    EXPECT_LE(most, std::clamp<std::size_t>(waiting(handle), 1, 64)) << "a read of more than is there blocks";
+  std::optional<std::string> read(std::int32_t handle, std::size_t most) override {
+    if (!isUp(handle)) return std::nullopt;
+    EXPECT_LE(most, std::clamp<std::size_t>(*waiting(handle), 1, 64)) << "a read of more than is there blocks";
     const double longest = 0.001 * (timeouts.readConstant + timeouts.readMultiplier * static_cast<double>(most));
-    if (!isUp(handle)) return clock_.advance(longest), "";
-    if (waiting(handle) == 0) inbox.wait(longest);
-    most = std::min(most, waiting(handle));
+    if (waiting(handle) == std::size_t{0}) inbox.wait(longest);
+    most = std::min(most, waiting(handle).value_or(0));
     position_ += most;
     return buffer_.substr(position_ - most, most);
   }
-  std::size_t waiting(std::int32_t handle) override {
-    if (!isUp(handle)) return 0;
+  std::optional<std::size_t> waiting(std::int32_t handle) override {
+    if (!isUp(handle)) return std::nullopt;
     while (inbox.isDue()) buffer_ += inbox.take();
     return buffer_.size() - position_;
   }

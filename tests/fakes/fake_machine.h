@@ -70,24 +70,31 @@ class FakeScreen : public platform::Screen {
   void messageBox(TextView prompt, std::uint32_t style, TextView title) override {
     boxes.push_back({toUtf8(prompt), style, toUtf8(title)});
   }
-  void waitWhile(platform::WaitText text, const std::function<bool(platform::WaitText&)>& tick) override {
+  struct View : platform::WaitView {
+    View(FakeScreen& itsScreen, const platform::WaitText& text) : screen(itsScreen) { show(text); }
+    void show(const platform::WaitText& text) override {
+      screen.waits.push_back(toUtf8(text.caption + u"|" + text.state + u"|" + text.message));
+    }
+    void repaint() override { ++screen.eventRounds; }
+    FakeScreen& screen;
+  };
+  void waitWhile(const platform::WaitText& text, const std::function<bool(platform::WaitView&)>& tick) override {
     if (!expectsWaits) throw std::logic_error("an unexpected wait");
-    do waits.push_back(toUtf8(text.caption + u"|" + text.state + u"|" + text.message));
-    while (tick(text));
+    View view(*this, text);
+    while (tick(view)) {
+    }
   }
-  std::unique_ptr<platform::WaitView> showWait(platform::WaitText text) override {
-    struct View : platform::WaitView {
-      explicit View(FakeScreen& itsScreen) : screen(itsScreen) {}
-      ~View() override { screen.waits.emplace_back("close"); }
-      void repaint() override { ++screen.eventRounds; }
-      FakeScreen& screen;
+  std::unique_ptr<platform::WaitView> showWait(const platform::WaitText& text) override {
+    struct Standing : View {
+      using View::View;
+      ~Standing() override { screen.waits.emplace_back("close"); }
     };
-    waits.push_back(toUtf8(text.caption + u"|" + text.state + u"|" + text.message));
-    return std::make_unique<View>(*this);
+    return std::make_unique<Standing>(*this, text);
   }
   std::unique_ptr<platform::JournalView> showJournal() override {
     return std::make_unique<FakeJournalView>(journal, eventRounds);
   }
+  void serveWindows() override { ++servings; }
   void showTrace(bool /*shown*/) override {}
   void traceLine(TextView line) override { trace.push_back(toUtf8(line)); }
 
@@ -99,6 +106,8 @@ class FakeScreen : public platform::Screen {
   bool expectsWaits = false;
   std::vector<std::string> trace;
   int eventRounds = 0;
+  /// How often the program's windows were served.
+  int servings = 0;
 };
 
 class FakeFiles : public platform::Files {

@@ -24,7 +24,7 @@ class EmulatorLine : public testing::Test {
 
   std::string onSerial(const std::string& bytes) {
     port.write(handle, bytes);
-    return port.read(handle, 1 << 22);
+    return port.read(handle, 1 << 22).value_or("gone");
   }
   /// The datagrams that are there after sending `bytes`.
   std::vector<std::string> onNetwork(const std::string& bytes) { return onNetwork(bytes, sockets); }
@@ -68,17 +68,17 @@ TEST_F(EmulatorLine, AnUnpluggedLineComesBackAsItWas) {
   const std::tuple<const char*, Cents, Cents> cases[] = {{"next unplug 3", 0, 200}, {"next unplug-after 3", 400, 400}};
   for (const auto& [fault, meanwhile, afterwards] : cases) {
     faults.add(fault);
-    EXPECT_EQ(onSerial(sale + sale), "") << fault;
+    EXPECT_EQ(onSerial(sale + sale), "gone") << fault;
     EXPECT_EQ(sold(), meanwhile) << fault;
     const std::int32_t dead = handle;
-    EXPECT_EQ(port.write(dead, sale), 0U);
+    EXPECT_EQ(port.write(dead, sale), std::nullopt);
     EXPECT_TRUE(port.close(dead));
-    clock.advance(1.5);  // a second has passed while waiting for an answer
+    clock.advance(2.5);
     EXPECT_EQ(port.open(u"COM1"), -1);
     clock.advance(0.5);
     handle = port.open(u"COM1");
     EXPECT_TRUE(port.configure(handle, "115200,n,8,1"));
-    EXPECT_EQ(port.write(dead, sale), 0U);
+    EXPECT_EQ(port.write(dead, sale), std::nullopt);
     EXPECT_EQ(onSerial(sale), good) << fault;
     EXPECT_EQ(sold(), afterwards) << fault;
     onSerial(kAck);

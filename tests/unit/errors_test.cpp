@@ -1,6 +1,7 @@
 #include <set>
 
 #include "protocol/device_codes.h"
+#include "session/wait_window.h"
 #include "tests/fakes/component_test.h"
 
 namespace mirvane::test {
@@ -112,7 +113,7 @@ TEST_F(Errors, AStateThatTheDeviceEndsByItselfIsWaitedFor) {
       EXPECT_EQ(screen.boxes, result != 0 ? unlessSuppressed(errorBox(result, text)) : std::vector<Box>{});
       ASSERT_EQ(screen.waits.size(), read.size());
       for (std::size_t i = 0; i < read.size(); ++i) EXPECT_TRUE(screen.waits[i].ends_with(read[i])) << screen.waits[i];
-      EXPECT_FALSE(moduleState().waitDialogOpen);
+      EXPECT_FALSE(isWaitShown());
     }
   }
   // What met a card payment under way was not taken, and is sent again once; what could be that payment never is.
@@ -143,7 +144,7 @@ TEST_F(Errors, AStateThatTheDeviceEndsByItselfIsWaitedFor) {
   send(fromUtf8(pay));
   EXPECT_EQ(std::tuple(Result, device.commands.size()), std::tuple(156, 5u));
   // A call from within a wait: no second window, and no outcome but its own.
-  moduleState().waitDialogOpen = true;
+  const WaitMark mark;
   device = {};
   screen.waits.clear();
   exchange("0E/00/00/");

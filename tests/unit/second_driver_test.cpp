@@ -16,13 +16,18 @@ struct FiscalVarlenModule : ObjectOf<FiscalVarlenModule> {
 
   Reply connect(const Text& port);
 
-  Session session;
+  Session session{kWords};
+  static constexpr Words kWords{[](TextView command) {
+                                  const bool asks = command == u"M/" || command == u"B/";
+                                  return Word{.asks = asks, .pays = command.starts_with(u"T/")};
+                                },
+                                u"B/", u""};
 };
 
 Reply FiscalVarlenModule::connect(const Text& port) {
   Reply opened = openPort(port);
   if (!opened.succeeded()) return opened;
-  const Reply model = session.exchange(u"M/", {}, OwnOutcome());
+  const Reply model = session.exchange(u"M/", OwnOutcome());
   if (model.succeeded() && model.count() > 0 && model.text(0) == u"VARLEN 1") return {};
   closePort();
   return {link_result::kNoAnswer, link_result::kNoAnswerText};
@@ -53,7 +58,7 @@ const ClassInfo& FiscalVarlenModule::describe() {
         .implement(lastReply, [](Self& self) { return self.session.lastReply(); })
         .implement(isErrorFixable, [](Self&, Integer& iErr) { return Reply(iErr, {}).is(DeviceCode::kBusy); })
         .implement(kSend, [](Self& self, Text& command, Outcome outcome, Text&) {
-          outcome.take(self.session.exchange(command == u"?/" ? u"B/" : command, {0, outcome.SupressError_}, outcome));
+          outcome.take(self.session.exchange(command, outcome));
           return self.session.lastReply();
         });
     return rows.build();

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "protocol/words.h"
+
+namespace mirvane {
+
+/// The commands of the second-generation device.
+extern const Words kSecondGenerationWords;
+
+}  // namespace mirvane

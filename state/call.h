@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+
+#include "text/code_page.h"
+
+namespace mirvane {
+
+/// The program's call that is under way. There is one at a time; what the program calls from within it is refused.
+struct Call {
+  bool isInside = false;
+  /// Counts the calls, so that what belongs to one is known to be over in the next.
+  std::uint64_t number = 0;
+  /// Whether the program wants no message boxes.
+  bool isSilent = true;
+  /// How many calls have come in from within.
+  int guests = 0;
+  /// Whether the program has let go of a facade meanwhile: the driver is released when the call is over.
+  bool releasesDriver = false;
+  /// What the network endpoint has to report when the call is over; empty for nothing.
+  TextView networkFailure{};
+  /// When the program's windows want to be served again, by Clock::elapsed; 0 for never yet.
+  double serviceDue = 0;
+};
+
+/// Whether the program's windows have waited long enough: two seconds from the call's beginning on, then every quarter
+/// of a second. Whoever asks serves them.
+bool isServiceDue();
+
+/// Serves the program's windows where they have waited long enough. Whatever waits in a call does this now and then.
+void serveWindows();
+
+/// Waits, and serves the program's windows meanwhile.
+void pause(std::uint32_t milliseconds);
+
+}  // namespace mirvane
