@@ -1,6 +1,7 @@
 #include "driver/fiscal_varlen_module2.h"
 #include "interface/send_by_name.h"
 #include "state/module_state.h"
+#include "state/service.h"
 #include "support/electronic_journal.h"
 
 namespace mirvane {

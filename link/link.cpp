@@ -1,6 +1,7 @@
 #include "link/link.h"
 
 #include "link/frame.h"
+#include "link/line_memory.h"
 #include "link/port.h"
 #include "state/message_catalogue.h"
 #include "state/module_state.h"

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "link/line_memory.h"
 #include "link/network_endpoint.h"
 #include "link/network_transport.h"
 #include "link/serial_line.h"
@@ -69,8 +70,6 @@ bool openNetwork(const NetworkName& name) {
 }
 
 }  // namespace
-
-LineMemory& lineMemory() { return kept<LineMemory>(); }
 
 Reply openPort(const Text& name) {
   if (moduleState().portHandle > 0) return {};

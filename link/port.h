@@ -14,17 +14,6 @@ Reply openPort(const Text& name);
 /// 0 when none was open.
 std::int16_t closePort();
 
-/// What the port's line is known for since the port was opened; forgotten when it is opened by name again.
-struct LineMemory {
-  /// The last frame, where its exchange ended with a reply; empty otherwise.
-  std::string lastFrame;
-  /// Serial: the ACK of the last complete reply could not be written.
-  bool owesAck = false;
-  /// Serial: the line was lost and opened anew, and whether the same device sits there has not been told yet.
-  bool isReopened = false;
-};
-LineMemory& lineMemory();
-
 /// Closes the port because another device than the one before sits on its line. This call of the program's ends with
 /// what is returned.
 Reply refuseStranger();

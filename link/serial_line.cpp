@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "link/port.h"
+#include "link/line_memory.h"
 #include "state/module_state.h"
 #include "text/text.h"
 

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "link/frame.h"
-#include "link/port.h"
+#include "link/line_memory.h"
 #include "link/received.h"
 #include "link/serial_line.h"
 #include "link/stopwatch.h"

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "protocol/words.h"
-#include "state/call.h"
+#include "state/service.h"
 
 namespace mirvane {
 

@@ -1,5 +1,6 @@
 #include "session/session.h"
 
+#include "link/line_memory.h"
 #include "link/port.h"
 #include "session/wait_window.h"
 #include "state/module_state.h"

@@ -5,6 +5,7 @@
 #include "interface/door.h"
 #include "interface/send_by_name.h"
 #include "state/module_state.h"
+#include "state/service.h"
 #include "text/number_text.h"
 #include "text/text.h"
 

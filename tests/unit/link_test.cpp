@@ -1,4 +1,4 @@
-#include "link/port.h"
+#include "link/line_memory.h"
 #include "session/wait_window.h"
 #include "tests/fakes/component_test.h"
 

@@ -1,4 +1,4 @@
-#include "state/call.h"
+#include "state/service.h"
 
 #include <algorithm>
 
