@@ -21,6 +21,20 @@ constexpr std::size_t kSerialNumberLength = 11;
 constexpr std::size_t kZNumberLength = 4;
 
 constexpr TextView kSummarySuffix = u"_s.txt";
+constexpr TextView kFileSuffix = u".txt";
+
+// The system drops blanks and dots at a name's end.
+TextView withoutEnd(TextView name) { return name.substr(0, name.find_last_not_of(u". ") + 1); }
+
+char16_t upper(char16_t c) { return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - u'a' + u'A') : c; }
+
+Text inCapitals(TextView name) {
+  Text capitals(name);
+  std::ranges::transform(capitals, capitals.begin(), upper);
+  return capitals;
+}
+
+bool hasSuffix(TextView name, TextView suffix) { return inCapitals(name).ends_with(inCapitals(suffix)); }
 
 // Programs have learned to take a type mismatch for a file error: the box that should have told of it always failed so.
 [[noreturn]] void failOnFile() { throw AutomationError(AutomationCode::typeMismatch); }
@@ -29,9 +43,7 @@ constexpr TextView kSummarySuffix = u"_s.txt";
 bool isDevice(TextView name) {
   constexpr TextView kDevices[] = {u"CON", u"PRN", u"AUX", u"NUL", u"CONIN$", u"CONOUT$"};
   constexpr TextView kNumberedDevices[] = {u"COM", u"LPT"};
-  Text word(name.substr(0, name.find(u'.')));
-  word.erase(word.find_last_not_of(u' ') + 1);
-  for (char16_t& c : word) c = c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - u'a' + u'A') : c;
+  Text word = inCapitals(withoutEnd(name.substr(0, name.find(u'.'))));
   const bool isNumbered =
       !word.empty() && TextView(u"0123456789\u00B9\u00B2\u00B3").find(word.back()) != TextView::npos;
   if (isNumbered) word.pop_back();
@@ -52,7 +64,7 @@ void requirePlain(TextView name) {
   const auto isForbidden = [](char16_t c) { return c < u' ' || c == u'/' || c == u'\\' || c == u':'; };
   const TextView serialNumber = name.substr(0, kSerialNumberLength);
   const TextView zNumber = name.substr(serialNumber.size(), kZNumberLength);
-  if (std::any_of(name.begin(), name.end(), isForbidden) || name.find_last_not_of(u". ") + 1 != name.size() ||
+  if (std::any_of(name.begin(), name.end(), isForbidden) || withoutEnd(name) != name ||
       name.empty() || !isFolderName(name) || !isFolderName(serialNumber) || !isFolderName(zNumber)) {
     failOnFile();
   }
@@ -97,22 +109,30 @@ struct Download {
 
   // Polls until the device has no more; `whenComplete` takes each file that is, and `whenNext` what is there of one
   // when the next begins. The reply that ended it. Without one of the pieces the journal is not whole, so a reply that
-  // tells nothing ends it, and so does a piece of another file than the one that began.
+  // tells nothing ends it, and so does a piece of another file than the one that began. Pieces of a file that never
+  // began are read past where files are told apart, and then the journal is not whole either.
   template <class WhenComplete, class WhenNext>
-  Reply run(WhenComplete whenComplete, WhenNext whenNext) {
+  Reply run(bool tellsFilesApart, WhenComplete whenComplete, WhenNext whenNext) {
+    bool hasBegun = false;
+    bool lacksBeginning = false;
     for (;;) {
       pause(kPollMilliseconds);
       processEvents();
       Reply reply = askCurrentDriver(u"Q/");
       processEvents();
-      if (!reply.succeeded()) return reply;
+      if (!reply.succeeded()) return lacksBeginning ? lost() : reply;
       if (!hasStatus(reply.raw())) return lost();
       // State, piece and file name; the last may be missing.
       if (reply.countAll() < 3) continue;
       const Text& state = reply.textAt(0);
-      const Text& name = reply.textAt(2);
-      if ((state == u"1" || state == u"2") && !name.empty() && name != fileName) return lost();
-      if (state == u"0") {
+      const Text name(withoutEnd(reply.textAt(2)));
+      const bool isPiece = state == u"1" || state == u"2";
+      if (isPiece && !hasBegun && tellsFilesApart) {
+        lacksBeginning = true;
+      } else if (isPiece && hasBegun && hasSuffix(name, kFileSuffix) && inCapitals(name) != inCapitals(fileName)) {
+        return lost();
+      } else if (state == u"0") {
+        hasBegun = true;
         whenNext();
         fileName = name;
         if (view) view->beginFile(fileName);
@@ -121,7 +141,7 @@ struct Download {
       } else if (state == u"2") {
         whenComplete();
       } else if (state == u"3") {
-        return reply;
+        return lacksBeginning ? lost() : reply;
       }
     }
   }
@@ -212,6 +232,7 @@ std::int32_t FiscalJournal::eMakeZreport(Text& errorDesc, bool& bExecZReport, bo
     askCurrentDriver(u"7/1/ΑΝΑΓΝΩΣΗ ΦΟΡΟΛ/");
   }
   const Reply end = journal.run(
+      true,
       [&] {
         eEJFileSave(journal.fileName, journal.text, zNumber);
         if (!withForm) askCurrentDriver(u"7/2/OK/");
@@ -219,7 +240,7 @@ std::int32_t FiscalJournal::eMakeZreport(Text& errorDesc, bool& bExecZReport, bo
       [&] {
         if (!journal.fileName.empty() && !journal.text.empty()) eEJFileSave(journal.fileName, journal.text, zNumber);
       });
-  if (end.succeeded() && journal.fileName.ends_with(kSummarySuffix) && !journal.text.empty()) {
+  if (end.succeeded() && hasSuffix(journal.fileName, kSummarySuffix) && !journal.text.empty()) {
     eEJFileSave(journal.fileName, journal.text, zNumber);
   }
   return outcome(end, errorDesc);
@@ -235,7 +256,7 @@ std::int32_t FiscalJournal::MakeZreport(Text& errorDesc) {
 
   Download journal;
   journal.view = moduleState().platform->screen.showJournal();
-  const Reply end = journal.run([] {}, [] {});
+  const Reply end = journal.run(false, [] {}, [] {});
   if (end.succeeded()) EJFileSave(fileName, journal.text, signature);
   return outcome(end, errorDesc);
 }

@@ -73,11 +73,20 @@ TEST_F(Journal, HowItEnds) {
   const Strings saved = {"42/", kBeginSigned, "1/s/", kDone}, again = {"42/", kBeginText, kDone, kBeginSigned, "1/s/"};
   const Strings unsaved = {"42/", kBeginText, "1/a/", kBeginSigned, "1/s/", kDone};
   const std::string lost = "-3~H ταμειακή δεν Απαντά!";
+  const Strings padded = {"42/",  "0//" + kText + " . /",  "1/a/abc123456780042_A.TXT  /", "1/b/17/",
+                          kDone, "0//ABC123456780042_S.TXT  /", "1/s/"};
   const std::tuple<const char*, Strings, std::string, std::string, Saved> cases[] = {
       // What got lost on the way ends it; a file that is not told complete is saved when the next begins.
       {"eMakeZreport", {"42/", kBeginText, "1/a/"}, "", lost, {}},
       {"eMakeZreport", {"42/", kBeginText, "1/a/"}, "00/00", lost, {}},
       {"eMakeZreport", {"42/", "0//ABC1234/", "1/a/"}, "00/00/00/1/b/" + kText + "/", lost, {}},
+      // A file whose beginning got lost is no part of the next one.
+      {"eMakeZreport", {"42/", "1/stray//", kBeginSigned, "1/s/", kDone}, end, lost, {{kDay + kSigned, "s\r\n"}}},
+      {"eMakeZreport", {"42/", "1/stray/" + kText + "/", kDone}, "79/00/00/", lost, {}},
+      {"MakeZreport", {name, "42/s/", "1/stray/" + kText + "/"}, "00", lost, {}},
+      // Names are the same without regard to case and to what the system drops at their end; what else a piece says in
+      // the name's place is its own.
+      {"eMakeZreport", padded, end, "0", {{kDay + kText, "ab\r\n"}, {kDay + "ABC123456780042_S.TXT", "s\r\n"}}},
       {"eMakeZreport", {"42/", kBeginText, "1/a/" + kText + "/"}, "00/00/00/2//" + kSigned + "/", lost, {}},
       {"MakeZreport", {name, "42/s/", kBeginText, "1/a/"}, "00", lost, {}},
       {"eMakeZreport", unsaved, end, "0", {{kDay + kText, "a\r\n"}, {kDay + kSigned, "s\r\n"}}},
