@@ -64,8 +64,8 @@ void requirePlain(TextView name) {
   const auto isForbidden = [](char16_t c) { return c < u' ' || c == u'/' || c == u'\\' || c == u':'; };
   const TextView serialNumber = name.substr(0, kSerialNumberLength);
   const TextView zNumber = name.substr(serialNumber.size(), kZNumberLength);
-  if (std::any_of(name.begin(), name.end(), isForbidden) || withoutEnd(name) != name ||
-      name.empty() || !isFolderName(name) || !isFolderName(serialNumber) || !isFolderName(zNumber)) {
+  if (std::any_of(name.begin(), name.end(), isForbidden) || withoutEnd(name) != name || name.empty() ||
+      !isFolderName(name) || !isFolderName(serialNumber) || !isFolderName(zNumber)) {
     failOnFile();
   }
 }
@@ -256,7 +256,8 @@ std::int32_t FiscalJournal::MakeZreport(Text& errorDesc) {
 
   Download journal;
   journal.view = moduleState().platform->screen.showJournal();
-  const Reply end = journal.run(false, [] {}, [] {});
+  const Reply end = journal.run(
+      false, [] {}, [] {});
   if (end.succeeded()) EJFileSave(fileName, journal.text, signature);
   return outcome(end, errorDesc);
 }

@@ -99,6 +99,8 @@ class FakeSerial : public platform::SerialPort {
   }
   std::optional<std::size_t> write(std::int32_t handle, std::string_view bytes) override {
     if (!isUp(handle)) return std::nullopt;
+    if (bytes.front() == wire::kAck && failingAcks > 0) return --failingAcks, std::nullopt;
+    if (std::exchange(takesNothing, takesNothing - (takesNothing > 0)) > 0) return 0;
     sent.push_back({std::string(bytes), clock_.now});
     for (const char byte : bytes) {
       if (byte == wire::kStx) frame_.clear();
@@ -141,6 +143,8 @@ class FakeSerial : public platform::SerialPort {
   std::vector<std::int32_t> closed;
   std::string afterAck;
   Inbox inbox;
+  /// The next writes of an ACK fail; the next writes time out.
+  int failingAcks = 0, takesNothing = 0;
   /// From the first moment to the second there is no line; what was open by then stays dead.
   double unpluggedFrom = 1e9, unpluggedUntil = 1e9;
 
@@ -169,6 +173,7 @@ class FakeSockets : public platform::DatagramSockets {
     return step("connect", " " + address + ":" + std::to_string(port));
   }
   bool send(std::int32_t /*handle*/, std::string_view bytes) override {
+    if (bytes.starts_with(wire::kAck) && failingAcks > 0) return --failingAcks, false;
     sent.emplace_back(bytes);
     if (bytes.starts_with(wire::kEnq)) inbox.add(std::exchange(afterEnq, {}));
     if (bytes.empty() || bytes.front() != wire::kStx) return failing != "send";
@@ -189,6 +194,7 @@ class FakeSockets : public platform::DatagramSockets {
   void shutDown(std::int32_t handle) override { calls.push_back("shutDown " + std::to_string(handle)); }
 
   std::string failing;
+  int failingAcks = 0;
   std::vector<std::string> calls, sent;
   std::vector<Chunk> afterEnq;
   std::vector<std::int16_t> waits;

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <deque>
+#include <functional>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -47,42 +48,31 @@ struct Box {
 };
 inline void PrintTo(const Box& box, std::ostream* out) { *out << box.style << " " << box.title << ": " << box.prompt; }
 
-class FakeJournalView : public platform::JournalView {
- public:
-  FakeJournalView(std::vector<std::string>& log, int& rounds) : log_(log), rounds_(rounds) {
-    log_.emplace_back("show");
-  }
-  ~FakeJournalView() override { log_.emplace_back("close"); }
-  void beginFile(TextView name) override { log_.push_back(toUtf8(name)); }
-  void append(TextView piece, std::size_t count) override {
-    log_.push_back("+" + toUtf8(piece) + " " + std::to_string(count));
-  }
-  void processEvents() override { ++rounds_; }
-
- private:
-  std::vector<std::string>& log_;
-  int& rounds_;
-};
-
 /// An operator who closes every box and waits as the test says.
 class FakeScreen : public platform::Screen {
  public:
   void messageBox(TextView prompt, std::uint32_t style, TextView title) override {
     boxes.push_back({toUtf8(prompt), style, toUtf8(title)});
+    letProgramRun();
   }
   struct View : platform::WaitView {
-    View(FakeScreen& itsScreen, const platform::WaitText& text) : screen(itsScreen) { show(text); }
+    View(FakeScreen& itsScreen, const platform::WaitText& text) : screen(itsScreen) {
+      show(text);
+      screen.letProgramRun();
+    }
     void show(const platform::WaitText& text) override {
       screen.waits.push_back(toUtf8(text.caption + u"|" + text.state + u"|" + text.message));
     }
-    void repaint() override { ++screen.eventRounds; }
+    void repaint() override {
+      ++screen.eventRounds;
+      screen.letProgramRun();
+    }
     FakeScreen& screen;
   };
   void waitWhile(const platform::WaitText& text, const std::function<bool(platform::WaitView&)>& tick) override {
     if (!expectsWaits) throw std::logic_error("an unexpected wait");
     View view(*this, text);
-    while (tick(view)) {
-    }
+    while (tick(view)) letProgramRun();
   }
   std::unique_ptr<platform::WaitView> showWait(const platform::WaitText& text) override {
     struct Standing : View {
@@ -92,9 +82,25 @@ class FakeScreen : public platform::Screen {
     return std::make_unique<Standing>(*this, text);
   }
   std::unique_ptr<platform::JournalView> showJournal() override {
-    return std::make_unique<FakeJournalView>(journal, eventRounds);
+    struct Window : platform::JournalView {
+      explicit Window(FakeScreen& itsScreen) : screen(itsScreen) { screen.journal.emplace_back("show"); }
+      ~Window() override { screen.journal.emplace_back("close"); }
+      void beginFile(TextView name) override { screen.journal.push_back(toUtf8(name)); }
+      void append(TextView piece, std::size_t count) override {
+        screen.journal.push_back("+" + toUtf8(piece) + " " + std::to_string(count));
+      }
+      void processEvents() override {
+        ++screen.eventRounds;
+        screen.letProgramRun();
+      }
+      FakeScreen& screen;
+    };
+    return std::make_unique<Window>(*this);
   }
-  void serveWindows() override { ++servings; }
+  void serveWindows() override {
+    ++servings;
+    letProgramRun();
+  }
   void showTrace(bool /*shown*/) override {}
   void traceLine(TextView line) override { trace.push_back(toUtf8(line)); }
 
@@ -108,6 +114,13 @@ class FakeScreen : public platform::Screen {
   int eventRounds = 0;
   /// How often the program's windows were served.
   int servings = 0;
+  /// What the program does whenever it runs within a call of its own: in a box, a wait, a journal, a window served.
+  std::function<void()> program;
+
+ private:
+  void letProgramRun() const {
+    if (const auto itMay = program) itMay();
+  }
 };
 
 class FakeFiles : public platform::Files {

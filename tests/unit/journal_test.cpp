@@ -73,8 +73,9 @@ TEST_F(Journal, HowItEnds) {
   const Strings saved = {"42/", kBeginSigned, "1/s/", kDone}, again = {"42/", kBeginText, kDone, kBeginSigned, "1/s/"};
   const Strings unsaved = {"42/", kBeginText, "1/a/", kBeginSigned, "1/s/", kDone};
   const std::string lost = "-3~H ταμειακή δεν Απαντά!";
-  const Strings padded = {"42/",  "0//" + kText + " . /",  "1/a/abc123456780042_A.TXT  /", "1/b/17/",
-                          kDone, "0//ABC123456780042_S.TXT  /", "1/s/"};
+  const Strings padded = {
+      "42/", "0//" + kText + " . /", "1/a/abc123456780042_A.TXT  /", "1/b/17/", kDone, "0//ABC123456780042_S.TXT  /",
+      "1/s/"};
   const std::tuple<const char*, Strings, std::string, std::string, Saved> cases[] = {
       // What got lost on the way ends it; a file that is not told complete is saved when the next begins.
       {"eMakeZreport", {"42/", kBeginText, "1/a/"}, "", lost, {}},

@@ -1,3 +1,4 @@
+#include "facade/fiscal_trevik_module.h"
 #include "link/line_memory.h"
 #include "session/wait_window.h"
 #include "tests/fakes/component_test.h"
@@ -312,6 +313,223 @@ TEST_F(Link, WhatIsThereBeforeTheFrameIsNotItsAnswer) {
     EXPECT_EQ(sockets.sent, sent);
     device.script.clear();
   }
+}
+
+// The register takes a frame that equals the last one for a repetition until an acknowledgement has arrived.
+TEST_F(Link, ASecondEqualFrameIsNoRepetition) {
+  const std::string sale = "3/S/";
+  for (const bool isNetwork : {false, true}) {
+    if (isNetwork) connectNetwork();
+    const auto commands = [&](const std::vector<Text>& all) {
+      device.commands.clear();
+      for (const Text& command : all) run(*driver, "SendCommand_", command);
+      return device.commands;
+    };
+    const std::vector<std::string> apart = {"F/9/", sale, "?/", sale}, plain = {"F/9/", sale, sale};
+    EXPECT_EQ(commands({u"F/9/", u"3/S/", u" 3/S/ "}), isNetwork ? apart : plain);
+    EXPECT_THAT(commands({u"v/", u"v/", u"Q/", u"Q/", u"A/", u"A/"}), testing::SizeIs(6)) << "nothing to be told apart";
+    EXPECT_THAT(commands({u"3/S/", u"v/", u"3/S/"}), testing::SizeIs(3));
+    if (!isNetwork) continue;
+    // What the register says of itself in between is nobody's business, however it says it.
+    device.answer("00/00/06/a/").answer("9E/00/00/").answer("00/00/06/b/");
+    EXPECT_EQ(commands({u"F/9/", u"F/9/"}).size(), 3U);
+    EXPECT_EQ(outcome(), "0 00/00/06/b/");
+    // Who does not answer then is not sent the frame.
+    device.script.clear();
+    device.answer("").silence(4);
+    EXPECT_EQ(commands({u"F/8/", u"F/8/"}).size(), 5U);
+    EXPECT_EQ(outcome(), "-3 H ταμειακή δεν Απαντά!");
+    // After no answer the repetition is wanted to be known as one.
+    device.silence(4);
+    EXPECT_EQ(commands({u"F/7/", u"F/7/"}), std::vector<std::string>(5, "F/7/"));
+  }
+}
+
+TEST_F(Link, AnAckThatCouldNotBeWrittenIsWrittenAgain) {
+  serial.failingAcks = 1;
+  transfer(u"F/3/");
+  serial.sent.clear();
+  serial.unpluggedFrom = clock.now;
+  serial.unpluggedUntil = clock.now + 1;
+  transfer(u"F/3/");
+  EXPECT_THAT(sent(), ElementsAre(kAck, kCan, kCan, kEnq, framed("F/3/15"), kAck));
+  serial.failingAcks = 1;
+  transfer(u"F/3/");
+  run(*driver, "DisConnect_", u"");
+  connect(u"COM1");
+  serial.sent.clear();
+  transfer(u"F/3/");
+  EXPECT_EQ(sent().front(), kCan) << "forgotten";
+  connectNetwork();
+  for (const int failing : {1, 2}) {
+    sockets.sent.clear();
+    sockets.failingAcks = failing;
+    transfer(u"v/");
+    EXPECT_EQ(Result, 0);
+    EXPECT_EQ(sockets.sent.size(), failing == 1 ? 3U : 2U) << "once more, at once";
+  }
+}
+
+TEST_F(Link, AnAnswerThatTellsNothingIsNotAcknowledged) {
+  const auto acks = [](const std::vector<std::string>& bytes) { return std::ranges::count(bytes, kAck); };
+  for (const bool isNetwork : {false, true}) {
+    if (isNetwork) connectNetwork();
+    for (const char16_t* command : {u"?/", u"F/3/"}) {
+      serial.sent.clear();
+      sockets.sent.clear();
+      device.script.clear();
+      for (const char* reply : {"9C", "9", ""}) device.answer(reply);
+      transfer(command);
+      EXPECT_EQ(acks(isNetwork ? sockets.sent : sent()), 1) << "of the question's the third";
+      EXPECT_EQ(device.commands.size(), command[0] == u'?' ? 3U : 1U);
+      device.commands.clear();
+    }
+  }
+  device.script.clear();
+  device.raw({{kAck}}).raw({{kAck}}).answer("9C/00/00/");
+  sockets.sent.clear();
+  transfer(u"?/");
+  EXPECT_EQ(std::tuple(Result, acks(sockets.sent)), std::tuple(156, 1)) << "none behind the register's ACK";
+}
+
+// Two adapters may have changed their names, and something else may sit on the line.
+TEST_F(Link, WhoAnswersALineThatCameBackIsAsked) {
+  const std::string own = "00/00/00/MVE1/", other = "00/00/00/MVE2/", stranger = "-1 Πρόβλημα στην Θύρα :COM1";
+  called = std::make_shared<fiscalTrevikModule>();
+  moduleState().fiscalType = FISCAL_VARLENFISCAL2;
+  screen.expectsWaits = true;
+  const auto unplug = [this] {
+    serial.unpluggedFrom = clock.now;
+    serial.unpluggedUntil = clock.now + 1;
+  };
+  const auto restart = [&](bool isKnown) {
+    run(*driver, "DisConnect_", u"");
+    device.script.clear();
+    driver = std::make_shared<FiscalVarlenModule2>();
+    connect(u"COM1");
+    Text number;
+    if (isKnown) device.answer(own);
+    if (isKnown) run(*driver, "getSerialNumber", number);
+    unplug();
+  };
+  using Strings = std::vector<std::string>;
+  const std::tuple<const char*, Strings, Strings, std::string> cases[] = {
+      {"the same register", {"00/00/00/", own}, {"p/1/", "a/"}, "0 00/00/00/"},
+      {"another one", {"00/00/00/", other}, {"p/1/", "a/"}, stranger},
+      {"one that does not tell", {"00/00/00/", "0E/00/00/"}, {"p/1/", "a/"}, "0 00/00/00/"},
+      {"behind a wait", {"9E/00/00/", "9E/00/00/", "00/00/00/", other}, {"p/1/", "?/", "?/", "a/"}, stranger},
+      {"no register", {"  0.250kg", "p/1/25", "p/1/25"}, {"p/1/", "p/1/", "p/1/"}, "-3 H ταμειακή δεν Απαντά!"},
+      {"noise, then the same", {"  0.250kg", "00/00/00/", own}, {"p/1/", "p/1/", "a/"}, "0 00/00/00/"}};
+  for (const auto& [what, replies, commands, told] : cases) {
+    SCOPED_TRACE(what);
+    restart(true);
+    for (const std::string& reply : replies) device.answer(reply);
+    EXPECT_EQ(call("DrawerOpen"), commands);
+    EXPECT_EQ(outcome(), told);
+    EXPECT_EQ(driver->session.lastReply().substr(0, 2), told == stranger || told[0] == '0' ? u"00" : u"");
+  }
+  restart(true);
+  device.answer("00/00/00/").answer(other);
+  EXPECT_EQ(call("VoidReceipt").size(), 2U);
+  EXPECT_EQ(outcome(), stranger) << "to the call's end";
+  EXPECT_THAT(call("DrawerOpen"), IsEmpty());
+  EXPECT_EQ(outcome(), "-6 Κλειστή θύρα");
+  // Two seconds of silence tell nothing, and it is asked once more behind the next answer.
+  restart(true);
+  device.answer("00/00/00/").silence();
+  const double begin = clock.now;
+  EXPECT_THAT(call("DrawerOpen"), ElementsAre("p/1/", "a/"));
+  EXPECT_NEAR(clock.now - begin, 4, 0.5) << "the line's second look, and the two seconds";
+  device.answer("00/00/00/").answer(own);
+  EXPECT_THAT(call("DrawerOpen"), ElementsAre("p/1/", "a/"));
+  EXPECT_THAT(call("DrawerOpen"), ElementsAre("p/1/"));
+  restart(false);
+  EXPECT_THAT(call("DrawerOpen"), ElementsAre("p/1/")) << "nothing is known to hold it against";
+}
+
+TEST_F(Link, WhenAFrameGoesOutAgainOnALineThatFailed) {
+  const struct {
+    const char16_t* command;
+    Short timeOut;
+    double again;
+  } cases[] = {{u"F/3/", 0, 10}, {u"F/3/", 60, 10}, {u"5/1/", 60, 60}, {u"E/2/1/", 0, 10}};
+  for (const auto& [command, timeOut, again] : cases) {
+    device.silence();
+    const double begin = clock.now;
+    serial.unpluggedFrom = begin + 1;
+    serial.unpluggedUntil = begin + 4;
+    serial.opened.clear();
+    transfer(command, timeOut);
+    EXPECT_NEAR(clock.now - begin, again, 0.7) << toUtf8(command) << timeOut;
+    EXPECT_EQ(serial.opened.size(), 5U) << "looked for every two seconds";
+  }
+  // A slow line that takes nothing for a while is none that failed, until it takes nothing three times.
+  for (const int attempts : {2, 3}) {
+    serial.opened.clear();
+    serial.takesNothing = attempts * 4;
+    device.commands.clear();
+    EXPECT_EQ(transfer(u"F/3/"), "00/00/00/");
+    EXPECT_EQ(serial.opened.size(), attempts == 3 ? 1U : 0U);
+    EXPECT_THAT(device.commands, ElementsAre("F/3/"));
+  }
+}
+
+TEST_F(Link, ANetworkThatIsDownHasOneBoxACall) {
+  connectNetwork();
+  called = std::make_shared<fiscalTrevikModule>();
+  const Box box{"Λάθος κατά την αποστολή δεδομένων στην θύρα (Ethernet)", 16, "Varlen Fiscal"};
+  sockets.failing = "send";
+  const double begin = clock.now;
+  for (const char* member : {"DrawerOpen", "VoidReceipt"}) {
+    call(member);
+    EXPECT_EQ(outcome(), "-3 H ταμειακή δεν Απαντά!");
+    EXPECT_THAT(screen.boxes, ElementsAre(box)) << "suppressed or not, when all is over";
+  }
+  EXPECT_NEAR(clock.now - begin, 3 * 4.2, 0.5) << "each attempt's second passes";
+  sockets.failing.clear();
+  call("DrawerOpen");
+  EXPECT_THAT(screen.boxes, IsEmpty());
+}
+
+// The wait window, for every exchange of every member, and in front of the window that stands.
+TEST_F(Link, SilenceIsSeenWhereverItIs) {
+  const std::string silence =
+      "Μήνυμα Ταμειακής (Varlen Fiscal)|Κατάσταση [-4]|Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !";
+  const auto facade = std::make_shared<fiscalTrevikModule>();
+  called = facade;
+  screen.expectsWaits = true;
+  const auto pay = [&] { call("Payment", 1, u"CASH", 1.0, 0, 0); };
+  const std::tuple<const char*, std::vector<std::string>, std::function<void()>> cases[] = {
+      {"the v/ behind a payment", {"", "0.00/", ""}, pay},
+      {"the end of the server's dialogue",
+       {""},
+       [&] {
+         Text pass;
+         facade->call("setServerSettings", Byte{1}, u"a|b", u"80", u"key", Result, Exresult, SupressError_, pass);
+       }},
+      {"the journal", {"42/"}, [&] { call("issueZReport"); }},
+      {"the closing", {"42/", "3//"}, [&] { call("issueZReport"); }}};
+  for (const bool suppressed : {false, true}) {
+    SupressError_ = suppressed;
+    for (const auto& [what, replies, member] : cases) {
+      SCOPED_TRACE(what);
+      answers(replies);
+      device.silence(1);
+      answers({"3//"});
+      screen.waits.clear();
+      screen.servings = screen.eventRounds = 0;
+      member();
+      EXPECT_EQ(screen.waits, suppressed ? std::vector<std::string>{} : (std::vector<std::string>{silence, "close"}));
+      EXPECT_GE(screen.servings, 28) << "from the third second on";
+      device.script.clear();
+    }
+  }
+  SupressError_ = true;
+  device.answer("9E/00/00/").silence(1).answer("9C/00/00/");
+  screen.waits.clear();
+  call("DrawerOpen");
+  ASSERT_EQ(screen.waits.size(), 2U);
+  EXPECT_EQ(screen.waits[1], silence) << "in the window that stands";
 }
 
 TEST_F(Link, ASilentNetworkIsTriedFourTimes) {

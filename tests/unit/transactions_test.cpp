@@ -163,6 +163,82 @@ TEST_F(Transactions, ReadingForTheJournalKeepsTheOutcomeOfThePayment) {
   EXPECT_EQ(device.commands.back(), "O/1/");
 }
 
+// The end of a card payment is told once. Where it may have got lost, the receipt tells what became of it.
+TEST_F(Transactions, WhatRemainsDecidesWhereTheEndOfACardPaymentGotLost) {
+  const std::string ask = "5/99/1/1/1/", card = "5/2/CARD//10.00/1/1/", unknown = "-3 H ταμειακή δεν Απαντά!";
+  struct Case {
+    const char* what;
+    std::vector<std::string> replies;  // to the payment and the looks; "" is lost
+    std::string before;                // what a payment before left, "" where there was none
+    std::string remains, total;
+    std::vector<std::string> then;  // what is sent behind the looks
+    std::string outcome;
+  };
+  const std::vector<std::string> lookLost = {"9E/00/06/", "00", "00/00/06/"};
+  const std::string partly = "0 00/00/0E/4.00/", done = "0 00/00/00/";
+  const Case cases[] = {
+      {"nothing got lost", {"9E/00/06/", "00/00/06/"}, "", "4.00/", "", {ask}, partly},
+      {"nothing remains", lookLost, "", "0.00/", "", {ask, "O/1/", "v/"}, done},
+      {"less than the total", lookLost, "", "4.00/", "14.00", {ask, "9/"}, partly},
+      {"as much as the total", lookLost, "", "14.00/", "14.00", {ask, "9/"}, unknown},
+      {"no total is told", lookLost, "", "4.00/", "", {ask, "9/"}, unknown},
+      {"less than remained", lookLost, "14.00", "4.00/", "", {ask}, partly},
+      {"as much as remained", lookLost, "14.00", "14.00/", "", {ask}, unknown},
+      {"the answer itself", {"00"}, "14.00", "14.00/", "", {ask}, unknown},
+      {"the answer itself, and booked", {"00"}, "14.00", "4.00/", "", {ask}, partly},
+      {"a look of the question's wait", {"00/00/06/"}, "14.00", "9E", "", {ask, "?/", "?/", ask}, unknown},
+  };
+  screen.expectsWaits = true;
+  for (const bool isNetwork : {false, true}) {
+    if (isNetwork) connectNetwork();
+    for (const auto& [what, replies, before, remains, total, then, told] : cases) {
+      SCOPED_TRACE(what);
+      device.script.clear();
+      device.answer(before.empty() ? "00/00/06/" : "00/00/0E/");
+      send(u"3/S/");
+      if (!before.empty()) {
+        answers({"", before + "/"}, "00/00/0E/");
+        call("Payment", 1, u"CASH", 10.0, 0, 0);
+        send(u"v/");  // a question changes nothing
+      }
+      answers(replies, "");
+      if (remains == "9E") {
+        answers({"9E/00/0E/", "00", "00/00/0E/", "00/00/0E/" + before + "/"}, "");
+      } else {
+        answers({remains}, "00/00/0E/");
+      }
+      if (then.size() == 2) answers({"0/0/0/0/0/7/" + total + (total.empty() ? "" : "/")}, "00/00/0E/");
+      std::vector<std::string> expected = {card};
+      expected.insert(expected.end(), replies.size() - 1, "?/");
+      expected.insert(expected.end(), then.begin(), then.end());
+      EXPECT_EQ(call("Payment", 2, u"CARD", 10.0, 1, 1), expected);
+      EXPECT_EQ(outcome(), told);
+    }
+    // Something was sold in between, so what remained before is not known.
+    device.script.clear();
+    answers({"", "14.00/", ""}, "00/00/0E/");
+    call("Payment", 1, u"CASH", 10.0, 0, 0);
+    call("ItemSale", u"A", 1.0, 1.0, 24.0, 1);
+    answers({"00", "00/00/0E/4.00/"}, "");
+    call("Payment", 2, u"CARD", 10.0, 1, 1);
+    EXPECT_EQ(outcome(), unknown);
+    // A payment that a program sends as a text has nobody to ask.
+    for (const auto& [command, result] : {std::pair(u"5/2///9.00/1/1/", -3), std::pair(u"5/1///9.00///", 0)}) {
+      answers(lookLost, "");
+      send(command);
+      EXPECT_EQ(Result, result);
+    }
+  }
+}
+
+TEST_F(Transactions, APaymentOfAnyNumberIsAPayment) {
+  screen.expectsWaits = true;
+  device.answer("00").answer("00/00/0E/1.00/");
+  EXPECT_THAT(call("Payment", 99, u"", 1.0, 0, 0), ElementsAre("5/99///1.00///", "5/99/1/1/1/"));
+  device.answer("9E/00/0E/").answer("00/00/0E/").answer("00/00/0E/1.00/");
+  EXPECT_THAT(call("Payment", 99, u"", 1.0, 0, 0), ElementsAre("5/99///1.00///", "?/", "5/99/1/1/1/"));
+}
+
 TEST_F(Transactions, APaymentMayTakeThreeMinutes) {
   device.answer("00/00/0E/", 175).answer("00/00/0E/0.00/", 5);
   call("Payment", 2, u"CARD", 10.0, 1, 1);
