@@ -18,6 +18,7 @@ constexpr std::uint32_t kShare = 24;
 /// here is tried bare, or with 1 where it wants a number.
 const std::map<std::string_view, Texts> kArguments = {
     {"late", {"700", "40", "200", "1500", "6000", "12000"}},
+    {"delayed", {"700", "40", "200", "1500", "6000"}},
     {"split", {"350", "0", "25", "250", "2000"}},
     {"duplicate", {"100", "0", "5", "40", "300", "1000", "3000"}},
     {"cut", {"2"}},  // and every other byte, see below
@@ -47,6 +48,13 @@ Texts variationsOf(const std::string& fault) {
   return all;
 }
 
+/// The faults in what the register sends. Those in what the till sends are named by what they strike.
+Texts faultsOfAnswers() {
+  Texts faults = emulator::faultNames();
+  std::erase_if(faults, [](const std::string& fault) { return fault.starts_with("till-"); });
+  return faults;
+}
+
 std::string after(std::size_t commands, const std::string& rest) {
   return "after " + std::to_string(commands) + " " + rest;
 }
@@ -65,14 +73,14 @@ bool Run::isInShare() const {
 
 Texts singleFaults() {
   Texts all;
-  for (const std::string& fault : emulator::faultNames()) {
+  for (const std::string& fault : faultsOfAnswers()) {
     for (std::string& rule : variationsOf(fault)) all.push_back(std::move(rule));
   }
   return all;
 }
 
 Plan makePlan() {
-  const Texts faults = emulator::faultNames();
+  const Texts faults = faultsOfAnswers();
   Plan plan;
   for (const Group group : {Group::kOnce, Group::kLasting, Group::kPairs}) {
     for (const std::string& fault : faults) plan.rows.push_back({group, fault});

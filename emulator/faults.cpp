@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "emulator/device.h"
+#include "emulator/money.h"
 #include "text/code_page.h"
 
 namespace mirvane::emulator {
@@ -26,22 +27,25 @@ struct Row {
   Argument argument;
   /// The number of a fault that takes none, and the default where one may be left out.
   std::uint32_t number;
+  /// What the till sends can be struck by it too.
+  bool isOnWay = false;
 };
 
 constexpr Row kRows[] = {
     {"silence", Kind::kSilence, Argument::kNone, 0},
     {"nak", Kind::kNak, Argument::kNone, 0},
-    {"lost", Kind::kLost, Argument::kNone, 0},
+    {"lost", Kind::kLost, Argument::kNone, 0, true},
     {"ack-only", Kind::kAckOnly, Argument::kNone, 0},
     {"late", Kind::kLate, Argument::kNumber, 0},
+    {"delayed", Kind::kDelayed, Argument::kNumber, 0, true},
     {"split", Kind::kSplit, Argument::kNumberOrDefault, 25},
-    {"duplicate", Kind::kDuplicate, Argument::kNumberOrDefault, 100},
-    {"half", Kind::kHalf, Argument::kNone, 0},
-    {"cut", Kind::kCut, Argument::kNumber, 0},
+    {"duplicate", Kind::kDuplicate, Argument::kNumberOrDefault, 100, true},
+    {"half", Kind::kHalf, Argument::kNone, 0, true},
+    {"cut", Kind::kCut, Argument::kNumber, 0, true},
     {"short", Kind::kShort, Argument::kNone, 0},
     {"endless", Kind::kEndless, Argument::kNumberOrDefault, 1 << 20},
-    {"noise", Kind::kNoise, Argument::kHexBytesOrDefault, 0},
-    {"noise-within", Kind::kNoiseWithin, Argument::kHexBytesOrDefault, 0},
+    {"noise", Kind::kNoise, Argument::kHexBytesOrDefault, 0, true},
+    {"noise-within", Kind::kNoiseWithin, Argument::kHexBytesOrDefault, 0, true},
     {"status", Kind::kStatus, Argument::kHexByte, 0},
     {"unplug", Kind::kUnplug, Argument::kNumber, 0},
     {"unplug-after", Kind::kUnplugAfter, Argument::kNumber, 0},
@@ -55,11 +59,21 @@ constexpr Row kRows[] = {
     {"flash-near-full", Kind::kPrinter, Argument::kNone, kPrinterFlashNearFull},
 };
 
+constexpr std::pair<std::string_view, Fault::At> kSent[] = {
+    {"till-frame", Fault::At::kTillFrame}, {"till-ack", Fault::At::kTillAck}, {"till-enq", Fault::At::kTillEnq}};
+
 std::optional<std::uint32_t> parse(std::string_view text, int base = 10) {
   std::uint32_t value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
   if (error != std::errc() || end != text.data() + text.size() || value > kGreatest) return std::nullopt;
   return value;
+}
+
+/// Percent, as a number in Faults::kAll.
+std::optional<std::uint32_t> parseRate(std::string_view text) {
+  const auto rate = parseFixed(text, 3);
+  if (!rate || *rate > Faults::kAll) return std::nullopt;
+  return static_cast<std::uint32_t>(*rate);
 }
 
 [[noreturn]] void fail(const std::string& what, std::string_view where) {
@@ -109,12 +123,21 @@ std::string takeHexBytes(Words& words) {
   return bytes;
 }
 
+Fault::At takeAt(Words& words) {
+  for (const auto& [name, at] : kSent) {
+    if (words.takeIf(name)) return at;
+  }
+  return Fault::At::kAnswer;
+}
+
 Fault takeFault(Words& words) {
+  const Fault::At at = takeAt(words);
   const std::string_view name = words.take();
   if (name.empty()) fail("the fault is missing", "");
   const Row* row = std::find_if(std::begin(kRows), std::end(kRows), [name](const Row& r) { return r.name == name; });
   if (row == std::end(kRows)) fail("unknown fault", name);
-  Fault fault{row->kind, row->number, {}, {}};
+  if (at != Fault::At::kAnswer && !row->isOnWay) fail("what the till sends is not struck by", name);
+  Fault fault{row->kind, row->number, {}, {}, at, row->name};
   switch (row->argument) {
     case Argument::kNone:
       break;
@@ -151,7 +174,16 @@ Fault takeFault(Words& words) {
 std::vector<std::string> faultNames() {
   std::vector<std::string> names;
   for (const Row& row : kRows) names.emplace_back(row.name);
+  for (const auto& [sent, at] : kSent) {
+    for (const Row& row : kRows) {
+      if (row.isOnWay) names.push_back(std::string(sent).append(" ").append(row.name));
+    }
+  }
   return names;
+}
+
+std::string_view sentName(Fault::At at) {
+  return std::find_if(std::begin(kSent), std::end(kSent), [at](const auto& sent) { return sent.second == at; })->first;
 }
 
 int Faults::add(std::string_view rule) {
@@ -172,14 +204,20 @@ int Faults::add(std::string_view rule) {
     words.take();
   } else if (!span.empty() && span[0] >= '0' && span[0] <= '9') {
     const bool isTime = span.ends_with('s');
-    const auto number = parse(span.substr(0, span.size() - (isTime ? 1 : 0)));
-    if (!number || *number == 0) fail("a number of commands or of seconds (5s) is expected, not", span);
-    parsed.times = isTime ? kAlways : *number;
+    const bool isRate = span.ends_with('%');
+    const std::string_view digits = span.substr(0, span.size() - (isTime || isRate ? 1 : 0));
+    const auto number = isRate ? parseRate(digits) : parse(digits);
+    if (!number || *number == 0) fail("a number of commands, of seconds (5s) or percent (0.1%) is expected, not", span);
+    parsed.times = isTime || isRate ? kAlways : *number;
     if (isTime) parsed.seconds = *number;
+    if (isRate) parsed.rate = *number;
     words.take();
   }
   parsed.fault = takeFault(words);
   parsed.fault.rule = rule;
+  if (parsed.fault.at == Fault::At::kTillEnq && !parsed.prefix.empty()) {
+    fail("an ENQ comes before its command, so its rule has no", "on");
+  }
   parsed.number = ++lastNumber_;
   rules_.push_back(std::move(parsed));
   return lastNumber_;
@@ -192,6 +230,7 @@ bool Faults::remove(int number) {
 void Faults::clear() {
   rules_.clear();
   switches = {};
+  random_.seed(seed_);
 }
 
 void Faults::addScript(std::string_view script) {
@@ -213,13 +252,18 @@ bool Faults::applies(Rule& rule, double now) {
   if (rule.skip > 0) return --rule.skip, false;
   if (rule.seconds > 0 && rule.end == 0) rule.end = now + rule.seconds;
   if (rule.seconds > 0 && now >= rule.end) rule.times = 0;
-  return rule.times > 0;
+  return rule.times > 0 && (rule.rate == kAll || random_() % kAll < rule.rate);
 }
 
-Fault Faults::take(std::string_view command, bool isRepeat, double now) {
+bool Faults::strikes(Fault::At at) const {
+  return std::any_of(rules_.begin(), rules_.end(), [at](const Rule& rule) { return rule.fault.at == at; });
+}
+
+Fault Faults::take(std::string_view command, bool isRepeat, double now, Fault::At at) {
   Rule* taken = nullptr;
   for (Rule& rule : rules_) {
-    if (!command.starts_with(rule.prefix) || (isRepeat && !rule.fault.isOnWire())) continue;
+    if (rule.fault.at != at || !command.starts_with(rule.prefix)) continue;
+    if (isRepeat && !rule.fault.isOnWire()) continue;
     if (applies(rule, now) && !taken) taken = &rule;
   }
   if (!taken) return {};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -8,8 +9,10 @@
 
 namespace mirvane::emulator {
 
-/// How the device misbehaves on one command.
+/// How the device misbehaves on one command, or what happens to something that the till sends.
 struct Fault {
+  /// What it strikes: the register's answer, or, on its way to the register, what the till sends.
+  enum class At { kAnswer, kTillFrame, kTillAck, kTillEnq };
   enum class Kind {
     kNone,
     // On the wire. They strike a repeated command too.
@@ -18,6 +21,7 @@ struct Fault {
     kLost,         // executed, no answer
     kAckOnly,      // executed, on the network acknowledged, no reply
     kLate,         // reply after `number` milliseconds
+    kDelayed,      // `number` milliseconds on its way; on a network what is sent later overtakes it
     kSplit,        // the reply in two halves, `number` milliseconds apart
     kDuplicate,    // the reply, and once more `number` milliseconds later, whatever comes between
     kHalf,         // the first half of the reply
@@ -40,6 +44,9 @@ struct Fault {
   std::string bytes;
   /// The rule that it comes from.
   std::string rule;
+  At at = At::kAnswer;
+  /// As it stands in the rule.
+  std::string_view name = {};
 
   bool isUnplugging() const { return kind == Kind::kUnplug || kind == Kind::kUnplugAfter; }
   bool isOnWire() const { return kind >= Kind::kSilence && kind <= Kind::kUnplugAfter; }
@@ -50,8 +57,10 @@ struct FaultError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The names of all faults, as they stand in rules.
+/// The names of all faults, as they stand in rules: "lost", "till-ack lost".
 std::vector<std::string> faultNames();
+/// "till-frame", "till-ack" or "till-enq".
+std::string_view sentName(Fault::At at);
 
 /// Misbehaviour on demand. README.md has the grammar of the rules.
 class Faults {
@@ -74,13 +83,19 @@ class Faults {
   /// Adds the rules of a script, one a line; blank lines and lines beginning with "#" are passed over. Throws
   /// FaultError with the number of the line; the lines before it are in force then.
   void addScript(std::string_view script);
-  /// Takes all rules away and puts the switches back.
+  /// Takes all rules away and puts the switches back. Rules with a rate begin anew.
   void clear();
+  /// Which of the commands a rule with a rate strikes: the same number, the same ones.
+  void seed(std::uint32_t number) { random_.seed(seed_ = number); }
 
   /// The fault for a command that has arrived, from the first rule that applies. `isRepeat`: the command was executed
-  /// before and only its reply is wanted. `now` is in seconds, from any fixed moment.
-  Fault take(std::string_view command, bool isRepeat, double now);
+  /// before and only its reply is wanted. `now` is in seconds, from any fixed moment. With another `at`, the fault for
+  /// something that the till has sent, which belongs to `command`.
+  Fault take(std::string_view command, bool isRepeat, double now, Fault::At at = Fault::At::kAnswer);
+  /// Whether a rule stands for it.
+  bool strikes(Fault::At at) const;
 
+  static constexpr std::uint32_t kAll = 100'000;
   struct Rule {
     /// Counts from 1.
     int number = 0;
@@ -91,6 +106,8 @@ class Faults {
     std::uint32_t times = 1;
     double seconds = 0;
     double end = 0;
+    /// How many in kAll it strikes.
+    std::uint32_t rate = kAll;
     Fault fault;
   };
 
@@ -98,10 +115,13 @@ class Faults {
   const std::vector<Rule>& rules() const { return rules_; }
 
  private:
-  static bool applies(Rule& rule, double now);
+  bool applies(Rule& rule, double now);
 
   int lastNumber_ = 0;
   std::vector<Rule> rules_;
+  std::uint32_t seed_ = 1;
+  // Of the standard's generators, whose numbers are the same everywhere.
+  std::mt19937 random_{seed_};
 };
 
 }  // namespace mirvane::emulator

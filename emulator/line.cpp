@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 #include "protocol/wire.h"
@@ -10,6 +11,40 @@ namespace mirvane::emulator {
 namespace {
 
 using Kind = Fault::Kind;
+using At = Fault::At;
+
+// Longer than any frame of a till.
+constexpr std::size_t kLongestFrame = 65'536;
+constexpr char kFrameEnds[] = {wire::kEtx, wire::kStx, wire::kEnq, wire::kCan, '\0'};
+
+/// What the till has sent; nothing for what no rule strikes.
+std::optional<At> kindOf(std::string_view unit) {
+  if (unit.front() == wire::kStx && unit.back() == wire::kEtx) return At::kTillFrame;
+  if (unit == std::string_view(&wire::kAck, 1)) return At::kTillAck;
+  if (unit == std::string_view(&wire::kEnq, 1)) return At::kTillEnq;
+  return std::nullopt;
+}
+
+/// `bytes`, at least one, as the fault leaves them.
+std::string damaged(std::string bytes, const Fault& fault) {
+  switch (fault.kind) {
+    case Kind::kHalf:
+      bytes.resize(bytes.size() / 2);
+      break;
+    case Kind::kCut:
+      bytes.resize(std::min<std::size_t>(fault.number, bytes.size() - 1));
+      break;
+    case Kind::kNoise:
+      bytes.insert(0, fault.bytes);
+      break;
+    case Kind::kNoiseWithin:
+      bytes.insert(bytes.size() / 2, fault.bytes);
+      break;
+    default:
+      break;
+  }
+  return bytes;
+}
 
 /// The two digits that close the frame of `command`.
 std::string checksum(std::string_view command) {
@@ -21,10 +56,75 @@ std::string checksum(std::string_view command) {
 
 }  // namespace
 
+std::size_t unitLength(std::string_view bytes) {
+  if (bytes.empty() || bytes.front() != wire::kStx) return std::min<std::size_t>(bytes.size(), 1);
+  const std::size_t end = bytes.find_first_of(kFrameEnds, 1);
+  if (end == std::string_view::npos) return bytes.size() > kLongestFrame ? bytes.size() : 0;
+  return bytes[end] == wire::kEtx ? end + 1 : end;
+}
+
 Line::Line(Device& device, Faults& faults, Outlet& outlet, Acknowledges acknowledges, ElapsedClock elapsed)
     : device_(device), faults_(faults), outlet_(outlet), acknowledges_(acknowledges), elapsed_(std::move(elapsed)) {}
 
-void Line::feed(std::string_view bytes) {
+void Line::feed(std::string_view bytes, const std::string& peer) {
+  isUnplugged_ = false;
+  takeHeld();
+  const std::string sent = std::exchange(unfinished_, {}).append(bytes);
+  std::string_view rest = sent;
+  for (std::size_t length = unitLength(rest); length > 0 && !isUnplugged_; length = unitLength(rest)) {
+    carry(std::string(rest.substr(0, length)), peer);
+    rest.remove_prefix(length);
+  }
+  if (rest.empty() || isUnplugged_) return;
+  // What a datagram lacks does not come any more.
+  if (isNetwork()) {
+    carry(std::string(rest), peer);
+  } else {
+    unfinished_ = rest;
+  }
+}
+
+void Line::carry(const std::string& unit, const std::string& peer) {
+  const Fault fault = faultFor(unit, peer);
+  if (fault.kind == Kind::kLost) return;
+  arriveAfter(fault.kind == Kind::kDelayed ? fault.number : 0, damaged(unit, fault), peer);
+  if (fault.kind == Kind::kDuplicate && !isUnplugged_) arriveAfter(fault.number, unit, peer);
+}
+
+Fault Line::faultFor(const std::string& unit, const std::string& peer) {
+  const auto at = kindOf(unit);
+  if (!at || !faults_.strikes(*at)) return {};
+  std::string command = *at == At::kTillAck ? memory_.command : "";
+  if (unit.size() >= 4) command = unit.substr(1, unit.size() - 4);
+  Fault fault = faults_.take(command, false, elapsed_(), *at);
+  if (fault.kind != Kind::kNone && witness_) witness_->answered({command, "", fault, false, peer});
+  return fault;
+}
+
+void Line::arriveAfter(std::uint32_t delay, const std::string& bytes, const std::string& peer) {
+  // The bytes of a serial line keep their order, and datagrams do not.
+  const bool waits = !isNetwork() && !held_.empty();
+  if (delay == 0 && !waits) return arrive(bytes, peer);
+  double due = elapsed_() + delay / 1000.0;
+  if (waits) due = std::max(due, held_.back().due);
+  const auto isEarlier = [](const Held& a, const Held& b) { return a.due < b.due; };
+  Held held{due, bytes, peer};
+  held_.insert(std::upper_bound(held_.begin(), held_.end(), held, isEarlier), std::move(held));
+}
+
+double Line::takeHeld() {
+  while (!held_.empty()) {
+    const double wait = held_.front().due - elapsed_();
+    if (wait > 0) return wait;
+    const Held held = std::move(held_.front());
+    held_.pop_front();
+    arrive(held.bytes, held.peer);
+  }
+  return Receiver::takeHeld();
+}
+
+void Line::arrive(std::string_view bytes, const std::string& peer) {
+  outlet_.turnTo(peer_ = peer);
   if (faults_.switches.isOff) {
     isInFrame_ = false;
     outlet_.drop();
@@ -68,7 +168,7 @@ void Line::takeFrame() {
   }
   const std::size_t length = frame_.size() < 2 ? 0 : frame_.size() - 2;
   if (frame_.size() < 2 || frame_.substr(length) != checksum(frame_.substr(0, length))) {
-    if (witness_) witness_->answered({});
+    if (witness_) witness_->answered({"", "", {}, false, peer_});
     outlet_.send({&wire::kNak, 1}, 0);
     return;
   }
@@ -80,9 +180,10 @@ void Line::answer(const std::string& command) {
   const Fault fault = faults_.take(command, isRepeat, elapsed_());
   const bool isExecuted = fault.kind != Kind::kSilence && fault.kind != Kind::kNak && fault.kind != Kind::kUnplug;
   if (isExecuted && !isRepeat) memory_ = {command, execute(command, fault), true};
-  if (witness_) witness_->answered({command, isExecuted ? memory_.reply : "", fault, isRepeat});
+  if (witness_) witness_->answered({command, isExecuted ? memory_.reply : "", fault, isRepeat, peer_});
   if (fault.isUnplugging()) {
     isUnplugged_ = true;
+    dropHeld();
     outlet_.drop();
     outlet_.unplug(0, fault.number * 1000);
     return;
@@ -112,20 +213,11 @@ void Line::sendReply(std::string reply, const Fault& fault) {
     case Kind::kDuplicate:
       outlet_.sendCopy(reply, fault.number);
       break;
-    case Kind::kHalf:
-      reply.resize(reply.size() / 2);
-      break;
-    case Kind::kCut:
-      reply.resize(std::min<std::size_t>(fault.number, reply.size() - 1));
-      break;
+    case Kind::kDelayed:
+      if (!isNetwork()) return outlet_.send(reply, fault.number);
+      return outlet_.sendCopy(reply, fault.number);
     case Kind::kShort:
       reply = std::string{wire::kStx, reply[1], reply[2], wire::kEtx};
-      break;
-    case Kind::kNoise:
-      reply.insert(0, fault.bytes);
-      break;
-    case Kind::kNoiseWithin:
-      reply.insert(reply.size() / 2, fault.bytes);
       break;
     case Kind::kStatus:
       // A reply that a rule has put in another's place may be shorter than any true one.
@@ -145,7 +237,7 @@ void Line::sendReply(std::string reply, const Fault& fault) {
     default:
       break;
   }
-  outlet_.send(reply, fault.kind == Kind::kLate ? fault.number : 0);
+  outlet_.send(damaged(std::move(reply), fault), fault.kind == Kind::kLate ? fault.number : 0);
 }
 
 }  // namespace mirvane::emulator

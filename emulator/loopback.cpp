@@ -54,6 +54,7 @@ void Mailbox::settle() {
 }
 
 void Mailbox::add(Letter letter) {
+  if (!isOurs_ && !letter.away) return;
   const auto isEarlier = [](const Letter& a, const Letter& b) { return a.due < b.due; };
   letters_.insert(std::upper_bound(letters_.begin(), letters_.end(), letter, isEarlier), std::move(letter));
 }
@@ -88,7 +89,7 @@ bool LoopbackPort::configure(std::int32_t handle, std::string_view settings) {
 
 std::optional<std::size_t> LoopbackPort::write(std::int32_t handle, std::string_view bytes) {
   if (!isUsable(handle)) return std::nullopt;
-  line_.feed(bytes);
+  line_.feed(bytes, {});
   return bytes.size();
 }
 
@@ -117,6 +118,7 @@ bool LoopbackPort::close(std::int32_t handle) {
 }
 
 void LoopbackPort::collect() {
+  line_.takeHeld();
   for (; mailbox_.hasDue(); mailbox_.letters().pop_front()) input_ += mailbox_.letters().front().bytes;
 }
 
@@ -129,7 +131,8 @@ LoopbackSockets::LoopbackSockets(Device& device, Faults& faults, platform::Clock
 std::int32_t LoopbackSockets::create() {
   mailbox_.letters().clear();
   isConnected_ = false;
-  return handle_ = ++lastHandle_;
+  mailbox_.owner = std::to_string(++lastHandle_);
+  return handle_ = lastHandle_;
 }
 
 bool LoopbackSockets::bind(std::int32_t handle, std::uint16_t) { return handle == handle_; }
@@ -141,11 +144,12 @@ bool LoopbackSockets::connect(std::int32_t handle, const std::string&, std::uint
 bool LoopbackSockets::send(std::int32_t handle, std::string_view bytes) {
   if (handle != handle_ || !isConnected_) return false;
   // A datagram to a line that is away is lost, and nobody is told.
-  if (mailbox_.isPlugged()) line_.feed(bytes);
+  if (mailbox_.isPlugged()) line_.feed(bytes, mailbox_.owner);
   return true;
 }
 
 std::optional<std::string> LoopbackSockets::receive(std::int32_t handle, std::size_t most) {
+  line_.takeHeld();
   if (handle != handle_ || !mailbox_.hasDue()) return std::nullopt;
   const std::string datagram = std::move(mailbox_.letters().front().bytes);
   mailbox_.letters().pop_front();
@@ -154,10 +158,12 @@ std::optional<std::string> LoopbackSockets::receive(std::int32_t handle, std::si
 
 bool LoopbackSockets::waitReadable(std::int32_t handle, std::int16_t seconds) {
   if (handle != handle_) return false;
-  if (seconds > 0 && !mailbox_.hasDue()) {
+  double toHeld = line_.takeHeld();
+  for (double left = seconds; left > 0 && !mailbox_.hasDue(); toHeld = line_.takeHeld()) {
     const double due = mailbox_.letters().empty() ? HUGE_VAL : mailbox_.letters().front().due;
-    const double wait = std::min<double>(seconds, due - clock_.elapsed());
-    clock_.sleep(static_cast<std::uint32_t>(std::ceil(std::max(wait, 0.0) * 1000)));
+    const double wait = std::ceil(std::max(std::min({left, toHeld, due - clock_.elapsed()}), 0.0) * 1000);
+    clock_.sleep(static_cast<std::uint32_t>(wait));
+    left -= wait / 1000;
   }
   return mailbox_.hasDue();
 }

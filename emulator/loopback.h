@@ -15,12 +15,15 @@ class Mailbox : public Outlet {
  public:
   explicit Mailbox(platform::Clock& clock) : clock_(clock) {}
 
+  void turnTo(const std::string& peer) override { isOurs_ = peer == owner; }
   void send(std::string_view bytes, std::uint32_t delay) override;
   void sendCopy(std::string_view bytes, std::uint32_t delay) override;
   void drop() override;
   bool hurry() override;
   void unplug(std::uint32_t delay, std::uint32_t length) override;
 
+  /// Whose letters are kept: what is sent to other peers is lost.
+  std::string owner;
   bool hasDue();
   /// False while the line is away.
   bool isPlugged();
@@ -41,6 +44,7 @@ class Mailbox : public Outlet {
   void settle();
 
   platform::Clock& clock_;
+  bool isOurs_ = true;
   double latest_ = 0;
   double back_ = 0;
   int unpluggings_ = 0;
@@ -78,7 +82,7 @@ class LoopbackPort : public platform::SerialPort {
   std::string input_;
 };
 
-/// A network with the device at every address.
+/// A network with the device at every address. Each socket is a peer.
 class LoopbackSockets : public platform::DatagramSockets {
  public:
   LoopbackSockets(Device& device, Faults& faults, platform::Clock& clock,

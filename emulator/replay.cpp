@@ -17,20 +17,9 @@ constexpr std::uint32_t kLongest = 86'400'000;  // milliseconds
 // A till on the network looks every half second for a reply that does not come at once. Sent in the middle between two
 // looks, it is found at the one that found it then.
 constexpr std::int64_t kBetweenLooks = 250;
-// Longer than any frame of the till.
-constexpr std::size_t kLongestFrame = 65'536;
 
 const std::string kAck{wire::kAck};
 constexpr char kBegins[] = {wire::kStx, wire::kEnq, wire::kCan, '\0'};
-constexpr char kEnds[] = {wire::kEtx, wire::kStx, wire::kEnq, wire::kCan, '\0'};
-
-/// How many bytes the first frame has, or the first byte outside of one; 0 when it is not whole yet.
-std::size_t unitLength(std::string_view bytes) {
-  if (bytes.empty() || bytes.front() != wire::kStx) return std::min<std::size_t>(bytes.size(), 1);
-  const std::size_t end = bytes.find_first_of(kEnds, 1);
-  if (end == std::string_view::npos) return bytes.size() > kLongestFrame ? bytes.size() : 0;
-  return bytes[end] == wire::kEtx ? end + 1 : end;
-}
 
 bool isTorn(std::string_view unit) { return unit.starts_with(wire::kStx) && !unit.ends_with(wire::kEtx); }
 

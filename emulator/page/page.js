@@ -34,6 +34,7 @@ function speak() {
   for (const [name, button] of Object.entries(switches)) button.textContent = word.switches[name];
   for (const [rule, button] of Object.entries(shots)) button.textContent = word.shots[rule];
   for (const [name, button] of Object.entries(cards)) button.textContent = word.cards[name];
+  for (const option of $('reason').options) option.textContent = `${option.value} ${word.reasons[option.value]}`;
 }
 
 // ---- Wishes
@@ -196,6 +197,7 @@ function showRegister(register, faults) {
     button.setAttribute('aria-checked', name === chosen);
     button.tabIndex = name === chosen ? 0 : -1;
   }
+  if (outcome) $('reason').value = outcome;
   $('payment').hidden = !running;
   if (running) $('payment-text').textContent = word.payment('€ ' + money(running.amount), running.terminal);
 }
@@ -204,7 +206,8 @@ function showRegister(register, faults) {
 
 const switches = {}, shots = {}, cards = {};
 const cardWishes = {
-  approves: { outcome: 0, seconds: 2, answers: true }, declines: { outcome: 156, seconds: 2, answers: true },
+  approves: { outcome: 0, seconds: 2, answers: true },
+  get declines() { return { outcome: Number($('reason').value), seconds: 2, answers: true }; },
   slow: { outcome: 0, seconds: 15, answers: true }, mute: { answers: false },
 };
 
@@ -217,7 +220,7 @@ function makeTrouble() {
   for (const rule of Object.keys(word.shots)) {
     const button = shots[rule] = make('button');
     button.onclick = () => wish('POST', '/faults', { rule });
-    $('shots').append(button);
+    $(rule.includes('till-') ? 'sent' : 'shots').append(button);
   }
   for (const name of Object.keys(word.cards)) {
     const button = cards[name] = make('button', { role: 'radio', id: 'card-' + name });
@@ -232,12 +235,14 @@ function makeTrouble() {
     next.focus();
     next.click();
   };
+  for (const code of [156, 157, 159, 112]) $('reason').append(make('option', { value: code }));
+  $('reason').onchange = () => cards.declines.getAttribute('aria-checked') === 'true' && wish('PATCH', '/card', cardWishes.declines);
   $('rule-form').onsubmit = async (event) => {
     event.preventDefault();
     if (await wish('POST', '/faults', { rule: $('rule').value })) $('rule').value = '';
   };
   $('approve').onclick = () => wish('POST', '/card/decision', { outcome: 0 });
-  $('decline').onclick = () => wish('POST', '/card/decision', { outcome: 156 });
+  $('decline').onclick = () => wish('POST', '/card/decision', { outcome: cardWishes.declines.outcome });
   $('feed').onclick = () => wish('POST', '/paper', { feed: 1 });
   $('cut').onclick = () => wish('POST', '/paper', { cut: 'full' });
   $('calm').onclick = () => wish('DELETE', '/faults');
@@ -266,21 +271,29 @@ function verdict({ reply }) {
   return reply.code ? `${reply.code} ${reply.text}` : word.ok;
 }
 
-const title = ({ command }) => command.raw ? named(command.name) || word.unknown : word.spoiled;
+function title({ command, struck }) {
+  const name = command.raw ? named(command.name) || word.unknown : word.spoiled;
+  if (!struck) return name;
+  return `${word.sentNames[struck.what]} ${word.struck[struck.fault]}` + (command.raw ? `: ${name}` : '');
+}
+
+const lineText = ({ line, peer }) => peer ? `${line} ${peer}` : line;
 
 function entryElement(entry) {
   const { command, reply } = entry;
   const summary = make('summary', {},
     make('time', { text: entry.time.slice(11) }), make('b', { text: title(entry) }));
+  if (entry.peer) summary.append(make('span', { className: 'peer', text: `${word.from} ${entry.peer}` }));
   if (entry.fault) summary.append(make('span', { className: 'mark', text: entry.fault }));
   if (entry.repeat) summary.append(make('span', { className: 'mark', text: word.repeated }));
   const passes = [14, 81, 146, 158].includes(reply?.code);
   const kind = !reply || passes ? ' none' : reply.code ? ' refused' : '';
-  summary.append(make('span', { className: 'code' + kind, text: verdict(entry) }));
+  if (!entry.struck) summary.append(make('span', { className: 'code' + kind, text: verdict(entry) }));
   if (fieldTexts(command.fields).length) summary.append(fieldsElement(command.fields));
   if (reply?.fields && fieldTexts(reply.fields).length) summary.append(fieldsElement(reply.fields));
-  const raw = make('div', { className: 'raw' }, make('div', { text: `${entry.line} ← ${command.raw}` }));
-  if (reply) raw.append(make('div', { text: `${entry.line} → ${reply.raw}` }));
+  const line = lineText(entry);
+  const raw = make('div', { className: 'raw' }, make('div', { text: `${line} ← ${command.raw}` }));
+  if (reply) raw.append(make('div', { text: `${line} → ${reply.raw}` }));
   const element = make('li', {}, make('details', {}, summary, raw));
   element.about = entry;
   return element;
@@ -306,14 +319,17 @@ function showEntries(entries, first) {
   for (const element of fresh) list.prepend(element);
   while (list.children.length > mostEntries) list.lastChild.remove();
   sift(fresh);
+  // Who said it matters where there are several.
+  list.classList.toggle('crowd', new Set([...list.children].map(({ about }) => about.peer).filter(Boolean)).size > 1);
   if (entries.length) newestEntry = entries.at(-1).id;
 }
 
 function conversationText() {
   return [...$('entries').children].filter((element) => !element.hidden).reverse().map(({ about }) => {
     const fields = (list) => fieldTexts(list ?? []).map(([name, value]) => `${name} ${value}`).join(', ');
-    return [about.time.replace('T', ' '), about.line, title(about), fields(about.command.fields), '→', verdict(about),
-      fields(about.reply?.fields), about.fault && `[${about.fault}]`, `(${about.command.raw} → ${about.reply?.raw ?? ''})`]
+    const answer = about.struck ? [] : ['→', verdict(about), fields(about.reply?.fields)];
+    return [about.time.replace('T', ' '), lineText(about), title(about), fields(about.command.fields), ...answer,
+      about.fault && `[${about.fault}]`, `(${about.command.raw} → ${about.reply?.raw ?? ''})`]
       .filter(Boolean).join(' ');
   }).join('\n');
 }

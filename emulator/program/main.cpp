@@ -124,6 +124,10 @@ class CommandLine {
           [&faults](const std::string& path) { addScript(faults, path); });
     value("--fault", "RULE", "misbehave as RULE tells: --fault \"on 5/ lost\", --fault \"after 2 on 3/S unplug 5\"",
           [&faults](const std::string& rule) { faults.add(rule); });
+    value("--seed", "NUMBER", "which commands the rules with a rate strike: the same number, the same ones (1)",
+          [&faults](const std::string& text) {
+            faults.seed(static_cast<std::uint32_t>(parseSize("--seed", text, 0, 4'294'967'295)));
+          });
     value("--card-seconds", "SECONDS", "a card terminal takes so long (2)", [&options](const std::string& text) {
       options.cards.seconds = static_cast<double>(parseSize("--card-seconds", text, 0, 3600));
     });

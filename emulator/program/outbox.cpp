@@ -20,40 +20,33 @@ Clock::duration onWire(std::size_t bytes) {
 }  // namespace
 
 void Outbox::send(std::string_view bytes, std::uint32_t delay) {
-  Time start = std::max(Clock::now() + std::chrono::milliseconds(delay), outputEnd_);
-  if (!isPaced_) {
-    add({start, std::string(bytes), false});
-    outputEnd_ = start;
-    return;
-  }
+  Time start = std::max(Clock::now() + std::chrono::milliseconds(delay), end());
+  if (!isPaced_) return add({start, peer_, std::string(bytes), false});
   start = std::max(start, inputEnd_ + std::chrono::milliseconds(delay));
   for (std::size_t begin = 0; begin < bytes.size(); begin += kPacedPiece) {
     const std::string_view piece = bytes.substr(begin, kPacedPiece);
-    add({start + onWire(begin + piece.size()), std::string(piece), false});
+    add({start + onWire(begin + piece.size()), peer_, std::string(piece), false});
   }
-  outputEnd_ = start + onWire(bytes.size());
 }
 
 void Outbox::sendCopy(std::string_view bytes, std::uint32_t delay) {
-  add({Clock::now() + std::chrono::milliseconds(delay), std::string(bytes), true});
+  add({Clock::now() + std::chrono::milliseconds(delay), peer_, std::string(bytes), true});
 }
 
 void Outbox::drop() {
-  std::erase_if(pieces_, [](const Piece& piece) { return !piece.isCopy; });
-  outputEnd_ = {};
+  std::erase_if(pieces_, [this](const Piece& piece) { return !piece.isCopy && piece.peer == peer_; });
   ++drops_;
 }
 
 bool Outbox::hurry() {
   const Time now = Clock::now();
   for (Piece& piece : pieces_) piece.due = std::min(piece.due, now);
-  outputEnd_ = std::min(outputEnd_, now);
   return std::any_of(pieces_.begin(), pieces_.end(), [](const Piece& piece) { return piece.away.has_value(); });
 }
 
 void Outbox::unplug(std::uint32_t delay, std::uint32_t length) {
-  outputEnd_ = std::max(Clock::now() + std::chrono::milliseconds(delay), outputEnd_);
-  add({outputEnd_, {}, false, std::chrono::milliseconds(length)});
+  const Time start = std::max(Clock::now() + std::chrono::milliseconds(delay), end());
+  add({start, peer_, {}, false, std::chrono::milliseconds(length)});
 }
 
 void Outbox::clear() {
@@ -64,6 +57,12 @@ void Outbox::clear() {
 void Outbox::add(Piece piece) {
   const auto isEarlier = [](const Piece& a, const Piece& b) { return a.due < b.due; };
   pieces_.insert(std::upper_bound(pieces_.begin(), pieces_.end(), piece, isEarlier), std::move(piece));
+}
+
+Outbox::Time Outbox::end() const {
+  const auto isTheirs = [this](const Piece& piece) { return !piece.isCopy && piece.peer == peer_; };
+  const auto last = std::find_if(pieces_.rbegin(), pieces_.rend(), isTheirs);
+  return last == pieces_.rend() ? Time() : last->due;
 }
 
 void Outbox::received(std::size_t count) { inputEnd_ = std::max(inputEnd_, Clock::now()) + onWire(count); }

@@ -10,15 +10,16 @@
 
 namespace mirvane::emulator {
 
-/// Bytes on their way out, each with the moment it may leave. When paced, bytes need the time that a line of
-/// wire::kBaud gives them: the last byte of a piece is handed over when it would have crossed the wire, and a reply
-/// starts after the command's bytes would have.
+/// Bytes on their way out, each with the moment it may leave and whom it is for: no peer waits for another. When paced,
+/// bytes need the time that a line of wire::kBaud gives them: the last byte of a piece is handed over when it would
+/// have crossed the wire, and a reply starts after the command's bytes would have.
 class Outbox : public Outlet {
  public:
   using Time = std::chrono::steady_clock::time_point;
 
   explicit Outbox(bool isPaced) : isPaced_(isPaced) {}
 
+  void turnTo(const std::string& peer) override { peer_ = peer; }
   void send(std::string_view bytes, std::uint32_t delay) override;
   void sendCopy(std::string_view bytes, std::uint32_t delay) override;
   void drop() override;
@@ -34,7 +35,7 @@ class Outbox : public Outlet {
   Time due() const { return pieces_.front().due; }
   struct Piece {
     Time due;
-    std::string bytes;
+    std::string peer, bytes;
     bool isCopy;
     /// The line vanishes for so long.
     std::optional<std::chrono::milliseconds> away = {};
@@ -46,13 +47,15 @@ class Outbox : public Outlet {
 
  private:
   void add(Piece piece);
+  /// When everything that was sent to the peer will have left; long ago when it has.
+  Time end() const;
 
   const bool isPaced_;
   unsigned drops_ = 0;
   std::deque<Piece> pieces_;
-  /// When the wire has carried everything that came in, and everything that was sent.
+  std::string peer_;
+  /// When the wire has carried everything that came in.
   Time inputEnd_{};
-  Time outputEnd_{};
 };
 
 }  // namespace mirvane::emulator

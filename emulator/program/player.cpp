@@ -14,7 +14,8 @@ class Side : public Receiver {
   Side(Replay& replay, Outlet& outlet, std::function<void()> onFed)
       : replay_(replay), outlet_(outlet), onFed_(std::move(onFed)) {}
 
-  void feed(std::string_view bytes) override {
+  void feed(std::string_view bytes, const std::string& peer) override {
+    outlet_.turnTo(peer);
     replay_.feed(bytes, outlet_);
     onFed_();
   }

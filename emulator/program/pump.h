@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/asio/steady_timer.hpp>
+#include <cmath>
 #include <string>
 
 #include "emulator/program/outbox.h"
@@ -12,20 +13,24 @@ namespace mirvane::emulator {
 class Pump : public Transport {
  protected:
   explicit Pump(const Wiring& wiring)
-      : outbox_(wiring.isPaced), receiver_(wiring.connect(outbox_)), timer_(wiring.loop), return_(wiring.loop) {}
+      : outbox_(wiring.isPaced),
+        receiver_(wiring.connect(outbox_)),
+        timer_(wiring.loop),
+        arrival_(wiring.loop),
+        return_(wiring.loop) {}
 
-  /// Sends `bytes`, and calls `transmitted` when the system has them: from the loop, or at once.
-  virtual void transmit(std::string bytes) = 0;
+  /// Sends the piece's bytes to its peer, and calls `transmitted` when the system has them: from the loop, or at once.
+  virtual void transmit(Outbox::Piece piece) = 0;
   /// Closes what leads to the till.
   virtual void vanish() = 0;
   /// Opens it again, under the same name. Throws TransportError.
   virtual void comeBack() = 0;
 
   void transmitted() { isSending_ = false; }
-  void arrived(std::string_view bytes) {
+  void arrived(std::string_view bytes, const std::string& peer) {
     outbox_.received(bytes.size());
-    receiver_->feed(bytes);
-    pump();
+    receiver_->feed(bytes, peer);
+    takeHeld();
   }
   void pump() {
     while (!isSending_ && !outbox_.empty()) {
@@ -39,7 +44,7 @@ class Pump : public Transport {
       Outbox::Piece piece = outbox_.take();
       if (piece.away) return unplug(*piece.away);
       isSending_ = true;
-      transmit(std::move(piece.bytes));
+      transmit(std::move(piece));
     }
   }
   unsigned drops() const { return outbox_.drops(); }
@@ -47,6 +52,15 @@ class Pump : public Transport {
   unsigned unpluggings() const { return unpluggings_; }
 
  private:
+  void takeHeld() {
+    const double wait = receiver_->takeHeld();
+    pump();
+    if (std::isinf(wait)) return;
+    arrival_.expires_after(std::chrono::microseconds(std::llround(wait * 1e6)));
+    arrival_.async_wait([this](const boost::system::error_code& error) {
+      if (!error) takeHeld();
+    });
+  }
   void unplug(std::chrono::milliseconds length) {
     ++unpluggings_;
     outbox_.clear();
@@ -61,7 +75,7 @@ class Pump : public Transport {
 
   Outbox outbox_;
   std::unique_ptr<Receiver> receiver_;
-  boost::asio::steady_timer timer_, return_;
+  boost::asio::steady_timer timer_, arrival_, return_;
   bool isSending_ = false;
   unsigned unpluggings_ = 0;
 };

@@ -102,6 +102,7 @@ void Station::save() {
 void Station::calm() {
   faults.clear();
   device.cards().options = cardDefaults;
+  for (const auto& [name, line] : lines_) line->dropHeld();
 }
 
 bool Station::reset(const std::string& preset) {

@@ -34,14 +34,14 @@ class StreamTransport : public Pump {
     const auto done = [this, before = unpluggings()](const Error& error, std::size_t count) {
       if (error == boost::asio::error::operation_aborted || unpluggings() != before) return;
       if (error) failBy(error);
-      arrived({buffer_.data(), count});
+      arrived({buffer_.data(), count}, {});
       if (unpluggings() == before) receive();
     };
     stream_->async_read_some(boost::asio::buffer(buffer_), done);
   }
 
-  void transmit(std::string bytes) override {
-    sending_ = std::move(bytes);
+  void transmit(Outbox::Piece piece) override {
+    sending_ = std::move(piece.bytes);
     dropsBefore_ = drops();
     sendSome();
   }

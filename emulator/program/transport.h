@@ -43,8 +43,8 @@ class Transport {
 std::unique_ptr<Transport> openPty(const std::string& link, const Wiring& wiring);
 /// A real line: 115200 bits per second, 8 data bits, no parity, 1 stop bit.
 std::unique_ptr<Transport> openSerial(const std::string& path, const Wiring& wiring);
-/// `address` is "PORT" (on 127.0.0.1) or "ADDRESS:PORT"; port 0 lets the system choose. Replies go to the sender of
-/// the latest datagram. Throws std::invalid_argument for a text that is no such address.
+/// `address` is "PORT" (on 127.0.0.1) or "ADDRESS:PORT"; port 0 lets the system choose. Each datagram's
+/// sender gets its answers. Throws std::invalid_argument for a text that is no such address.
 std::unique_ptr<Transport> openUdp(const std::string& address, const Wiring& wiring);
 
 }  // namespace mirvane::emulator

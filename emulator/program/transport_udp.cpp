@@ -16,11 +16,14 @@ class Udp : public Pump {
     open();
   }
 
-  std::string address() const override {
-    return "udp=" + endpoint_.address().to_string() + ":" + std::to_string(endpoint_.port());
-  }
+  std::string address() const override { return "udp=" + nameOf(endpoint_); }
 
  private:
+  /// As parseEndpoint reads it.
+  static std::string nameOf(const udp::endpoint& endpoint) {
+    return endpoint.address().to_string() + ":" + std::to_string(endpoint.port());
+  }
+
   void open() {
     try {
       socket_.open(udp::v4());
@@ -36,10 +39,7 @@ class Udp : public Pump {
     const auto done = [this, before = unpluggings()](const boost::system::error_code& error, std::size_t count) {
       if (error == boost::asio::error::operation_aborted || unpluggings() != before) return;
       // Any other error only tells that an earlier datagram found nobody.
-      if (!error) {
-        peer_ = sender_;
-        arrived({buffer_.data(), count});
-      }
+      if (!error) arrived({buffer_.data(), count}, nameOf(sender_));
       if (unpluggings() == before) receive();
     };
     socket_.async_receive_from(boost::asio::buffer(buffer_), sender_, done);
@@ -48,16 +48,17 @@ class Udp : public Pump {
   void vanish() override { socket_.close(); }
   void comeBack() override { open(); }
 
-  void transmit(std::string bytes) override {
+  void transmit(Outbox::Piece piece) override {
     boost::system::error_code ignored;
-    socket_.send_to(boost::asio::buffer(bytes), peer_, 0, ignored);
+    const auto peer = parseEndpoint<udp::endpoint>("peer", piece.peer);
+    socket_.send_to(boost::asio::buffer(piece.bytes), peer, 0, ignored);
     transmitted();
   }
 
   udp::socket socket_;
   /// Where it listens, the port being the one that the system chose.
   udp::endpoint endpoint_;
-  udp::endpoint sender_, peer_;
+  udp::endpoint sender_;
   std::array<char, 65536> buffer_{};
 };
 

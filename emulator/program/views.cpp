@@ -226,10 +226,15 @@ Json entryView(const Station::Entry& entry) {
       {"id", entry.id},
       {"time", isoTime(entry.time) + fraction},
       {"line", entry.line},
+      {"peer", exchange.peer.empty() ? Json() : Json(exchange.peer)},
       {"command", {{"raw", utf8(exchange.command)}, {"name", command.name}, {"fields", fieldsView(command.fields)}}}};
   view["reply"] = exchange.reply.empty() ? Json() : replyView(exchange);
   view["fault"] = exchange.fault.rule.empty() ? Json() : Json(exchange.fault.rule);
   view["repeat"] = exchange.isRepeat;
+  view["struck"] = nullptr;
+  if (exchange.fault.at != Fault::At::kAnswer) {
+    view["struck"] = {{"what", sentName(exchange.fault.at)}, {"fault", exchange.fault.name}};
+  }
   return view;
 }
 

@@ -76,7 +76,7 @@ void run(Input input) {
   while (!input.atEnd()) {
     const std::string command = input.line();
     if (command.starts_with(' ')) now += 0.5 * static_cast<double>(command.size());
-    if (command.starts_with('\t')) line.feed(command);
+    if (command.starts_with('\t')) line.feed(command, {});
     if (command.starts_with('\t') || command.starts_with(' ')) continue;
     device.settleCard();
     const auto before = booked(device, lines);

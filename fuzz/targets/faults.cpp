@@ -35,8 +35,8 @@ void addAll(Faults& faults, const std::string& script) {
 void requireSame(const Faults::Rule& a, const Faults::Rule& b) {
   const auto parts = [](const Faults::Rule& rule) {
     const emulator::Fault& fault = rule.fault;
-    return std::tuple(rule.text, rule.prefix, rule.skip, rule.times, rule.seconds, fault.kind, fault.number,
-                      fault.bytes, fault.rule);
+    return std::tuple(rule.text, rule.prefix, rule.skip, rule.times, rule.seconds, rule.rate, fault.at, fault.kind,
+                      fault.number, fault.bytes, fault.rule);
   };
   require(parts(a) == parts(b), "a rule's text is the rule");
 }
@@ -69,12 +69,13 @@ void run(Input input) {
     const std::size_t rules = faults.rules().size();
     for (const std::string_view frame : {"\x05\x02?/10\x03", "\x05\x02v/65\x03", "\x05\x02F/3/15\x03\x06"}) {
       outlet.last.clear();
-      line.feed(frame);
+      line.feed(frame, {});
     }
     require(finite() <= before && faults.rules().size() <= rules, "rules wear off");
   }
   faults.clear();
-  line.feed("\x18\x05\x06\x02?/10\x03");
+  line.dropHeld();
+  line.feed("\x18\x05\x06\x02?/10\x03", {});
   require(outlet.last.starts_with("\x02"
                                   "00/00/"),
           "without rules the register answers");

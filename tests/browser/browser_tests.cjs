@@ -102,7 +102,8 @@ const cases = {
     await page.click('#card-mute');
     await shows('#card-mute[aria-checked=true]', '');
     await till.ask(sale);
-    for (const [button, told] of [['#decline', '9C'], ['#approve', '00']]) {
+    for (const [reason, button, told] of [['156', '#decline', '9C'], ['112', '#decline', '70'], ['112', '#approve', '00']]) {
+      await page.selectOption('#reason', reason);
       assert.equal(await code('5/2///10.00/1/1/'), '9E');
       await page.click(button);
       await page.locator('#payment').waitFor({ state: 'hidden' });
@@ -110,7 +111,30 @@ const cases = {
     }
     await shows('.sheet', 'ΕΓΚΡΙΘΗΚΕ');
     assert.equal(await code('O/1/'), '00');
+    await page.click('#card-declines');
+    await shows('#card-declines[aria-checked=true]', '');
+    assert.equal((await emulator.get('/state')).card.outcome, 112);
     await emulator.fetch('DELETE', '/faults');
+  },
+  async whatTheTillSendsIsStruckAndItsPeerIsTold() {
+    await page.click('#sent >> text=lose its ACK');
+    await shows('#rules li', 'next till-ack lost');
+    assert.equal(await code(sale), '00');
+    await shows('#entries b', 'the till\'s ACK was lost');
+    assert.equal(await code(sale), '00', 'and not booked');
+    await shows('#entries .mark', 'repeated');
+    assert.equal((await emulator.get('/state')).receipt.total, 10);
+    await page.click('[data-language=el]');
+    await shows('#entries b', 'το ACK του ταμείου χάθηκε');
+    await page.click('[data-language=en]');
+    assert.equal(await page.locator('.peer:visible').count(), 0, 'there is one till');
+    const other = await udpTill(emulator.udp);
+    await other.ask('O/2/');
+    other.close();
+    await shows('.peer:visible', 'from 127.0.0.1:');
+    const [answered, struck] = (await emulator.get('/conversation')).reverse().filter(({ struck, command }) => struck || command.raw === 'O/2/');
+    assert.deepEqual(struck.struck, { what: 'till-ack', fault: 'lost' });
+    assert.notEqual(answered.peer, struck.peer);
   },
   async rulesAreAddedSeenAndTakenAway() {
     await page.fill('#rule', 'next tomorrow');
