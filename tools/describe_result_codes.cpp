@@ -28,7 +28,8 @@ the text on the screen. How a till deals with each kind is told in [handle error
 the same from [result-codes.json](result-codes.json).
 
 **May the same call be made again?** "yes": nothing was done, so the call can be made again once the cause is mended.
-"no": it would be done twice, or is being done already. "ask first": ask the register what it has done, with
+"yes, later": nothing was done, and the call cannot be made before what keeps it from being done is over. "no": it would
+be done twice, or is being done already. "ask first": ask the register what it has done, with
 `printerStatusRead` and `StatusRead`, and with `transactionTotals` while a receipt is open. `Payment`, `executeCashIn`
 and `executeCashOut` send several commands, of which the first may be done: after these, whatever the code, ask first.
 
@@ -110,7 +111,7 @@ nlohmann::ordered_json toJson(const Bilingual& text) { return {{"en", text.en}, 
 
 nlohmann::ordered_json toJson(const ResultCode& code) {
   constexpr std::array kKnown = {"meaning", "text", "nothing"};
-  constexpr std::array kRepeat = {"yes", "no", "ask"};
+  constexpr std::array kRepeat = {"yes", "no", "ask", "later"};
   nlohmann::ordered_json json = {{"result", code.result}, {"origin", code.isDevices ? "register" : "component"}};
   if (!code.name.empty()) json["name"] = code.name;
   if (code.isDevices) json["hex"] = hexDigits(code.result);

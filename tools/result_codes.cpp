@@ -136,7 +136,9 @@ bool agrees(const ResultCode& code) {
     return (!isUncertain || code.repeating == Repeating::kAskFirst) &&
            (!isUnderWay || code.repeating == Repeating::kNo);
   }
-  if (mayBeSentAgain(code.result)) return code.repeating == Repeating::kYes;
+  if (mayBeSentAgain(code.result)) {
+    return code.repeating == Repeating::kYes || code.repeating == Repeating::kLater;
+  }
   if (endsByItself(code.result)) return code.repeating == Repeating::kNo;
   return code.repeating != Repeating::kYes || !isCritical(code.result);
 }
@@ -180,9 +182,6 @@ void requireAll(const std::vector<ResultCode>& codes) {
     if (code.repeating == Repeating::kYes && code.knowledge != Knowledge::kMeaning) {
       fail(0, title + ": nobody knows that it may be repeated");
     }
-    if (code.repeating == Repeating::kYes && code.knowledge != Knowledge::kMeaning) {
-      fail(0, title + ": nobody knows that it may be repeated");
-    }
     if (!agrees(code)) fail(0, title + ": the component holds it otherwise with repeating");
   }
   for (const auto& [isDevices, result] : wanted) {
@@ -193,7 +192,8 @@ void requireAll(const std::vector<ResultCode>& codes) {
 }  // namespace
 
 std::string_view wordFor(Repeating repeating) {
-  return repeating == Repeating::kYes ? "yes" : repeating == Repeating::kNo ? "no" : "ask first";
+  constexpr std::string_view kWords[] = {"yes", "no", "ask first", "yes, later"};
+  return kWords[static_cast<std::size_t>(repeating)];
 }
 
 std::vector<ResultCode> parseResultCodes(std::string_view text) {
@@ -210,7 +210,7 @@ std::vector<ResultCode> parseResultCodes(std::string_view text) {
       code.meaning = {values.of("en"), values.of("el")};
       code.cashier = {values.of("cashier.en"), values.of("cashier.el")};
       code.programmer = values.of("program");
-      code.repeating = static_cast<Repeating>(values.choice("repeat", {"yes", "no", "ask"}));
+      code.repeating = static_cast<Repeating>(values.choice("repeat", {"yes", "no", "ask", "later"}));
       codes.push_back(std::move(code));
     }
   }

@@ -9,7 +9,7 @@
 namespace mirvane {
 
 /// Whether the same call may be made again after a result.
-enum class Repeating { kYes, kNo, kAskFirst };
+enum class Repeating { kYes, kNo, kAskFirst, kLater };
 
 /// What is known of a code.
 enum class Knowledge { kMeaning, kTextAlone, kNothing };
@@ -35,7 +35,7 @@ struct ResultCode {
   Repeating repeating = Repeating::kAskFirst;
 };
 
-/// The words for it: "yes", "no", "ask first".
+/// The words for it: "yes", "no", "ask first", "yes, later".
 std::string_view wordFor(Repeating repeating);
 
 /// docs/result_codes.txt as it is built in.
