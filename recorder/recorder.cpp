@@ -109,7 +109,7 @@ struct Recorder::Writer {
   }
 
   bool flush() {
-    const bool written = lines.empty() || file->append(lines);
+    const bool written = lines.empty() || file->append(lines) == lines.size();
     lines.clear();
     return written;
   }

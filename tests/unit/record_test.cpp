@@ -174,9 +174,9 @@ TEST_F(Record, NoDiskHoldsTheTillUp) {
   std::promise<void> reached;
   std::promise<void> plugged;
   std::atomic<int> appends = 0;
-  files.onAppend = [&, held = plugged.get_future().share()] {
+  files.onAppend = [&, held = plugged.get_future().share()](std::size_t count) {
     if (++appends == 1) reached.set_value();
-    return held.wait(), true;
+    return held.wait(), count;
   };
   connectNetwork();
   reached.get_future().wait();
@@ -189,7 +189,7 @@ TEST_F(Record, NoDiskHoldsTheTillUp) {
   EXPECT_GT(std::stoi(lost->substr(5)), 1000);
 
   std::atomic<int> failures = 0;
-  files.onAppend = [&failures] { return ++failures > 1; };
+  files.onAppend = [&failures](std::size_t count) { return ++failures > 1 ? count : 0; };
   connectNetwork();
   while (moduleState().recorder->isAlive()) std::this_thread::yield();
   run(*driver, "FeedPaper", Short{3});
