@@ -81,8 +81,7 @@ struct Recorder::Writer {
 
   bool writeBatch() {
     for (Event& event : batch) {
-      if (event.kind == EventKind::kSent) event.text = secrets.maskedSent(event.text);
-      if (isOfLine(event.kind) && event.kind != EventKind::kSent) event.text = secrets.maskedReceived(event.text);
+      event.text = secrets.masked(event.kind, event.text);
       for (std::size_t at = 0; at == 0 || at < event.text.size(); at += kLongestText) {
         std::string text = event.text.substr(at, kLongestText);
         const auto number = isOfLine(event.kind) ? static_cast<std::int32_t>(text.size()) : event.number;

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "platform/ports.h"
-#include "recorder/record_line.h"
+#include "recorder/secrets.h"
 
 namespace mirvane::recorder {
 

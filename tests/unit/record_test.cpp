@@ -56,44 +56,6 @@ TEST(RecordLine, WhatIsNoLineIsNone) {
   EXPECT_FALSE(parsedEvent("2026-11-22"));
 }
 
-TEST(RecordLine, TheServersKeyIsNotTold) {
-  const struct {
-    const char* sent;
-    const char* received;
-    const char* shownSent;
-    const char* shownReceived;
-  } cases[] = {
-      {"]/1/http:~~a.gr~x.php/8080/KEY/////q/12", "00/00/00/", "]/1/http:~~a.gr~x.php/***/***/////***/***",
-       "00/00/00/"},
-      {"]/1/http://a.gr/x.php/8080/KEY/12", "00/00/00/",
-       "]/1/http:/"
-       "/***/***/***/***/***",
-       "00/00/00/"},
-      {",/0/12",
-       "00/00/04/1/http:/"
-       "/a.gr/x.php/8080/KEY////q/r/",
-       ",/0/12",
-       "00/00/04/1/http:/"
-       "/a.gr/x.php/8080/***////***/***/"},
-      {",/0/12", "00/00/04/1/http:~~a/KEY/", ",/0/12", "00/00/04/1/http:~~a/***/"},
-      {",/1/12", "8080/KEY/", ",/1/12", "***/***/"},
-      {"3/S//12", "00/00/04/1/2/3/KEY", "3/S//12", "00/00/04/1/2/3/KEY"},
-  };
-  for (const auto& [sent, received, shownSent, shownReceived] : cases) {
-    Secrets secrets;
-    EXPECT_EQ(secrets.maskedSent(std::string("\x02") + sent + "\x03"), std::string("\x02") + shownSent + "\x03");
-    const std::string stx = std::string(received).starts_with("00") ? "\x02" : "";
-    EXPECT_EQ(secrets.maskedReceived(stx + received + "\x03"), stx + shownReceived + "\x03");
-  }
-  Secrets late;
-  late.maskedSent("\x02,/0/12\x03");
-  late.maskedSent("\x02v/12\x03");
-  EXPECT_EQ(late.maskedReceived("\x02"
-                                "00/00/00/1/u/80/KEY\x03"),
-            "\x02"
-            "00/00/00/1/u/80/***\x03");
-}
-
 class Record : public DriverTest {
  protected:
   Record() {
@@ -166,6 +128,28 @@ TEST_F(Record, OnANetworkEachDatagramHasALine) {
                                                "sent          8 <STX>,/0/86<ETX>", "received      1 <ACK>",
                                                "received     29 <STX>00/00/00/1/http:~~a/80/***/<ETX>",
                                                "sent          1 <ACK>"}));
+}
+
+TEST_F(Record, AKeyStandsInNoEventWhateverWasSentBefore) {
+  const std::string key = "0123456789abcdefABCDEF98765432100f1e2d3c4b5a69788796a5b4c3d2e1f0", mask(64, '*');
+  connectNetwork();
+  recordBytes(EventKind::kDropped, "\x02\x30\x30/00/00/1/http:~~a/80/" + key + "////\x03");
+  recordBytes(EventKind::kReceived, "80/" + key.substr(0, 20));
+  recordBytes(EventKind::kReceived, key.substr(20) + "/");
+  recordBytes(EventKind::kSent, "\x02!/" + key + "/12\x03");
+  for (const auto kind : {EventKind::kCall, EventKind::kEnded, EventKind::kBroken, EventKind::kWaited}) {
+    record(kind, 0, fromUtf8("FeedPaper: " + key + " Λάθος"));
+  }
+  showBox(fromUtf8("80/" + key.substr(0, 31)), 16, u"Varlen Fiscal");
+  std::vector<std::string> told = lines();
+  told.erase(told.begin());
+  EXPECT_EQ(told, (std::vector<std::string>{
+                      "dropped      93 <STX>00/00/00/1/http:~~a/80/" + mask + "////<ETX>",
+                      "received     23 80/" + mask.substr(0, 20), "received     45 " + mask.substr(20) + "/",
+                      "sent         71 <STX>!/" + mask + "/12<ETX>", "call          0 FeedPaper: " + mask + " Λάθος",
+                      "ended         0 FeedPaper: " + mask + " Λάθος", "broken        0 FeedPaper: " + mask + " Λάθος",
+                      "waited        0 FeedPaper: " + mask + " Λάθος",
+                      "box          16 Varlen Fiscal: 80/" + mask.substr(0, 31)}));
 }
 
 // What the disk does not take is dropped and counted; a disk that is full ends the record, and the next connection
