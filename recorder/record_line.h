@@ -17,6 +17,8 @@
 //            without a character in the register's code page is its hexadecimal number (<x8F>): so the bytes can be
 //            read back. A secret is "*"s, see recorder/secrets.h.
 //
+// A line that was cut off for good, its process having ended, has "<cut>" for its rest where another goes on behind it.
+//
 //   2026-11-22 08:31:05.120 +02:00 call          0 ItemSale
 //   2026-11-22 08:31:05.120 +02:00 sent          3 <CAN><CAN><ENQ>
 //   2026-11-22 08:31:05.122 +02:00 sent         38 <STX>3/S//Καφες///1.000/2.50/1/24.00/1/13<ETX>
