@@ -121,11 +121,12 @@ bool RecordFiles::canGoOn() const {
 bool RecordFiles::open() {
   const Text program = fileSafe(process_.name);
   const std::vector<File> files = filesNewestFirst();
-  const auto latest = std::ranges::find_if(
-      files, [&](const File& file) { return file.name.ends_with(u"-" + program + Text(kSuffix)); });
-  const bool goesOn = latest != files.end() && latest->name == nameOf(latest->number, day_, program) &&
-                      latest->size + lines_.size() + kMostHead <= limits_.file;
-  if (goesOn && take(latest->name)) return true;
+  for (const File& file : files) {
+    if (!file.name.ends_with(u"-" + program + Text(kSuffix))) continue;
+    // Of another day, and so are all older ones, or the clock has jumped.
+    if (file.name != nameOf(file.number, day_, program)) break;
+    if (file.size + lines_.size() + kMostHead <= limits_.file && take(file.name)) return true;
+  }
   // Another process of the program may have been quicker, and one may still hold a file that was removed.
   constexpr std::uint32_t kTries = 16;
   const std::uint32_t last = files.empty() ? 0 : files.front().number;

@@ -18,8 +18,8 @@ struct Limits {
 ///
 /// A file, "line-000042-20261122-till.exe.txt", holds a day of a program; where a process begins to write stands a
 /// "started". The number is one more than the greatest that is there, so it tells which file was begun later, whatever
-/// the clock says. The next process of the program goes on in the program's latest file, unless that is of another day,
-/// full, or being written. Whoever begins a file removes the oldest beyond the limits, but none that is being written.
+/// the clock says. Another process of the program goes on in the latest of the day's files that is neither full nor
+/// being written. Whoever begins a file removes the oldest beyond the limits, but none that is being written.
 ///
 /// When the file is gone, by itself or with its folder, a new one is begun in the folder that is there now. What could
 /// not be written is told in a "lost" as soon as something can be.

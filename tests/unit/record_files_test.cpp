@@ -161,20 +161,22 @@ TEST_F(RecordFolder, ALineThatAnEndedProcessLeftCutIsNone) {
   }
 }
 
-TEST_F(RecordFolder, AProcessGoesOnInTheFileOfTheOneBefore) {
-  for (int i = 0; i < 9; ++i) tell(*process(), "a");
-  EXPECT_EQ(told(), "1:25 >a>a>a>a>a>a>a>a>a");
-  // But not in one that is being written, and not behind a later one.
-  const auto other = process(), third = process();
-  tell(*other, "b");
-  tell(*third, "c");
-  tell("d");
-  tell(*other, "e");
-  EXPECT_EQ(told(), "1:25 >a>a>a>a>a>a>a>a>a>be 2:25 >c 3:25 >d");
+TEST_F(RecordFolder, ADayOfAProgramHasAsManyFilesAsWroteAtATime) {
+  for (const char text : std::string("abc")) tell(*process(), {text});
+  EXPECT_EQ(told(), "1:25 >a>b>c");
+  auto other = process();
+  tell(*other, "d");
+  tell("e");
+  for (const char text : std::string("fgh")) {
+    other = process();
+    tell(*other, {text});
+    std::swap(own, other);
+  }
+  EXPECT_EQ(told(), "1:25 >a>b>c>d>f>h 2:25 >e>g");
   clock.startOfDay += 86400;
-  tell(*third, "f");
-  tell(*other, "g");
-  EXPECT_EQ(told().substr(24), "be 2:25 >c 3:25 >d 4:26 >f 5:26 >g");
+  tell(*other, "i");
+  tell("j");
+  EXPECT_EQ(told(), "1:25 >a>b>c>d>f>h 2:25 >e>g 3:26 >i 4:26 >j");
 }
 
 TEST_F(RecordFolder, TheFilesBegunLastAreKeptAndThoseBeingWritten) {
