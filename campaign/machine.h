@@ -59,6 +59,7 @@ class Disk : public platform::Files {
   bool replace(TextView path, std::string_view bytes) override;
   bool isFolder(TextView) override { return false; }
   std::vector<Text> fileNames(TextView) override { return {}; }
+  std::optional<std::uint64_t> fileSize(TextView) override { return std::nullopt; }
   std::unique_ptr<platform::GrowingFile> grow(TextView) override { return nullptr; }
   void remove(TextView) override {}
 

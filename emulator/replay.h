@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "emulator/line.h"
-#include "recorder/record_line.h"
+#include "recorder/secrets.h"
 
 namespace mirvane::emulator {
 

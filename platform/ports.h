@@ -159,14 +159,15 @@ class Screen {
   virtual void traceLine(TextView line) = 0;
 };
 
-/// A file that grows at its end; others may read, rename and remove it meanwhile. It is closed when it is destroyed.
+/// A file that grows at its end, by this one alone; others may read, rename and remove it meanwhile. It is closed when
+/// it is destroyed.
 class GrowingFile {
  public:
   virtual ~GrowingFile() = default;
 
   virtual std::uint64_t size() = 0;
-  /// False when not all of it could be written.
-  virtual bool append(std::string_view bytes) = 0;
+  /// How many of the bytes were written, from the first on: fewer than all when the disk is full.
+  virtual std::size_t append(std::string_view bytes) = 0;
 };
 
 /// Paths are those of the machine that tills run on: "\\" between folders. Any thread may ask.
@@ -187,8 +188,12 @@ class Files {
   virtual bool isFolder(TextView folder) = 0;
   /// The names of the files in a folder, in any order.
   virtual std::vector<Text> fileNames(TextView folder) = 0;
-  /// Opens a file for more at its end, and makes it where it is missing; null when it cannot be.
+  /// The size of a file in bytes; nothing when there is no file of that name, or none any more.
+  virtual std::optional<std::uint64_t> fileSize(TextView path) = 0;
+  /// Opens a file for more at its end, and makes it where it is missing; null when it cannot be, or grows already, in
+  /// whichever program.
   virtual std::unique_ptr<GrowingFile> grow(TextView path) = 0;
+  /// Removes a file, unless it grows, in whichever program.
   virtual void remove(TextView path) = 0;
 };
 

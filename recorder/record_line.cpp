@@ -5,9 +5,8 @@
 #include <charconv>
 #include <chrono>
 #include <cstdio>
-#include <utility>
 
-#include "protocol/wire.h"
+#include "text/code_page.h"
 
 namespace mirvane::recorder {
 namespace {
@@ -21,7 +20,6 @@ constexpr std::array<std::string_view, 32> kControls = {
 constexpr std::string_view kLessThan = "LT";
 constexpr std::string_view kDelete = "DEL";
 constexpr char kDeleteByte = 0x7F;
-constexpr std::string_view kMask = "***";
 
 std::string hex(std::uint8_t byte) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
@@ -130,31 +128,6 @@ class Stamp {
   std::string_view line_;
 };
 
-bool isControl(char c) { return c == wire::kStx || c == wire::kEtx || c == wire::kAck || c == wire::kNak; }
-
-// Each field's own text from field `first` on becomes the mask; fields before it, and what frames them, stay.
-std::string masked(std::string_view bytes, std::size_t first) {
-  std::string result;
-  std::size_t field = 0;
-  bool isMasked = false;
-  for (const char c : bytes) {
-    if (c == '/') ++field;
-    if (c == '/' || isControl(c)) {
-      isMasked = false;
-      result += c;
-    } else if (field < first) {
-      result += c;
-    } else if (!std::exchange(isMasked, true)) {
-      result += kMask;
-    }
-  }
-  return result;
-}
-
-bool isNumber(std::string_view field) {
-  return !field.empty() && field.find_first_not_of("0123456789") == std::string_view::npos;
-}
-
 }  // namespace
 
 std::string formatted(const Event& event, int zone) {
@@ -194,31 +167,6 @@ std::optional<Event> parsedEvent(std::string_view line) {
   if (line.front() != ' ' || !text) return {};
   event.text = *text;
   return event;
-}
-
-std::string Secrets::maskedSent(std::string_view bytes) {
-  if (bytes.empty() || bytes.front() != wire::kStx) return std::string(bytes);
-  const std::string_view command = bytes.substr(1);
-  wasServer_ = isServer_;
-  isServer_ = command.starts_with(",/") || command.starts_with("]/");
-  // "]/" active, URL, port, key: a URL may have been given with slashes of its own.
-  constexpr std::size_t kBehindUrl = 3;
-  return command.starts_with("]/") ? masked(bytes, kBehindUrl) : std::string(bytes);
-}
-
-std::string Secrets::maskedReceived(std::string_view bytes) const {
-  if (!isServer_ && !wasServer_) return std::string(bytes);
-  // Result, printer, fiscal, active, then the URL in one piece or several, its port, the key. The first field that
-  // could be the port is the port, or stands before it.
-  constexpr std::size_t kFirstPort = 5;
-  std::size_t field = 0;
-  if (!bytes.starts_with(wire::kStx)) return masked(bytes, field);
-  for (std::size_t at = 0; at != std::string_view::npos && at < bytes.size(); ++field) {
-    const std::size_t end = std::min(bytes.find('/', at), bytes.size());
-    if (field >= kFirstPort && isNumber(bytes.substr(at, end - at))) return masked(bytes, field + 1);
-    at = end + 1;
-  }
-  return masked(bytes, kFirstPort);
 }
 
 }  // namespace mirvane::recorder

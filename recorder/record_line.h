@@ -15,7 +15,9 @@
 //   kind   = the event, see EventKind; number = decimal, with a "-" below 0: its meaning is the kind's
 //   text   = what the event is about. Control characters stand by name (<STX>, <ACK>, <CR>), a "<" is <LT>, and a byte
 //            without a character in the register's code page is its hexadecimal number (<x8F>): so the bytes can be
-//            read back. A secret field is "***".
+//            read back. A secret is "*"s, see recorder/secrets.h.
+//
+// A line that was cut off for good, its process having ended, has "<cut>" for its rest where another goes on behind it.
 //
 //   2026-11-22 08:31:05.120 +02:00 call          0 ItemSale
 //   2026-11-22 08:31:05.120 +02:00 sent          3 <CAN><CAN><ENQ>
@@ -64,20 +66,5 @@ std::string formatted(const Event& event, int zone);
 /// The event of a line, without its line end; nothing where it is no line of a record. Where a file was cut off, its
 /// last line lacks the end and may lack more.
 std::optional<Event> parsedEvent(std::string_view line);
-
-/// Blanks secrets out of the bytes of a conversation: the key of the server, which "]/" sets and the reply to ",/0/"
-/// tells. Each field from where the key can be on becomes "***", whatever stands between.
-class Secrets {
- public:
-  /// Bytes of the till, as they are sent: a whole frame at a time.
-  std::string maskedSent(std::string_view bytes);
-  /// Bytes of the register.
-  std::string maskedReceived(std::string_view bytes) const;
-
- private:
-  // A late reply may come behind the next command.
-  bool wasServer_ = false;
-  bool isServer_ = false;
-};
 
 }  // namespace mirvane::recorder

@@ -2,23 +2,18 @@
 
 #include <memory>
 
-#include "platform/ports.h"
-#include "recorder/record_line.h"
+#include "recorder/record_files.h"
 
 namespace mirvane::recorder {
 
 /// Writes the flight record of this process into a folder, from a thread of its own: whoever tells an event never waits
-/// for the disk. What the disk cannot take as fast as it comes is dropped, and how much is told in the record.
-///
-/// A file holds one day of one process, "line-20261122-till.exe-4711.txt", and has at most 8 MB; then "…-4711-2.txt"
-/// goes on. A process keeps its 4 newest files. Files of the record that are older than 31 days are removed.
+/// for the disk. What the disk cannot take, or not as fast as it comes, is dropped, and how much is told in the record.
+/// While the folder is gone or the disk full it tries again every second that something happens.
 class Recorder {
  public:
-  static constexpr std::uint64_t kLargestFile = 8 << 20;
-
   /// `folder` has no separator at its end. `files` and `clock` have to outlast the recorder, and its thread where that
   /// hangs in one of their calls.
-  Recorder(platform::Files& files, platform::Clock& clock, Text folder, std::uint64_t largestFile = kLargestFile);
+  Recorder(platform::Files& files, platform::Clock& clock, Text folder, const Limits& limits = {});
   Recorder(const Recorder&) = delete;
   Recorder& operator=(const Recorder&) = delete;
   /// Waits until all is written, for two seconds at most.
@@ -27,7 +22,7 @@ class Recorder {
   /// Adds an event of now. `text` as in Event, with its secrets.
   void add(EventKind kind, std::int32_t number, std::string text);
 
-  /// False once the folder could not be written: nothing is recorded any more.
+  /// False once memory has run out: nothing is recorded any more.
   bool isAlive() const;
 
   /// Writes what is left, when the process ends and has no other threads any more.

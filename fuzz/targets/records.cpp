@@ -1,9 +1,9 @@
 // Flight records: events become lines and are read back, and lines of any kind, an attacker's too, are read. An input:
-// a byte of how (the low four bits the event's kind, 16 hides a server's key), eight bytes of time and zone, eight of
-// the number, and the event's text, a line, or the server's address.
+// a byte of how (the low four bits the event's kind, 16 hides a server's key, 32 a key in pieces), eight bytes of time
+// and zone, eight of the number, and the event's text, a line, the server's address, or what stands around the key.
 
 #include "fuzz/machine.h"
-#include "recorder/record_line.h"
+#include "recorder/secrets.h"
 
 namespace mirvane::fuzz {
 namespace {
@@ -38,12 +38,33 @@ void checkSecrets(const std::string& server) {
   const std::string set = secrets.maskedSent("\x02]/1/" + server + "/8080" + end + "12\x03");
   require(set.find(kKey) == std::string::npos, "the key of a setServer");
   secrets.maskedSent("\x02,/0/12\x03");
-  const std::string told = secrets.maskedReceived(
-      "\x02"
-      "00/00/00/1/" +
-      server + "/8080" + end + "\x03");
+  const std::string told = secrets.masked(EventKind::kReceived,
+                                          "\x02"
+                                          "00/00/00/1/" +
+                                              server + "/8080" + end + "\x03");
   require(told.find(kKey) == std::string::npos, "the key of a getServer");
-  secrets.maskedReceived(server);
+  secrets.masked(EventKind::kReceived, server);
+}
+
+// However a key comes in pieces, and whatever stood before it, no eight digits of it are told.
+void checkKey(const std::string& before, std::size_t first, std::size_t size) {
+  const std::string key = "0123456789abcdefABCDEF98765432100f1e2d3c4b5a69788796a5b4c3d2e1f0";
+  const auto isToldIn = [&key](const std::string& text) {
+    constexpr std::size_t kPart = 8;
+    for (std::size_t i = 0; i + kPart <= key.size(); ++i) {
+      if (text.find(key.substr(i, kPart)) != std::string::npos) return true;
+    }
+    return false;
+  };
+  if (isToldIn(before)) return;
+  Secrets secrets;
+  secrets.masked(EventKind::kReceived, before);
+  secrets.masked(EventKind::kSent, before);
+  std::string shown = secrets.masked(EventKind::kReceived, before + key.substr(0, first));
+  for (std::size_t at = first; at < key.size(); at += size) {
+    shown += secrets.masked(at % 2 == 0 ? EventKind::kDropped : EventKind::kReceived, key.substr(at, size));
+  }
+  require(!isToldIn(shown), "the key in pieces");
 }
 
 void run(Input input) {
@@ -56,6 +77,7 @@ void run(Input input) {
   checkEvent({static_cast<std::int64_t>(moment % kYear9999), kind, number, text}, zone);
   checkLine(text);
   if ((how & 16U) != 0) checkSecrets(text);
+  if ((how & 32U) != 0) checkKey(text, moment % 65, 1 + (moment >> 8U) % 64);
 }
 
 }  // namespace

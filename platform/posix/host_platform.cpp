@@ -1,6 +1,7 @@
 #include "platform/posix/host_platform.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -125,16 +126,20 @@ class TerminalScreen : public Screen {
   }
 };
 
-// All bytes, or false.
-bool writeAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const auto count = write(file, bytes.data(), bytes.size());
+// How many bytes were written.
+std::size_t writeAll(int file, std::string_view bytes) {
+  std::size_t written = 0;
+  while (written < bytes.size()) {
+    const auto count = write(file, bytes.data() + written, bytes.size() - written);
     if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(count));
+    if (count <= 0) break;
+    written += static_cast<std::size_t>(count);
   }
-  return true;
+  return written;
 }
+
+// Until it is closed; by nobody else, in whichever program.
+bool lock(int file) { return flock(file, LOCK_EX | LOCK_NB) == 0; }
 
 class PosixGrowingFile : public GrowingFile {
  public:
@@ -143,7 +148,7 @@ class PosixGrowingFile : public GrowingFile {
   PosixGrowingFile& operator=(const PosixGrowingFile&) = delete;
   ~PosixGrowingFile() override { close(file_); }
   std::uint64_t size() override { return static_cast<std::uint64_t>(lseek(file_, 0, SEEK_END)); }
-  bool append(std::string_view bytes) override { return writeAll(file_, bytes); }
+  std::size_t append(std::string_view bytes) override { return writeAll(file_, bytes); }
 
  private:
   int file_;
@@ -185,18 +190,30 @@ class PosixFiles : public Files {
     for (; !error && at != end(at); at.increment(error)) names.push_back(fromUtf8(at->path().filename().string()));
     return names;
   }
+  std::optional<std::uint64_t> fileSize(TextView path) override {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(localPath(path), error);
+    return error ? std::nullopt : std::optional<std::uint64_t>(size);
+  }
   std::unique_ptr<GrowingFile> grow(TextView path) override {
     const int file = open(localPath(path).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     if (file < 0) return nullptr;
-    return std::make_unique<PosixGrowingFile>(file);
+    auto growing = std::make_unique<PosixGrowingFile>(file);
+    if (!lock(file)) return nullptr;
+    return growing;
   }
-  void remove(TextView path) override { std::remove(localPath(path).c_str()); }
+  void remove(TextView path) override {
+    const int file = open(localPath(path).c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) return;
+    if (lock(file)) unlink(localPath(path).c_str());
+    close(file);
+  }
 
  private:
   static bool writeToDisk(const std::string& name, std::string_view bytes) {
     const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (file < 0) return false;
-    const bool onDisk = writeAll(file, bytes) && fsync(file) == 0;
+    const bool onDisk = writeAll(file, bytes) == bytes.size() && fsync(file) == 0;
     return close(file) == 0 && onDisk;
   }
 };

@@ -145,10 +145,10 @@ class WindowsGrowingFile : public GrowingFile {
     return static_cast<std::uint64_t>(size.QuadPart);
   }
 
-  bool append(std::string_view bytes) override {
+  std::size_t append(std::string_view bytes) override {
     DWORD count = 0;
-    return WriteFile(file_, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) != FALSE &&
-           count == bytes.size();
+    WriteFile(file_, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr);
+    return count;
   }
 
  private:
@@ -214,15 +214,27 @@ class WindowsFiles : public Files {
     return names;
   }
 
+  // A file that was removed while it is open keeps its name until it is closed, but has no attributes any more.
+  std::optional<std::uint64_t> fileSize(TextView path) override {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (GetFileAttributesExW(toWide(path).c_str(), GetFileExInfoStandard, &data) == FALSE) return std::nullopt;
+    if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return std::nullopt;
+    return static_cast<std::uint64_t>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
+  }
+
   std::unique_ptr<GrowingFile> grow(TextView path) override {
-    const HANDLE file =
-        CreateFileW(toWide(path).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE file = CreateFileW(toWide(path).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return nullptr;
     return std::make_unique<WindowsGrowingFile>(file);
   }
 
-  void remove(TextView path) override { DeleteFileW(toWide(path).c_str()); }
+  // Opened by nobody else: a plain removal would take the file from under whoever writes it.
+  void remove(TextView path) override {
+    const HANDLE file =
+        CreateFileW(toWide(path).c_str(), DELETE, 0, nullptr, OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
+  }
 
  private:
   static bool isFolder(const std::wstring& path) {

@@ -6,6 +6,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -145,18 +146,18 @@ class FakeFiles : public platform::Files {
     for (const auto& file : below(toUtf8(folder) + "\\")) names.push_back(fromUtf8(file.first));
     return names;
   }
-  std::unique_ptr<platform::GrowingFile> grow(TextView path) override {
-    struct File : platform::GrowingFile {
-      File(FakeFiles& itsFiles, std::string& itsBytes) : files(itsFiles), content(itsBytes) {}
-      std::uint64_t size() override { return content.size(); }
-      bool append(std::string_view bytes) override { return content += bytes, files.onAppend(); }
-      FakeFiles& files;
-      std::string& content;
-    };
-    if (path.starts_with(unwritable)) return nullptr;
-    return std::make_unique<File>(*this, contents[Text(path)]);
+  std::optional<std::uint64_t> fileSize(TextView path) override {
+    const auto file = contents.find(Text(path));
+    return file == contents.end() ? std::nullopt : std::optional<std::uint64_t>(file->second.size());
   }
-  void remove(TextView path) override { contents.erase(Text(path)); }
+  std::unique_ptr<platform::GrowingFile> grow(TextView path) override {
+    if (path.starts_with(unwritable) || !growing.insert(Text(path)).second) return nullptr;
+    contents[Text(path)];
+    return std::make_unique<Growing>(*this, Text(path));
+  }
+  void remove(TextView path) override {
+    if (!growing.contains(Text(path))) contents.erase(Text(path));
+  }
   /// A catalogue of so many languages; `fields` (UTF-8) stand one after the other, message by message.
   void setCatalogue(std::uint8_t languages, const std::map<std::size_t, std::string>& fields, std::size_t messages) {
     std::string file(1, static_cast<char>(languages));
@@ -186,8 +187,32 @@ class FakeFiles : public platform::Files {
   Text unwritable = u"?";
   /// The one folder that is there.
   Text recordFolder;
-  /// What comes of more at a file's end.
-  std::function<bool()> onAppend = [] { return true; };
+  /// How many of so many bytes more the disk takes at a file's end.
+  std::function<std::size_t(std::size_t)> onAppend = [](std::size_t count) { return count; };
+  /// The files that grow, of whatever program.
+  std::set<Text> growing;
+
+ private:
+  // What is written to a file that was removed meanwhile is nowhere.
+  class Growing : public platform::GrowingFile {
+   public:
+    Growing(FakeFiles& files, Text path) : files_(files), path_(std::move(path)) {}
+    Growing(const Growing&) = delete;
+    Growing& operator=(const Growing&) = delete;
+    ~Growing() override { files_.growing.erase(path_); }
+    std::uint64_t size() override { return files_.fileSize(path_).value_or(0); }
+    std::size_t append(std::string_view bytes) override {
+      const std::size_t count = files_.onAppend(bytes.size());
+      if (const auto file = files_.contents.find(path_); file != files_.contents.end()) {
+        file->second += bytes.substr(0, count);
+      }
+      return count;
+    }
+
+   private:
+    FakeFiles& files_;
+    const Text path_;
+  };
 };
 
 }  // namespace mirvane::test

@@ -56,44 +56,6 @@ TEST(RecordLine, WhatIsNoLineIsNone) {
   EXPECT_FALSE(parsedEvent("2026-11-22"));
 }
 
-TEST(RecordLine, TheServersKeyIsNotTold) {
-  const struct {
-    const char* sent;
-    const char* received;
-    const char* shownSent;
-    const char* shownReceived;
-  } cases[] = {
-      {"]/1/http:~~a.gr~x.php/8080/KEY/////q/12", "00/00/00/", "]/1/http:~~a.gr~x.php/***/***/////***/***",
-       "00/00/00/"},
-      {"]/1/http://a.gr/x.php/8080/KEY/12", "00/00/00/",
-       "]/1/http:/"
-       "/***/***/***/***/***",
-       "00/00/00/"},
-      {",/0/12",
-       "00/00/04/1/http:/"
-       "/a.gr/x.php/8080/KEY////q/r/",
-       ",/0/12",
-       "00/00/04/1/http:/"
-       "/a.gr/x.php/8080/***////***/***/"},
-      {",/0/12", "00/00/04/1/http:~~a/KEY/", ",/0/12", "00/00/04/1/http:~~a/***/"},
-      {",/1/12", "8080/KEY/", ",/1/12", "***/***/"},
-      {"3/S//12", "00/00/04/1/2/3/KEY", "3/S//12", "00/00/04/1/2/3/KEY"},
-  };
-  for (const auto& [sent, received, shownSent, shownReceived] : cases) {
-    Secrets secrets;
-    EXPECT_EQ(secrets.maskedSent(std::string("\x02") + sent + "\x03"), std::string("\x02") + shownSent + "\x03");
-    const std::string stx = std::string(received).starts_with("00") ? "\x02" : "";
-    EXPECT_EQ(secrets.maskedReceived(stx + received + "\x03"), stx + shownReceived + "\x03");
-  }
-  Secrets late;
-  late.maskedSent("\x02,/0/12\x03");
-  late.maskedSent("\x02v/12\x03");
-  EXPECT_EQ(late.maskedReceived("\x02"
-                                "00/00/00/1/u/80/KEY\x03"),
-            "\x02"
-            "00/00/00/1/u/80/***\x03");
-}
-
 class Record : public DriverTest {
  protected:
   Record() {
@@ -168,15 +130,36 @@ TEST_F(Record, OnANetworkEachDatagramHasALine) {
                                                "sent          1 <ACK>"}));
 }
 
-// What the disk does not take is dropped and counted; a disk that is full ends the record, and the next connection
-// begins a new one. The till does not notice.
+TEST_F(Record, AKeyStandsInNoEventWhateverWasSentBefore) {
+  const std::string key = "0123456789abcdefABCDEF98765432100f1e2d3c4b5a69788796a5b4c3d2e1f0", mask(64, '*');
+  connectNetwork();
+  recordBytes(EventKind::kDropped, "\x02\x30\x30/00/00/1/http:~~a/80/" + key + "////\x03");
+  recordBytes(EventKind::kReceived, "80/" + key.substr(0, 20));
+  recordBytes(EventKind::kReceived, key.substr(20) + "/");
+  recordBytes(EventKind::kSent, "\x02!/" + key + "/12\x03");
+  for (const auto kind : {EventKind::kCall, EventKind::kEnded, EventKind::kBroken, EventKind::kWaited}) {
+    record(kind, 0, fromUtf8("FeedPaper: " + key + " Λάθος"));
+  }
+  showBox(fromUtf8("80/" + key.substr(0, 31)), 16, u"Varlen Fiscal");
+  std::vector<std::string> told = lines();
+  told.erase(told.begin());
+  EXPECT_EQ(told, (std::vector<std::string>{
+                      "dropped      93 <STX>00/00/00/1/http:~~a/80/" + mask + "////<ETX>",
+                      "received     23 80/" + mask.substr(0, 20), "received     45 " + mask.substr(20) + "/",
+                      "sent         71 <STX>!/" + mask + "/12<ETX>", "call          0 FeedPaper: " + mask + " Λάθος",
+                      "ended         0 FeedPaper: " + mask + " Λάθος", "broken        0 FeedPaper: " + mask + " Λάθος",
+                      "waited        0 FeedPaper: " + mask + " Λάθος",
+                      "box          16 Varlen Fiscal: 80/" + mask.substr(0, 31)}));
+}
+
+// What the disk does not take is dropped and counted. The till does not notice.
 TEST_F(Record, NoDiskHoldsTheTillUp) {
   std::promise<void> reached;
   std::promise<void> plugged;
   std::atomic<int> appends = 0;
-  files.onAppend = [&, held = plugged.get_future().share()] {
+  files.onAppend = [&, held = plugged.get_future().share()](std::size_t count) {
     if (++appends == 1) reached.set_value();
-    return held.wait(), true;
+    return held.wait(), count;
   };
   connectNetwork();
   reached.get_future().wait();
@@ -187,45 +170,17 @@ TEST_F(Record, NoDiskHoldsTheTillUp) {
   const auto lost = std::find_if(told.begin(), told.end(), [](const auto& line) { return line.starts_with("lost"); });
   ASSERT_NE(lost, told.end());
   EXPECT_GT(std::stoi(lost->substr(5)), 1000);
-
-  std::atomic<int> failures = 0;
-  files.onAppend = [&failures] { return ++failures > 1; };
-  connectNetwork();
-  while (moduleState().recorder->isAlive()) std::this_thread::yield();
-  run(*driver, "FeedPaper", Short{3});
-  EXPECT_EQ(Result, 0);
-  connectNetwork();
-  EXPECT_TRUE(moduleState().recorder->isAlive());
-  moduleState().recorder = nullptr;
 }
 
-TEST_F(Record, KeepsFourFilesOfAProcessAndAMonthOfDays) {
-  for (const char16_t* name : {u"line-20240222-a.txt", u"line-20240223-a.txt", u"notes-20200101.txt", u"line-x.txt"}) {
-    files.contents[files.recordFolder + u"\\" + name] = "before";
-  }
-  constexpr std::size_t kLargest = 2000;
-  for (const double day : {0, 86400}) {
-    clock.startOfDay += day;
-    recorder::Recorder recorder(files, clock, files.recordFolder, kLargest);
-    for (int i = 0; i < 60; ++i) recorder.add(recorder::EventKind::kSent, 0, std::string(100, 'x'));
-  }
-  std::vector<std::string> names;
-  for (const auto& [name, content] : files.below("C:\\till\\records\\")) {
-    names.push_back(name);
-    EXPECT_LE(content.size(), kLargest) << name;
-  }
-  std::vector<std::string> expected;
-  const platform::Process process = platform::hostProcess();
-  std::string program = toUtf8(process.name);
-  std::replace(program.begin(), program.end(), '-', '_');
-  for (const char* day : {"25", "26"}) {
-    for (const char* part : {"-2", "-3", "-4", "-5"}) {
-      expected.push_back(std::string("line-202403") + day + "-" + program + "-" + std::to_string(process.id) + part +
-                         ".txt");
-    }
-  }
-  expected.insert(expected.end(), {"line-x.txt", "notes-20200101.txt"});
-  EXPECT_EQ(names, expected);
+TEST_F(Record, GoesOnWhenTheDiskTakesMoreAgain) {
+  std::atomic<int> appends = 0;
+  files.onAppend = [&appends](std::size_t count) { return ++appends == 2 ? 40 : count; };
+  connectNetwork();
+  while (appends < 1) std::this_thread::yield();
+  run(*driver, "DisConnect_", u"");
+  while (appends < 2) std::this_thread::yield();
+  EXPECT_TRUE(moduleState().recorder->isAlive());
+  EXPECT_EQ(lines(), (std::vector<std::string>{"open          0 10.0.0.5:9100", "close         0 10.0.0.5:9100"}));
 }
 
 }  // namespace

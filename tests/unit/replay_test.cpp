@@ -72,7 +72,19 @@ TEST(Replay, AnswersInTimeHoweverTheBytesAreCutAndUpToWhereTheRecordIsCut) {
 TEST(Replay, TheFirstDifferenceIsToldAndNoSecretIsOne) {
   const std::string here = "different at line 3 of the record\n  then  sent         11 <STX>3/S//Κ/15<ETX>\n  now   ";
   const std::string secret = recordOf("00.000 sent 9 <STX>]/1/http:/***/***/***<ETX>\n");
+  const std::string stars(32, '*'), digits(32, 'a'), key = recordOf("00.000 sent 39 <STX>!/" + stars + "/77<ETX>\n");
+  const std::string torn =
+      recordOf("00.000 sent 11 <STX>!/********\n00.000 broken 5 x\n09.000 open 0 COM5\n09.000 sent 1 <ENQ>\n");
   const std::tuple<std::string, std::string, std::string> cases[] = {
+      {key, "\x02!/" + digits + "/77\x03", "as recorded, up to line 1, the end"},
+      {key, "\x02!/" + digits + "/78\x03",
+       "different at line 1 of the record\n  then  sent         39 <STX>!/" + stars +
+           "/77<ETX>\n"
+           "  now   sent         39 <STX>!/" +
+           stars + "/78<ETX>"},
+      {torn, "\x02!/" + digits + "/77\x03",
+       "0 ms away 4500 ms, different at line 4 of the record\n"
+       "  then  sent          1 <ENQ>\n  now   the end"},
       {kRecord, kStart + "\x02\x33/S//<B/15\x03", here + "sent         12 <STX>3/S//<LT>B/15<ETX>"},
       {kRecord, kStart + kStart, here + "sent          1 <CAN>"},
       {kRecord, kStart + "\x02\x33/S\x05", here + "sent          4 <STX>3/S"},

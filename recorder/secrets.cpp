@@ -1,0 +1,90 @@
+#include "recorder/secrets.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "protocol/wire.h"
+
+namespace mirvane::recorder {
+namespace {
+
+constexpr std::string_view kMask = "***";
+constexpr std::string_view kHexDigits = "0123456789ABCDEFabcdef";
+constexpr std::size_t kShortestKey = 32;
+// Amounts and numbers that a cut leaves at an edge are shorter, and less of a key gives nothing away.
+constexpr std::size_t kShortestPart = 8;
+
+bool isControl(char c) { return c == wire::kStx || c == wire::kEtx || c == wire::kAck || c == wire::kNak; }
+
+// Each field's own text from field `first` on becomes the mask; fields before it, and what frames them, stay.
+std::string maskedFrom(std::size_t first, std::string_view bytes) {
+  std::string result;
+  std::size_t field = 0;
+  bool isMasked = false;
+  for (const char c : bytes) {
+    if (c == '/') ++field;
+    if (c == '/' || isControl(c)) {
+      isMasked = false;
+      result += c;
+    } else if (field < first) {
+      result += c;
+    } else if (!std::exchange(isMasked, true)) {
+      result += kMask;
+    }
+  }
+  return result;
+}
+
+bool isNumber(std::string_view field) {
+  return !field.empty() && field.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+}  // namespace
+
+bool isHexDigit(char c) { return kHexDigits.find(c) != std::string_view::npos; }
+
+std::string KeyMask::masked(std::string_view piece) {
+  std::string result(piece);
+  for (std::size_t at = 0, end = 0; at < piece.size(); at = end) {
+    end = std::min(piece.find_first_not_of(kHexDigits, at), piece.size());
+    last_ += end - at;
+    const bool isAtEdge = at == 0 || end == piece.size();
+    if (last_ >= (isAtEdge ? kShortestPart : kShortestKey)) std::fill(&result[at], &result[end], '*');
+    if (end == piece.size()) break;
+    last_ = 0;
+    end = std::min(piece.find_first_of(kHexDigits, end), piece.size());
+  }
+  return result;
+}
+
+std::string Secrets::masked(EventKind kind, std::string_view text) {
+  if (kind == EventKind::kSent) return maskedSent(sent_.masked(text));
+  return isOfLine(kind) ? maskedReceived(received_.masked(text)) : KeyMask().masked(text);
+}
+
+std::string Secrets::maskedSent(std::string_view bytes) {
+  if (bytes.empty() || bytes.front() != wire::kStx) return std::string(bytes);
+  const std::string_view command = bytes.substr(1);
+  wasServer_ = isServer_;
+  isServer_ = command.starts_with(",/") || command.starts_with("]/");
+  // "]/" active, URL, port, key: a URL may have been given with slashes of its own.
+  constexpr std::size_t kBehindUrl = 3;
+  return command.starts_with("]/") ? maskedFrom(kBehindUrl, bytes) : std::string(bytes);
+}
+
+std::string Secrets::maskedReceived(std::string_view bytes) const {
+  if (!isServer_ && !wasServer_) return std::string(bytes);
+  // Result, printer, fiscal, active, then the URL in one piece or several, its port, the key. The first field that
+  // could be the port is the port, or stands before it.
+  constexpr std::size_t kFirstPort = 5;
+  std::size_t field = 0;
+  if (!bytes.starts_with(wire::kStx)) return maskedFrom(field, bytes);
+  for (std::size_t at = 0; at != std::string_view::npos && at < bytes.size(); ++field) {
+    const std::size_t end = std::min(bytes.find('/', at), bytes.size());
+    if (field >= kFirstPort && isNumber(bytes.substr(at, end - at))) return maskedFrom(field + 1, bytes);
+    at = end + 1;
+  }
+  return maskedFrom(kFirstPort, bytes);
+}
+
+}  // namespace mirvane::recorder
