@@ -83,19 +83,6 @@ void requireCount(Arguments given, const Parameters& parameters) {
 
 }  // namespace
 
-Parameters parametersOf(std::initializer_list<ParameterNames> lists) {
-  Parameters parameters;
-  for (const ParameterNames& list : lists) {
-    for (const ParameterName& row : list) {
-      Parameter& parameter = parameters.emplace_back();
-      parameter.name = row.name;
-      parameter.isOptional = row.isOptional;
-      std::visit([&parameter](auto preset) { parameter.defaultValue = preset; }, row.defaultValue);
-    }
-  }
-  return parameters;
-}
-
 Value convertedTo(const Type& type, const Value& value) {
   if (type.kind == TypeKind::none) return {};
   Value converted =
@@ -135,7 +122,7 @@ void CallArguments::fill(Slot& slot, const Argument& given, const Parameter& par
     if (inPlace) return;
     slot.writeBack = true;
   }
-  Value value = given.missing() ? parameter.defaultValue : given.value();
+  Value value = given.missing() ? parameter.presetValue() : given.value();
   if (!isRecord && kind != TypeKind::variant && std::holds_alternative<ObjectPtr>(value)) {
     value = defaultOf(std::get<ObjectPtr>(value));
     slot.given = Argument(value);  // the variable keeps its object
@@ -192,7 +179,7 @@ Value Member::invoke(Object& self, Arguments given) const {
   CallArguments arguments(given, parameters);
   Value value;
   try {
-    value = implementation(self, arguments);
+    value = body(self, arguments);
   } catch (...) {
     arguments.finish(false);  // what was written before the failure belongs to the caller
     throw;

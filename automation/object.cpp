@@ -26,10 +26,20 @@ bool allows(Access access, MemberKind kind) {
 }  // namespace
 
 ClassInfo::ClassInfo(std::string_view name, std::vector<Member> members) : name_(name), members_(std::move(members)) {
+  const auto isFirst = [this](const Member& member) { return dispatchId(member.name).value_or(0) == 0; };
   std::int32_t last = 0;
   for (Member& member : members_) {
-    const auto known = dispatchId(member.name).value_or(0);
-    member.dispatchId = known != 0 ? known : ++last;
+    if (member.dispatchId == 0) member.dispatchId = isFirst(member) ? ++last : *dispatchId(member.name);
+  }
+  std::ranges::stable_sort(members_, {}, &Member::dispatchId);
+  for (std::int32_t id = 1; const Member& member : members_) {
+    const bool isOther = &member != &members_.front() && !sameName(member.name, (&member - 1)->name);
+    id += isOther ? 1 : 0;
+    if (member.dispatchId != id) {
+      throw std::logic_error(std::string(name_) + "." + std::string(member.name) + " has dispatch id " +
+                             std::to_string(member.dispatchId) + ", and " + std::to_string(id) +
+                             " is next: every member keeps its own for ever, and a new one gets the next");
+    }
   }
 }
 

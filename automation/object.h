@@ -1,17 +1,20 @@
 #pragma once
 
+#include <algorithm>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
-#include "automation/member.h"
-#include "automation/root.h"
+#include "automation/signature.h"
 
 namespace mirvane {
 
 /// A class's member table, in dispatch order.
 class ClassInfo {
  public:
+  /// Members that have no dispatch id yet get the next one, in their order. Throws logic_error where the ids that are
+  /// given have a gap or are given twice.
   ClassInfo(std::string_view name, std::vector<Member> members);
 
   std::string_view name() const { return name_; }
@@ -45,15 +48,16 @@ class ObjectOf : public Object {
   }
 };
 
-/// Writes a member table: one call per member, in dispatch order.
+/// Writes a member table.
 template <class C>
 class ClassBuilder {
  public:
   /// A method; its parameters' types are those of the member function.
   template <class R, class B, class... A>
-  ClassBuilder& method(std::string_view name, R (B::*function)(A...), ParameterNames parameters = {}) {
-    return add(
-        Contract<R(A...)>(name, MemberKind::method, parametersOf({parameters})).template implementedBy<C>(function));
+  ClassBuilder& method(std::string_view name, R (B::*function)(A...), Parameters names = {}) {
+    using Shape = Signature<R(A...)>;
+    return add({name, MemberKind::method, 0, described<Shape>(name, names), Shape::kResult,
+                Shape::template body<C>(function)});
   }
 
   /// A property over a field.
@@ -76,18 +80,35 @@ class ClassBuilder {
 
   template <class R, class B>
   ClassBuilder& readOnly(std::string_view name, R (B::*read)()) {
-    return add(Contract<R()>(name, MemberKind::get, {}).template implementedBy<C>(read));
+    return get<R>(name, read);
   }
 
   template <class B, class T>
   ClassBuilder& writeOnly(std::string_view name, void (B::*write)(T)) {
-    return add(Contract<void(T)>(name, MemberKind::put, parametersOf({{"value"}})).template implementedBy<C>(write));
+    return put<T>(name, write);
   }
 
-  /// A member of a shared interface.
-  template <class Signature, class F>
-  ClassBuilder& implement(const Contract<Signature>& contract, F implementation) {
-    return add(contract.template implementedBy<C>(implementation));
+  /// The two halves of a property, by what gives its value and what takes it.
+  template <class T, class F>
+  ClassBuilder& get(std::string_view name, F read) {
+    using Shape = Signature<T()>;
+    return add({name, MemberKind::get, 0, {}, Shape::kResult, Shape::template body<C>(read)});
+  }
+  template <class T, class F>
+  ClassBuilder& put(std::string_view name, F write) {
+    using Shape = Signature<void(T)>;
+    return add({name, MemberKind::put, 0, described<Shape>(name, {"value"}), {}, Shape::template body<C>(write)});
+  }
+
+  /// A member that is described elsewhere, and what it does in this class.
+  template <const auto& kDescribed, class F>
+  ClassBuilder& implement(F body) {
+    if constexpr (requires { isListed(kDescribed); }) {
+      static_assert(isListed(kDescribed), "the member is not in the list of all: no program could call it");
+    }
+    Member row = kDescribed.row();
+    row.body = std::remove_cvref_t<decltype(kDescribed)>::Shape::template body<C>(body);
+    return add(std::move(row));
   }
 
   ClassBuilder& add(Member member) {
@@ -95,18 +116,35 @@ class ClassBuilder {
     return *this;
   }
 
+  /// The dispatch id of the row that was added last, where the order of the rows does not tell it.
+  ClassBuilder& at(std::int32_t dispatchId) {
+    members_.back().dispatchId = dispatchId;
+    return *this;
+  }
+
+  /// The row of a name; null when there is none yet.
+  Member* find(std::string_view name) {
+    const auto row = std::ranges::find(members_, name, &Member::name);
+    return row == members_.end() ? nullptr : &*row;
+  }
+
   ClassInfo build() { return ClassInfo(C::kName, std::move(members_)); }
 
  private:
+  template <class Shape>
+  static Parameters described(std::string_view name, const Parameters& names) {
+    if (names.size() != Shape::kNamed) throw std::logic_error("names of the parameters of " + std::string(name));
+    Parameters parameters(Shape::kWidth);
+    Shape::describe(parameters.data(), names.data());
+    return parameters;
+  }
   template <class T, class B>
   ClassBuilder& addRead(std::string_view name, T B::*field) {
-    const auto read = [field](C& self) -> T { return self.*field; };
-    return add(Contract<T()>(name, MemberKind::get, {}).template implementedBy<C>(read));
+    return get<T>(name, [field](C& self) -> T { return self.*field; });
   }
   template <class T, class B>
   ClassBuilder& addWrite(std::string_view name, T B::*field) {
-    const auto write = [field](C& self, T value) { self.*field = std::move(value); };
-    return add(Contract<void(T)>(name, MemberKind::put, parametersOf({{"value"}})).template implementedBy<C>(write));
+    return put<T>(name, [field](C& self, T value) { self.*field = std::move(value); });
   }
 
   std::vector<Member> members_;

@@ -57,18 +57,15 @@ constexpr TextView kEndServerDialogue = u",/1/";
 
 // The device's commands for these are not known, so nothing is sent and they are refused as the device refuses what it
 // does not know.
-template <class R, class... A>
-auto refusal(const Contract<R(A...)>& /*member*/) {
-  return [](Driver& /*driver*/, const auto&... arguments) {
-    constexpr auto kUnknown = static_cast<std::int16_t>(DeviceCode::kUnknownRequest);
-    const auto refuse = [](const auto& argument) {
-      if constexpr (std::is_same_v<std::remove_cvref_t<decltype(argument)>, Outcome>) {
-        Session::fail({kUnknown, deviceErrorText(kUnknown)}, argument);
-      }
-    };
-    (refuse(arguments), ...);
+constexpr auto refused = [](Driver& /*driver*/, const auto&... arguments) {
+  constexpr auto kUnknown = static_cast<std::int16_t>(DeviceCode::kUnknownRequest);
+  const auto refuse = [](const auto& argument) {
+    if constexpr (std::is_same_v<std::remove_cvref_t<decltype(argument)>, Outcome>) {
+      Session::fail({kUnknown, deviceErrorText(kUnknown)}, argument);
+    }
   };
-}
+  (refuse(arguments), ...);
+};
 
 void readServer(Driver& driver, std::uint8_t& active, Text& urls, Text& port, Text& key, Outcome outcome, Text&) {
   const Reply reply = driver.send(u",/0/", outcome);
@@ -115,64 +112,58 @@ void writeVatRates(Driver& driver, double& VatA, double& VatB, double& VatC, dou
 
 void addConfiguration(Rows& rows) {
   using namespace contract;
-  rows.implement(setHeader,
-                 [](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
-                    Integer& size3, Text& line4, Integer& size4, Text& line5, Integer& size5, Outcome outcome) {
-                   Command command(u"H/");
-                   command.integer(size1).text(line1).integer(size2).text(line2).integer(size3).text(line3);
-                   driver.send(command.integer(size4).text(line4).integer(size5).text(line5), outcome);
-                 })
-      .implement(setFooter,
-                 [](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
-                    Integer& size3, Outcome outcome) {
-                   Command command(u"Y/");
-                   command.integer(size1).text(line1).integer(size2).text(line2).integer(size3).text(line3);
-                   driver.send(command, outcome);
-                 })
+  rows.implement<setHeader>([](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
+                               Integer& size3, Text& line4, Integer& size4, Text& line5, Integer& size5,
+                               Outcome outcome) {
+        Command command(u"H/");
+        command.integer(size1).text(line1).integer(size2).text(line2).integer(size3).text(line3);
+        driver.send(command.integer(size4).text(line4).integer(size5).text(line5), outcome);
+      })
+      .implement<setFooter>([](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
+                               Integer& size3, Outcome outcome) {
+        Command command(u"Y/");
+        command.integer(size1).text(line1).integer(size2).text(line2).integer(size3).text(line3);
+        driver.send(command, outcome);
+      })
       // The device takes the last line up to the command's end: this one command has no "/" there.
-      .implement(setTempFooter,
-                 [](Driver& driver, Text& line1, Text& line2, Text& line3, Outcome outcome) {
-                   driver.send(Command(u"m/").text(line1).text(line2).unclosed(line3), outcome);
-                 })
-      .implement(setVatCategories, writeVatRates)
-      .implement(setDepartment,
-                 [](Driver& driver, Integer& id, Text& description, Integer& category, Outcome outcome) {
-                   driver.send(Command(u"d/").integer(id).text(description, kGroupName).integer(category), outcome);
-                 })
-      .implement(setCategory,
-                 [](Driver& driver, Integer& id, Text& description, Outcome outcome) {
-                   driver.send(Command(u"K/").integer(id).text(description, kGroupName), outcome);
-                 })
-      .implement(settingsWrite,
-                 [](Driver& driver, clsParam& c, Outcome outcome) {
-                   driver.send(Command(u"S/")
-                                   .integer(c.printerId)
-                                   .text(c.printerDescription, kPrinterName)
-                                   .text(c.cashierDesc, kCashierName)
-                                   .integer(c.printRECPluDepartment)
-                                   .integer(c.drawerOpenonTotal)
-                                   .integer(c.printREConNoSale)
-                                   .integer(c.printRECVATDetail)
-                                   .integer(c.printRECFooterComments)
-                                   .integer(c.printRECTopLogo)
-                                   .integer(c.printRECBottomLogo)
-                                   .integer(c.printerUSeCutter)
-                                   .integer(c.useLCDdisplay()),
-                               outcome);
-                 })
+      .implement<setTempFooter>([](Driver& driver, Text& line1, Text& line2, Text& line3, Outcome outcome) {
+        driver.send(Command(u"m/").text(line1).text(line2).unclosed(line3), outcome);
+      })
+      .implement<setVatCategories>(writeVatRates)
+      .implement<setDepartment>([](Driver& driver, Integer& id, Text& description, Integer& category, Outcome outcome) {
+        driver.send(Command(u"d/").integer(id).text(description, kGroupName).integer(category), outcome);
+      })
+      .implement<setCategory>([](Driver& driver, Integer& id, Text& description, Outcome outcome) {
+        driver.send(Command(u"K/").integer(id).text(description, kGroupName), outcome);
+      })
+      .implement<settingsWrite>([](Driver& driver, clsParam& c, Outcome outcome) {
+        driver.send(Command(u"S/")
+                        .integer(c.printerId)
+                        .text(c.printerDescription, kPrinterName)
+                        .text(c.cashierDesc, kCashierName)
+                        .integer(c.printRECPluDepartment)
+                        .integer(c.drawerOpenonTotal)
+                        .integer(c.printREConNoSale)
+                        .integer(c.printRECVATDetail)
+                        .integer(c.printRECFooterComments)
+                        .integer(c.printRECTopLogo)
+                        .integer(c.printRECBottomLogo)
+                        .integer(c.printerUSeCutter)
+                        .integer(c.useLCDdisplay()),
+                    outcome);
+      })
       // Printed whatever the device says of it; the outcome is that of the last paper feed.
-      .implement(setVATNumber,
-                 [](Driver& driver, Text& sVat, Outcome outcome, Text&) {
-                   driver.send(u"B/////////" + cleanText(sVat) + u"//////////", outcome);
-                   printComment(driver, u"VAT = " + sVat, kVatNumberSize, outcome);
-                   driver.send(Command(u"F/").integer(kVatNumberFeed), outcome);
-                 })
-      .implement(setServer, writeServer)
-      .implement(getServer, readServer)
-      .implement(setTaxCardNumber, refusal(setTaxCardNumber))
-      .implement(sentBitmapData, refusal(sentBitmapData))
-      .implement(setReceiptBitmap, refusal(setReceiptBitmap))
-      .implement(setReceiptBitmapSize, refusal(setReceiptBitmapSize));
+      .implement<setVATNumber>([](Driver& driver, Text& sVat, Outcome outcome, Text&) {
+        driver.send(u"B/////////" + cleanText(sVat) + u"//////////", outcome);
+        printComment(driver, u"VAT = " + sVat, kVatNumberSize, outcome);
+        driver.send(Command(u"F/").integer(kVatNumberFeed), outcome);
+      })
+      .implement<setServer>(writeServer)
+      .implement<getServer>(readServer)
+      .implement<setTaxCardNumber>(refused)
+      .implement<sentBitmapData>(refused)
+      .implement<setReceiptBitmap>(refused)
+      .implement<setReceiptBitmapSize>(refused);
 }
 
 }  // namespace mirvane

@@ -9,14 +9,14 @@ namespace {
 constexpr std::int16_t kLogoLine = 48;
 
 // Members of this driver alone, which the wait and programs that hold the driver call by name.
-const Contract<bool(Text&)> kSendData{"SendData", MemberKind::method, parametersOf({{"strData"}})};
-const Contract<Text()> kRecData{"recData", MemberKind::method, {}};
-const Contract<bool()> kAvailData{"availData", MemberKind::method, {}};
-const Contract<void()> kClearBuffer{"clearBuffer", MemberKind::method, {}};
-const Contract<Text(Text&, Outcome, Text&, std::int16_t&)> kSend{
-    "Send_", MemberKind::method, parametersOf({{"CmdString"}, kOutcome, {"Pass", optional("timeOut")}})};
-const Contract<void(Text&, Outcome, Text&, std::int16_t&)> kSendCommand{
-    "SendCommand_", MemberKind::method, parametersOf({{"CmdString"}, kOutcome, {"Pass", optional("timeOut")}})};
+constexpr auto kSendData = method<bool(Text&)>("SendData", {"strData"});
+constexpr auto kRecData = method<Text()>("recData");
+constexpr auto kAvailData = method<bool()>("availData");
+constexpr auto kClearBuffer = method<void()>("clearBuffer");
+constexpr auto kSend =
+    method<Text(Text&, Outcome, Text&, std::int16_t&)>("Send_", {"CmdString", "Pass", optional("timeOut")});
+constexpr auto kSendCommand =
+    method<void(Text&, Outcome, Text&, std::int16_t&)>("SendCommand_", {"CmdString", "Pass", optional("timeOut")});
 
 // One exchange at the link's own level: no wait, no box but the one about unknown characters.
 Reply exchangeOnce(Driver& driver, TextView command, Outcome outcome, std::int16_t timeOut = 0) {
@@ -27,11 +27,8 @@ Reply exchangeOnce(Driver& driver, TextView command, Outcome outcome, std::int16
 
 template <class T>
 void addProperty(Rows& rows, const char* name, T Session::*field) {
-  rows.add(Contract<T()>(name, MemberKind::get, {}).template implementedBy<Driver>([field](Driver& driver) {
-    return driver.session.*field;
-  }));
-  rows.add(Contract<void(T)>(name, MemberKind::put, parametersOf({{"value"}}))
-               .template implementedBy<Driver>([field](Driver& driver, T value) { driver.session.*field = value; }));
+  rows.get<T>(name, [field](Driver& driver) { return driver.session.*field; });
+  rows.put<T>(name, [field](Driver& driver, T value) { driver.session.*field = value; });
 }
 
 }  // namespace
@@ -40,29 +37,28 @@ void addConnection(Rows& rows) {
   using namespace contract;
   addProperty(rows, "lastResult", &Session::lastResult);
   addProperty(rows, "lastexResult", &Session::lastexResult);
-  rows.implement(kSendData, [](Driver&, Text& text) { return transport().write(toCodePage(text)); })
-      .implement(kRecData, [](Driver&) { return fromCodePage(transport().read()); })
-      .implement(kAvailData, [](Driver&) { return transport().hasDatagram(); })
-      .implement(kClearBuffer, [](Driver&) { transport().drain(); })
-      .implement(lastReply, [](Driver& driver) { return driver.session.lastReply(); })
-      .implement(kSend, [](Driver& driver, Text& command, Outcome outcome, Text&,
-                           Integer& timeOut) { return exchangeOnce(driver, command, outcome, timeOut).raw(); })
-      .implement(kSendCommand, [](Driver& driver, Text& command, Outcome outcome, Text&,
-                                  Integer& timeOut) { driver.session.send(command, outcome, timeOut); })
-      .implement(GetVersionInfo,
-                 [](Driver& driver, Outcome outcome, Text&) {
-                   const Reply reply = exchangeOnce(driver, u"v/", outcome);
-                   if (!reply.succeeded()) return;
-                   // A version that is not told is a blank one.
-                   const auto part = [&reply](std::size_t i) {
-                     return i < reply.countAll() ? reply.textAt(i) : Text();
-                   };
-                   outcome.Exresult = part(0) + u"\r\n" + part(1) + u"[" + part(2) + u"]\r\n" +
-                                      fromUtf8(MIRVANE_VERSION "\r\n" MIRVANE_PRODUCT);
-                 })
-      .implement(Connect_, [](Driver&, const Text& PORT, Outcome outcome) { outcome.take(openPort(PORT)); })
-      .implement(DisConnect_, [](Driver&, Text&, Outcome outcome) { outcome.Result = closePort(); })
-      .implement(logoLineDescLength, [](Driver&) { return kLogoLine; });
+  rows.implement<kSendData>([](Driver&, Text& text) { return transport().write(toCodePage(text)); })
+      .implement<kRecData>([](Driver&) { return fromCodePage(transport().read()); })
+      .implement<kAvailData>([](Driver&) { return transport().hasDatagram(); })
+      .implement<kClearBuffer>([](Driver&) { transport().drain(); })
+      .implement<lastReply>([](Driver& driver) { return driver.session.lastReply(); })
+      .implement<kSend>([](Driver& driver, Text& command, Outcome outcome, Text&, Integer& timeOut) {
+        return exchangeOnce(driver, command, outcome, timeOut).raw();
+      })
+      .implement<kSendCommand>([](Driver& driver, Text& command, Outcome outcome, Text&, Integer& timeOut) {
+        driver.session.send(command, outcome, timeOut);
+      })
+      .implement<GetVersionInfo>([](Driver& driver, Outcome outcome, Text&) {
+        const Reply reply = exchangeOnce(driver, u"v/", outcome);
+        if (!reply.succeeded()) return;
+        // A version that is not told is a blank one.
+        const auto part = [&reply](std::size_t i) { return i < reply.countAll() ? reply.textAt(i) : Text(); };
+        outcome.Exresult =
+            part(0) + u"\r\n" + part(1) + u"[" + part(2) + u"]\r\n" + fromUtf8(MIRVANE_VERSION "\r\n" MIRVANE_PRODUCT);
+      })
+      .implement<Connect_>([](Driver&, const Text& PORT, Outcome outcome) { outcome.take(openPort(PORT)); })
+      .implement<DisConnect_>([](Driver&, Text&, Outcome outcome) { outcome.Result = closePort(); })
+      .implement<logoLineDescLength>([](Driver&) { return kLogoLine; });
 }
 
 }  // namespace mirvane

@@ -62,11 +62,11 @@ void readRecord(Driver& driver, clsEFT& c, Outcome outcome) {
 
 void addCardTerminals(Rows& rows) {
   using namespace contract;
-  rows.implement(eftRead, readRecord)
-      .implement(eftWrite, recordWrite(u"E/1/"))
-      .implement(eftdel, recordWrite(u"E/4/"))
+  rows.implement<eftRead>(readRecord)
+      .implement<eftWrite>(recordWrite(u"E/1/"))
+      .implement<eftdel>(recordWrite(u"E/4/"))
       // Has the device try the terminal.
-      .implement(eftTest, [](Driver& driver, clsEFT& c, Outcome outcome) {
+      .implement<eftTest>([](Driver& driver, clsEFT& c, Outcome outcome) {
         driver.send(Command(u"E/2/")
                         .integer(c.eftId)
                         .integer(byteOf(c.eftEnabled))

@@ -5,11 +5,10 @@ namespace mirvane {
 // What a Result means for whoever got it.
 void addErrors(Rows& rows) {
   using namespace contract;
-  for (const auto* fixable : {&bFixableError, &isErrorFixable}) {
-    rows.implement(*fixable, [](Driver& /*driver*/, Integer& iErr) { return endsByItself(iErr); });
-  }
-  rows.implement(bShouldRetry, [](Driver& /*driver*/, Integer& iErr) { return mayBeSentAgain(iErr); })
-      .implement(isCriticalError, [](Driver& /*driver*/, Integer& iErr) { return isCritical(iErr); });
+  rows.implement<bFixableError>([](Driver& /*driver*/, Integer& iErr) { return endsByItself(iErr); });
+  rows.implement<isErrorFixable>([](Driver& /*driver*/, Integer& iErr) { return endsByItself(iErr); });
+  rows.implement<bShouldRetry>([](Driver& /*driver*/, Integer& iErr) { return mayBeSentAgain(iErr); })
+      .implement<isCriticalError>([](Driver& /*driver*/, Integer& iErr) { return isCritical(iErr); });
 }
 
 }  // namespace mirvane

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "driver/words.h"
-#include "interface/driver_interface.h"
+#include "interface/members.h"
 #include "session/session.h"
 
 namespace mirvane {

@@ -92,53 +92,47 @@ clsStatus& FiscalVarlenModule2::refreshedStatus() {
 
 void addReads(Rows& rows) {
   using namespace contract;
-  rows.implement(getDate, textRead(u"t/", 0))
-      .implement(getTime, textRead(u"t/", 1))
-      .implement(getSerialNumber,
-                 [](Driver& driver, Text& sN, Outcome outcome) {
-                   const Reply reply = driver.send(u"a/", outcome);
-                   if (reply.succeeded()) sN = reply.text(0);
-                 })
-      .implement(getHeader,
-                 [](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
-                    Integer& size3, Text& line4, Integer& size4, Text& line5, Integer& size5, Outcome outcome) {
-                   const Reply reply = driver.send(u"h/", outcome);
-                   if (!reply.succeeded()) return;
-                   fillLines(
-                       reply,
-                       {{&line1, &size1}, {&line2, &size2}, {&line3, &size3}, {&line4, &size4}, {&line5, &size5}});
-                 })
-      .implement(getFooter,
-                 [](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
-                    Integer& size3, Outcome outcome) {
-                   const Reply reply = driver.send(u"{/", outcome);
-                   if (reply.succeeded()) fillLines(reply, {{&line1, &size1}, {&line2, &size2}, {&line3, &size3}});
-                 })
-      .implement(getVatCategories,
-                 [](Driver& driver, Real& VatA, Real& VatB, Real& VatC, Real& VatD, Real& VatE, Outcome outcome) {
-                   const Reply reply = driver.send(u"e/", outcome);
-                   if (reply.succeeded()) fillNumbers(reply, {&VatA, &VatB, &VatC, &VatD, &VatE});
-                 })
-      .implement(transactionTotals,
-                 [](Driver& driver, clsTransTotal& c, Outcome outcome) {
-                   const Reply reply = driver.send(u"9/", outcome);
-                   if (!reply.succeeded()) return;
-                   fillNumbers(reply, {&c.VatA, &c.VatB, &c.VatC, &c.VatD, &c.VatE});
-                   c.receiptNumber = reply.integer<std::int32_t>(5);
-                   c.receiptTotalAmt = reply.number(6);
-                 })
-      .implement(getSalesPerDepartment, salesRead(u"D/", 3, 4))
-      .implement(getSalesPerCategory, salesRead(u"k/", 1, 2))
-      .implement(getDailyTotals, readDailyTotals)
-      .implement(settingsRead, readSettings)
-      .implement(StatusRead,
-                 [](Driver& driver) {
-                   clsStatus& status = driver.refreshedStatus();
-                   status.FiscalType = FISCAL_VARLENFISCAL2;
-                   status.FiscalSN = driver.session.serialNumber().value_or(Text());
-                   return driver.status;
-                 })
-      .implement(printerStatusRead, [](Driver& driver, Outcome outcome) {
+  rows.implement<getDate>(textRead(u"t/", 0))
+      .implement<getTime>(textRead(u"t/", 1))
+      .implement<getSerialNumber>([](Driver& driver, Text& sN, Outcome outcome) {
+        const Reply reply = driver.send(u"a/", outcome);
+        if (reply.succeeded()) sN = reply.text(0);
+      })
+      .implement<getHeader>([](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
+                               Integer& size3, Text& line4, Integer& size4, Text& line5, Integer& size5,
+                               Outcome outcome) {
+        const Reply reply = driver.send(u"h/", outcome);
+        if (!reply.succeeded()) return;
+        fillLines(reply, {{&line1, &size1}, {&line2, &size2}, {&line3, &size3}, {&line4, &size4}, {&line5, &size5}});
+      })
+      .implement<getFooter>([](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
+                               Integer& size3, Outcome outcome) {
+        const Reply reply = driver.send(u"{/", outcome);
+        if (reply.succeeded()) fillLines(reply, {{&line1, &size1}, {&line2, &size2}, {&line3, &size3}});
+      })
+      .implement<getVatCategories>(
+          [](Driver& driver, Real& VatA, Real& VatB, Real& VatC, Real& VatD, Real& VatE, Outcome outcome) {
+            const Reply reply = driver.send(u"e/", outcome);
+            if (reply.succeeded()) fillNumbers(reply, {&VatA, &VatB, &VatC, &VatD, &VatE});
+          })
+      .implement<transactionTotals>([](Driver& driver, clsTransTotal& c, Outcome outcome) {
+        const Reply reply = driver.send(u"9/", outcome);
+        if (!reply.succeeded()) return;
+        fillNumbers(reply, {&c.VatA, &c.VatB, &c.VatC, &c.VatD, &c.VatE});
+        c.receiptNumber = reply.integer<std::int32_t>(5);
+        c.receiptTotalAmt = reply.number(6);
+      })
+      .implement<getSalesPerDepartment>(salesRead(u"D/", 3, 4))
+      .implement<getSalesPerCategory>(salesRead(u"k/", 1, 2))
+      .implement<getDailyTotals>(readDailyTotals)
+      .implement<settingsRead>(readSettings)
+      .implement<StatusRead>([](Driver& driver) {
+        clsStatus& status = driver.refreshedStatus();
+        status.FiscalType = FISCAL_VARLENFISCAL2;
+        status.FiscalSN = driver.session.serialNumber().value_or(Text());
+        return driver.status;
+      })
+      .implement<printerStatusRead>([](Driver& driver, Outcome outcome) {
         if (driver.send(u"?/", outcome).succeeded()) driver.refreshedStatus();
       });
 }

@@ -57,22 +57,20 @@ void closeDay(Driver& driver, Outcome outcome) {
 
 void addReports(Rows& rows) {
   using namespace contract;
-  rows.implement(issueZReport, closeDay)
+  rows.implement<issueZReport>(closeDay)
       // The whole closing when the device has a journal that was not taken yet.
-      .implement(issueZReprintReport,
-                 [](Driver& driver, Outcome outcome) {
-                   Text message;
-                   if (moduleState().journalStepFailed && journalStepFails(driver, message)) {
-                     outcome.take(failureOf(message));
-                     if (outcome.SupressError_) return;
-                     showBox(message, platform::kExclamation, kDeviceFamilyName);
-                     return;
-                   }
-                   printSilently(u"x/9/", outcome);
-                   if (outcome.Result == static_cast<int>(DeviceCode::kJournalNotTransferred))
-                     closeDay(driver, outcome);
-                 })
-      .implement(issueXReport, [](Driver&, Outcome outcome) { sendByCurrentDriver(u"x/1/", outcome); });
+      .implement<issueZReprintReport>([](Driver& driver, Outcome outcome) {
+        Text message;
+        if (moduleState().journalStepFailed && journalStepFails(driver, message)) {
+          outcome.take(failureOf(message));
+          if (outcome.SupressError_) return;
+          showBox(message, platform::kExclamation, kDeviceFamilyName);
+          return;
+        }
+        printSilently(u"x/9/", outcome);
+        if (outcome.Result == static_cast<int>(DeviceCode::kJournalNotTransferred)) closeDay(driver, outcome);
+      })
+      .implement<issueXReport>([](Driver&, Outcome outcome) { sendByCurrentDriver(u"x/1/", outcome); });
 }
 
 }  // namespace mirvane

@@ -20,8 +20,7 @@ constexpr std::size_t kReceiptTotal = 6;
 constexpr int kRemainingAttempts = 3;
 constexpr double kHalfCent = 0.005;
 
-const Contract<std::shared_ptr<clsAdjust>(bool&)> kAdjustment{"adjustment", MemberKind::method,
-                                                              parametersOf({{"onLastItem"}})};
+constexpr auto kAdjustment = method<std::shared_ptr<clsAdjust>(bool&)>("adjustment", {"onLastItem"});
 
 // The row of an item line; `code` begins its command.
 auto itemLine(TextView code) {
@@ -116,38 +115,37 @@ void printComment(Driver& driver, const Text& text, std::int16_t size, Outcome o
 
 void addTransactions(Rows& rows) {
   using namespace contract;
-  rows.implement(ItemSale, itemLine(u"3/S//"))
-      .implement(ItemVoid, itemLine(u"3/V//"))
-      .implement(ItemRefund, itemLine(u"3/R//"))
-      .implement(kAdjustment,
-                 [](Driver&, bool& onLastItem) {
-                   moduleState().adjustOnLastItem = onLastItem;
-                   return std::make_shared<clsAdjust>();
-                 })
-      .implement(DriverPayment,
-                 [](Driver& driver, Integer& paymentNumber, Text& paymentDesc, Real& paymentAmount, Integer& eftposNum,
-                    Integer& eftposType, Outcome outcome, Text& paymentDesc2, bool& bReadEJ, bool&) {
-                   Command command(u"5/");
-                   command.integer(paymentNumber).text(paymentDesc, kItemText).text(paymentDesc2, kItemText);
-                   command.amount(paymentAmount);
-                   addNumberOrNothing(command, eftposNum);
-                   addNumberOrNothing(command, eftposType);
-                   pay(driver, command, outcome, bReadEJ);
-                 })
-      .implement(FeedPaper, [](Driver& driver, Integer& lines,
-                               Outcome outcome) { driver.send(Command(u"F/").integer(lines), outcome); })
-      .implement(commentPrinterPrint, [](Driver& driver, Text& text, Integer& size,
-                                         Outcome outcome) { printComment(driver, text, size, outcome); })
-      .implement(commentDisplayPrint,
-                 [](Driver& driver, Integer& line, Text& text, Outcome outcome) {
-                   driver.send(Command(u"2/10/0/0/").integer(line).verbatim(left(text, kDisplayComment)), outcome);
-                 })
-      .implement(DrawerOpen, [](Driver& driver, Outcome outcome) { driver.send(u"p/1/", outcome); })
-      .implement(CutPaper, [](Driver& driver, bool& full,
-                              Outcome outcome) { driver.send(Command(u"p/2/").integer(full ? 1 : 0), outcome); })
-      .implement(executeCashIn, cashDocument(u"6/0/"))
-      .implement(executeCashOut, cashDocument(u"6/1/"))
-      .implement(VoidReceipt, [](Driver& driver, Outcome outcome) {
+  rows.implement<ItemSale>(itemLine(u"3/S//"))
+      .implement<ItemVoid>(itemLine(u"3/V//"))
+      .implement<ItemRefund>(itemLine(u"3/R//"))
+      .implement<kAdjustment>([](Driver&, bool& onLastItem) {
+        moduleState().adjustOnLastItem = onLastItem;
+        return std::make_shared<clsAdjust>();
+      })
+      .implement<DriverPayment>([](Driver& driver, Integer& paymentNumber, Text& paymentDesc, Real& paymentAmount,
+                                   Integer& eftposNum, Integer& eftposType, Outcome outcome, Text& paymentDesc2,
+                                   bool& bReadEJ, bool&) {
+        Command command(u"5/");
+        command.integer(paymentNumber).text(paymentDesc, kItemText).text(paymentDesc2, kItemText);
+        command.amount(paymentAmount);
+        addNumberOrNothing(command, eftposNum);
+        addNumberOrNothing(command, eftposType);
+        pay(driver, command, outcome, bReadEJ);
+      })
+      .implement<FeedPaper>(
+          [](Driver& driver, Integer& lines, Outcome outcome) { driver.send(Command(u"F/").integer(lines), outcome); })
+      .implement<commentPrinterPrint>(
+          [](Driver& driver, Text& text, Integer& size, Outcome outcome) { printComment(driver, text, size, outcome); })
+      .implement<commentDisplayPrint>([](Driver& driver, Integer& line, Text& text, Outcome outcome) {
+        driver.send(Command(u"2/10/0/0/").integer(line).verbatim(left(text, kDisplayComment)), outcome);
+      })
+      .implement<DrawerOpen>([](Driver& driver, Outcome outcome) { driver.send(u"p/1/", outcome); })
+      .implement<CutPaper>([](Driver& driver, bool& full, Outcome outcome) {
+        driver.send(Command(u"p/2/").integer(full ? 1 : 0), outcome);
+      })
+      .implement<executeCashIn>(cashDocument(u"6/0/"))
+      .implement<executeCashOut>(cashDocument(u"6/1/"))
+      .implement<VoidReceipt>([](Driver& driver, Outcome outcome) {
         if (!driver.send(kCancelReceipt, outcome).succeeded()) driver.send(kCloseReceipt, outcome);
       });
 }

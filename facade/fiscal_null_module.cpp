@@ -3,25 +3,13 @@
 #include <algorithm>
 
 #include "interface/door.h"
-#include "interface/driver_interface.h"
+#include "interface/members.h"
 #include "link/port.h"
 #include "state/message_catalogue.h"
 #include "state/module_state.h"
 
 namespace mirvane {
 namespace {
-
-// The row of a member that is only refused.
-template <class Signature>
-Member refusal(const Contract<Signature>& contract) {
-  const auto isResult = [](const Parameter& parameter) { return parameter.name == "Result"; };
-  const auto result = std::find_if(contract.parameters.begin(), contract.parameters.end(), isResult);
-  const auto at = static_cast<std::size_t>(result - contract.parameters.begin());
-  return contract.row([at](Object& /*self*/, CallArguments& arguments) -> Value {
-    fiscalNullModule::refuse(detail::Expanded<Outcome>::take(arguments, at));
-    return {};
-  });
-}
 
 void clear(clsTransTotal& c) {
   c.VatA = c.VatB = c.VatC = c.VatD = c.VatE = c.receiptTotalAmt = 0;
@@ -41,20 +29,30 @@ void clear(clsDailyAcc& c) {
   c.amtDiscount = c.amtMarkUP = 0;
 }
 
-// The row of a read that is refused: the record, where there is one, is left without earlier figures.
 template <class Record>
-Member refusedRead(const Contract<contract::WithRecord<Record>>& contract) {
-  Member row = refusal(contract);
-  row.implementation = [refuse = std::move(row.implementation)](Object& self, CallArguments& arguments) {
-    if (const auto record = arguments.get<std::shared_ptr<Record>>(0)) clear(*record);
-    return refuse(self, arguments);
-  };
-  return row;
+bool clearIf(const ObjectPtr& object) {
+  auto* const record = dynamic_cast<Record*>(object.get());
+  if (record != nullptr) clear(*record);
+  return record != nullptr;
 }
 
-template <class... Signatures>
-void refuseAll(ClassBuilder<fiscalNullModule>& table, const Contract<Signatures>&... members) {
-  (table.add(refusal(members)), ...);
+// What refuses a member; a record that it would fill is left without earlier figures.
+Body refusal(const contract::AnyMember& member) {
+  const auto result = std::ranges::find(member.parameters, Outcome::kNames.front().name, &Parameter::name);
+  if (result == member.parameters.end()) {
+    throw std::logic_error("the null driver needs a body of its own for " + std::string(member.name) +
+                           ", which reports no Result");
+  }
+  const auto at = static_cast<std::size_t>(result - member.parameters.begin());
+  const bool clears = member.withoutDevice == contract::WithoutDevice::kCleared;
+  return [at, clears](Object& /*self*/, CallArguments& arguments) -> Value {
+    if (clears) {
+      const auto record = arguments.get<ObjectPtr&>(0);
+      clearIf<clsTransTotal>(record) || clearIf<clsAccumulator>(record) || clearIf<clsDailyAcc>(record);
+    }
+    fiscalNullModule::refuse(Expanded<Outcome>::take(arguments, at));
+    return {};
+  };
 }
 
 }  // namespace
@@ -81,27 +79,21 @@ std::shared_ptr<clsStatus> fiscalNullModule::StatusRead() {
 
 const ClassInfo& fiscalNullModule::describe() {
   static const ClassInfo info = [] {
-    using namespace contract;
-    using Driver = fiscalNullModule;
-    ClassBuilder<Driver> table;
-    refuseAll(table, SendCommand_, GetVersionInfo, Connect_);
-    table.implement(contract::DisConnect_, &Driver::DisConnect_);
-    refuseAll(table, ItemSale, ItemVoid, ItemRefund, Payment, FeedPaper, commentPrinterPrint, commentDisplayPrint,
-              issueZReport, issueZReprintReport, issueXReport, DrawerOpen, CutPaper, executeCashIn, executeCashOut,
-              VoidReceipt, getDate, getTime, getSerialNumber, getHeader, setHeader, getFooter, setFooter, setTempFooter,
-              getVatCategories, setVatCategories, sentBitmapData, setReceiptBitmap, setReceiptBitmapSize, settingsRead,
-              settingsWrite, setDepartment, setCategory);
-    table.add(refusedRead(transactionTotals))
-        .add(refusedRead(getSalesPerDepartment))
-        .add(refusedRead(getSalesPerCategory))
-        .add(refusedRead(getDailyTotals))
-        .implement(contract::StatusRead, &Driver::StatusRead);
-    refuseAll(table, printerStatusRead, setVATNumber, setServer, getServer, eftRead, eftWrite, eftTest);
-    table.implement(logoLineDescLength, [](Driver& /*self*/) { return std::int16_t{0}; });
-    for (const auto* classifier : {&bFixableError, &isErrorFixable, &bShouldRetry}) {
-      table.implement(*classifier, [](Driver& /*self*/, std::int16_t& /*iErr*/) { return false; });
+    using Self = fiscalNullModule;
+    const auto no = [](Self& /*self*/, std::int16_t& /*iErr*/) { return false; };
+    ClassBuilder<Self> table;
+    table.implement<contract::DisConnect_>(&Self::DisConnect_)
+        .implement<contract::StatusRead>(&Self::StatusRead)
+        .implement<contract::logoLineDescLength>([](Self& /*self*/) { return std::int16_t{0}; })
+        .implement<contract::bFixableError>(no)
+        .implement<contract::isErrorFixable>(no)
+        .implement<contract::bShouldRetry>(no)
+        .implement<contract::isCriticalError>([](Self& /*self*/, std::int16_t& /*iErr*/) { return true; });
+    for (const contract::AnyMember& member : contract::kMembers) {
+      if (member.places.null == 0) continue;
+      if (table.find(member.name) == nullptr) table.add(member.withBody(refusal(member)));
+      table.find(member.name)->dispatchId = member.places.null;
     }
-    table.implement(isCriticalError, [](Driver& /*self*/, std::int16_t& /*iErr*/) { return true; });
     return throughDoor(table.build());
   }();
   return info;

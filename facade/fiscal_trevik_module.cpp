@@ -1,40 +1,45 @@
 #include "facade/fiscal_trevik_module.h"
 
 #include "interface/door.h"
-#include "interface/driver_interface.h"
+#include "interface/members.h"
 #include "state/module_state.h"
 #include "support/price_adjustments.h"
 
 namespace mirvane {
 namespace {
 
-// The row of a member that passes all its arguments on, as references, to the current driver's member of the name `to`.
-template <class Signature>
-Member forwardTo(std::string_view to, const Contract<Signature>& contract) {
-  Member row = contract.row({});
-  row.implementation = [to, result = row.result](Object& /*self*/, CallArguments& arguments) {
+using contract::AnyMember;
+
+// The facade always passes all arguments on, so its own defaults reach the driver.
+constexpr auto kPayment = method<contract::CardPayment>(
+    "Payment", {"paymentNumber", "paymentDesc", "paymentAmount", "eftposNum", "eftposType", optional("paymentDesc2"),
+                optional("bReadEJ", true), optional("inPrePayment", false)});
+constexpr Described<std::shared_ptr<clsAdjust>(bool&)> kAdjustment{"adjustment", MemberKind::get,
+                                                                   std::array<Parameter, 1>{"onLastItem"}};
+
+// What passes all arguments on, as references, to the current driver's member of the name `to`.
+Body forwardTo(std::string_view to, const Type& result) {
+  return [to, result](Object& /*self*/, CallArguments& arguments) {
     return convertedTo(result, driverOrRefusal()->invoke(to, ClassInfo::Access::callOrRead, arguments.references()));
   };
+}
+
+template <class S>
+Member forwarded(const Described<S>& described) {
+  Member row = described.row();
+  row.body = forwardTo(row.name, row.result);
   return row;
 }
 
-template <class... Signatures>
-void forward(ClassBuilder<fiscalTrevikModule>& table, const Contract<Signatures>&... members) {
-  (table.add(forwardTo(members.name, members)), ...);
-}
-
-// As forward, where the facade's name for the driver's member is another one.
-template <class Signature>
-void forwardAs(ClassBuilder<fiscalTrevikModule>& table, std::string_view name, const Contract<Signature>& member) {
-  Member row = forwardTo(member.name, member);
-  row.name = name;
-  table.add(std::move(row));
+Member forwarded(const AnyMember& member) {
+  Member row = member.withBody(forwardTo(member.name, member.result));
+  row.name = member.facadeName();
+  return row;
 }
 
 // The row of a member that does nothing and leaves every argument as it is.
-template <class Signature>
-Member idle(const Contract<Signature>& contract) {
-  Member row = contract.row([](Object& /*self*/, CallArguments& /*arguments*/) { return Value(); });
+Member idle(const AnyMember& member) {
+  Member row = member.withBody([](Object& /*self*/, CallArguments& /*arguments*/) { return Value(); });
   row.assigns = false;
   return row;
 }
@@ -77,36 +82,23 @@ void fiscalTrevikModule::DeactivateDebug() { setTrace(false); }
 
 const ClassInfo& fiscalTrevikModule::describe() {
   static const ClassInfo info = [] {
-    using namespace contract;
     using Facade = fiscalTrevikModule;
-    static const Contract<std::shared_ptr<clsAdjust>(bool&)> kAdjustment{"adjustment", MemberKind::get,
-                                                                         parametersOf({{"onLastItem"}})};
-    // The facade always passes all arguments on, so its own defaults reach the driver.
-    static const auto kPayment =
-        method<CardPayment>("Payment", kCardPaymentParameters,
-                            {optional("paymentDesc2"), optional("bReadEJ", true), optional("inPrePayment", false)});
     ClassBuilder<Facade> table;
-    forward(table, logoLineDescLength);
-    table.readOnly("getFiscalType", &Facade::getFiscalType);
-    forward(table, SendCommand_, GetVersionInfo);
-    table.implement(contract::Connect_, &Facade::Connect_).implement(contract::DisConnect_, &Facade::DisConnect_);
-    forward(table, ItemSale, ItemVoid, ItemRefund, kAdjustment, kPayment, FeedPaper, commentPrinterPrint,
-            commentDisplayPrint, issueZReport, issueZReprintReport, issueXReport, DrawerOpen, CutPaper, executeCashIn,
-            executeCashOut, VoidReceipt, getDate, getTime, getSerialNumber, getHeader, setHeader, getFooter, setFooter,
-            setTempFooter, getVatCategories, setVatCategories, sentBitmapData, setReceiptBitmap, setReceiptBitmapSize,
-            settingsRead, settingsWrite, eftRead);
-    forwardAs(table, "eftSet", eftWrite);
-    forward(table, eftTest, eftdel);
-    table.add(idle(setDepartment));
-    forward(table, setCategory, transactionTotals, getSalesPerDepartment, getSalesPerCategory, getDailyTotals);
-    table.implement(contract::StatusRead, &Facade::StatusRead);
-    forward(table, printerStatusRead, setVATNumber);
-    forwardAs(table, "setServerSettings", setServer);
-    forwardAs(table, "getServerSettings", getServer);
-    forward(table, setTaxCardNumber);
-    table.readOnly("clsEFTpos", &Facade::clsEFTpos)
-        .method("activateDebug", &Facade::activateDebug)
-        .method("DeactivateDebug", &Facade::DeactivateDebug);
+    table.readOnly("getFiscalType", &Facade::getFiscalType).at(2);
+    table.implement<contract::Connect_>(&Facade::Connect_).implement<contract::DisConnect_>(&Facade::DisConnect_);
+    table.add(forwarded(kAdjustment)).at(10);
+    table.add(forwarded(kPayment)).at(11);
+    table.add(idle(contract::setDepartment)).implement<contract::StatusRead>(&Facade::StatusRead);
+    table.readOnly("clsEFTpos", &Facade::clsEFTpos).at(54);
+    table.method("activateDebug", &Facade::activateDebug).at(55);
+    table.method("DeactivateDebug", &Facade::DeactivateDebug).at(56);
+    for (const AnyMember& member : contract::kMembers) {
+      if (member.places.facade == 0) continue;
+      if (table.find(member.facadeName()) == nullptr) table.add(forwarded(member));
+      Member& row = *table.find(member.facadeName());
+      row.dispatchId = member.places.facade;
+      row.sentence = member.sentence;
+    }
     return throughDoor(table.build(), contract::Connect_.name);
   }();
   return info;

@@ -26,7 +26,7 @@ Report reportOf(const Member& member) {
   };
   // A member that leaves its variables as they are does nothing at all.
   if (!member.assigns) return {};
-  if (const std::size_t at = find(kOutcome.front().name); at < member.parameters.size()) {
+  if (const std::size_t at = find(Outcome::kNames.front().name); at < member.parameters.size()) {
     return {Report::Kind::kOutcome, at};
   }
   if (const std::size_t at = find("errorDesc"); at < member.parameters.size()) return {Report::Kind::kJournal, at};
@@ -34,7 +34,7 @@ Report reportOf(const Member& member) {
 }
 
 Outcome outcomeOf(const Report& report, CallArguments& arguments) {
-  return detail::Expanded<Outcome>::take(arguments, report.at);
+  return Expanded<Outcome>::take(arguments, report.at);
 }
 
 void release() {
@@ -89,12 +89,12 @@ struct Entrance {
 
   Value enter(Object& self, CallArguments& arguments) const {
     // The component's own call of the driver that it has chosen; no program holds that.
-    if (&self == moduleState().currentDriver.get()) return member.implementation(self, arguments);
+    if (&self == moduleState().currentDriver.get()) return member.body(self, arguments);
     arguments.detach(report.at);
     if (report.kind == Report::Kind::kOutcome) arguments.detach(report.at + 1);
     if (moduleState().call.isInside) return refuse(arguments);
     const Inside inside(report.kind == Report::Kind::kOutcome && outcomeOf(report, arguments).SupressError_);
-    return moduleState().recorder == nullptr ? member.implementation(self, arguments) : record(self, arguments);
+    return moduleState().recorder == nullptr ? member.body(self, arguments) : record(self, arguments);
   }
 
  private:
@@ -118,7 +118,7 @@ struct Entrance {
   Value record(Object& self, CallArguments& arguments) const {
     const RecordedCall recordedCall(name);
     try {
-      Value value = member.implementation(self, arguments);
+      Value value = member.body(self, arguments);
       if (report.kind == Report::Kind::kJournal) {
         recordedCall.ended(convertTo<std::int32_t>(value));
       } else {
@@ -141,9 +141,7 @@ ClassInfo throughDoor(ClassInfo table, std::string_view connect) {
     const Report report = reportOf(member);
     if (report.kind == Report::Kind::kNone) continue;
     const Entrance entrance{member, report, fromUtf8(member.name), member.name == connect};
-    member.implementation = [entrance](Object& self, CallArguments& arguments) {
-      return entrance.enter(self, arguments);
-    };
+    member.body = [entrance](Object& self, CallArguments& arguments) { return entrance.enter(self, arguments); };
   }
   return {table.name(), std::move(members)};
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "automation/member.h"
+#include "automation/signature.h"
 #include "protocol/reply.h"
 
 namespace mirvane {
@@ -16,6 +16,7 @@ struct Outcome {
   bool& SupressError_;
 
   using Types = std::tuple<std::int16_t&, Text&, bool&>;
+  static constexpr std::array<Parameter, 3> kNames = {output("Result"), output("Exresult"), "SupressError_"};
 
   /// Tells what came of a command.
   void take(const Reply& reply) const {
@@ -23,8 +24,6 @@ struct Outcome {
     Exresult = reply.message;
   }
 };
-
-inline constexpr std::array<ParameterName, 3> kOutcome = {output("Result"), output("Exresult"), "SupressError_"};
 
 /// Variables of the component's own, for a command whose outcome the caller does not see. Silent.
 class OwnOutcome {

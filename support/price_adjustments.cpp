@@ -49,7 +49,8 @@ void adjustLastItem(const Kind& kind, const Text& description, const Text& comme
 }
 
 // The caller's percentage becomes the amount that it made of the last item.
-void adjustByPercent(const Kind& kind, const Text& description, double& percent, const Text& comment, Outcome outcome) {
+Value adjustByPercent(const Kind& kind, const Text& description, double& percent, const Text& comment,
+                      Outcome outcome) {
   const ModuleState& state = moduleState();
   percent = std::abs(percent);
   if (state.adjustOnLastItem) {
@@ -61,9 +62,10 @@ void adjustByPercent(const Kind& kind, const Text& description, double& percent,
     };
     adjustSubtotal(kind, description, comment, share, outcome);
   }
+  return {};
 }
 
-void adjustByAmount(const Kind& kind, const Text& description, double& amount, const Text& comment, Outcome outcome) {
+Value adjustByAmount(const Kind& kind, const Text& description, double& amount, const Text& comment, Outcome outcome) {
   const ModuleState& state = moduleState();
   amount = std::abs(amount);
   if (state.adjustOnLastItem) {
@@ -79,38 +81,36 @@ void adjustByAmount(const Kind& kind, const Text& description, double& amount, c
     };
     adjustSubtotal(kind, description, comment, share, outcome);
   }
+  return {};
 }
 
 }  // namespace
 
-void clsAdjust::percentMarkUP(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment) {
-  adjustByPercent(kMarkUp, actionDesc, dblPercent, exComment, outcome);
+Value clsAdjust::percentMarkUP(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment) {
+  return adjustByPercent(kMarkUp, actionDesc, dblPercent, exComment, outcome);
 }
 
-void clsAdjust::percentDiscount(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment) {
-  adjustByPercent(kDiscount, actionDesc, dblPercent, exComment, outcome);
+Value clsAdjust::percentDiscount(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment) {
+  return adjustByPercent(kDiscount, actionDesc, dblPercent, exComment, outcome);
 }
 
-void clsAdjust::amountMarkUp(Text& actionDesc, double& dblAmount, Outcome outcome, Text& exComment) {
-  adjustByAmount(kMarkUp, actionDesc, dblAmount, exComment, outcome);
+Value clsAdjust::amountMarkUp(Text& actionDesc, double& dblAmount, Outcome outcome, Text& exComment) {
+  return adjustByAmount(kMarkUp, actionDesc, dblAmount, exComment, outcome);
 }
 
-void clsAdjust::amountDiscount(Text& actionDesc, double& dblAmount, Outcome outcome, Text& exComment) {
-  adjustByAmount(kDiscount, actionDesc, dblAmount, exComment, outcome);
+Value clsAdjust::amountDiscount(Text& actionDesc, double& dblAmount, Outcome outcome, Text& exComment) {
+  return adjustByAmount(kDiscount, actionDesc, dblAmount, exComment, outcome);
 }
 
 const ClassInfo& clsAdjust::describe() {
   static const ClassInfo info = [] {
     ClassBuilder<clsAdjust> table;
-    const auto add = [&table](const char* name, const char* value, auto member) {
-      const Contract<Value(Text&, double&, Outcome, Text&)> contract(
-          name, MemberKind::method, parametersOf({{"actionDesc", value}, kOutcome, {optional("exComment")}}));
-      table.implement(contract, member);
-    };
-    add("percentMarkUP", "dblPercent", &clsAdjust::percentMarkUP);
-    add("percentDiscount", "dblPercent", &clsAdjust::percentDiscount);
-    add("amountMarkUp", "dblAmount", &clsAdjust::amountMarkUp);
-    add("amountDiscount", "dblAmount", &clsAdjust::amountDiscount);
+    for (const auto& [name, value, member] : {std::tuple("percentMarkUP", "dblPercent", &clsAdjust::percentMarkUP),
+                                              std::tuple("percentDiscount", "dblPercent", &clsAdjust::percentDiscount),
+                                              std::tuple("amountMarkUp", "dblAmount", &clsAdjust::amountMarkUp),
+                                              std::tuple("amountDiscount", "dblAmount", &clsAdjust::amountDiscount)}) {
+      table.method(name, member, {"actionDesc", value, optional("exComment")});
+    }
     return throughDoor(table.build());
   }();
   return info;

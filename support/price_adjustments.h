@@ -13,10 +13,10 @@ class clsAdjust : public ObjectOf<clsAdjust> {
   static const ClassInfo& describe();
 
   /// On the last item line, `dblPercent` holds the amount in euro afterwards.
-  void percentMarkUP(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment);
-  void percentDiscount(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment);
-  void amountMarkUp(Text& actionDesc, double& dblAmount, Outcome outcome, Text& exComment);
-  void amountDiscount(Text& actionDesc, double& dblAmount, Outcome outcome, Text& exComment);
+  Value percentMarkUP(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment);
+  Value percentDiscount(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment);
+  Value amountMarkUp(Text& actionDesc, double& dblAmount, Outcome outcome, Text& exComment);
+  Value amountDiscount(Text& actionDesc, double& dblAmount, Outcome outcome, Text& exComment);
 };
 
 }  // namespace mirvane

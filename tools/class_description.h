@@ -6,6 +6,7 @@
 #include "component/component.h"
 #include "state/fiscal_types.h"
 #include "text/number_text.h"
+#include "tools/descriptions.h"
 
 // What the programs that describe the public classes have in common.
 namespace mirvane {
@@ -26,6 +27,11 @@ using TypeWords = std::array<std::string_view, 9>;
 
 inline std::string typeText(const Type& type, const TypeWords& words) {
   return std::string(type.name.empty() ? words.at(static_cast<std::size_t>(type.kind)) : type.name);
+}
+
+/// What a member does, in Markdown: as its row says, or the descriptions.
+inline std::string sentenceOf(const ClassInfo& info, const Member& member, Descriptions& descriptions) {
+  return member.sentence.empty() ? descriptions.of(subjectOf(info.name(), member.name)) : std::string(member.sentence);
 }
 
 /// A text in quotes, or a number; True is -1.

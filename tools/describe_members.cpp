@@ -36,7 +36,7 @@ std::string parameterText(const Parameter& parameter) {
   std::string text = parameter.isOptional ? "Optional " : "";
   text += parameter.byReference ? "ByRef " : "ByVal ";
   text.append(parameter.name).append(" As ").append(typeText(parameter.type, kWords));
-  if (parameter.defaultValue != Value()) text += " = " + defaultText(parameter.defaultValue);
+  if (parameter.presetValue() != Value()) text += " = " + defaultText(parameter.presetValue());
   return text;
 }
 
@@ -90,8 +90,8 @@ void writeProperties(std::ostream& page, const ClassInfo& info, Descriptions& de
     if (written.empty()) page << "| id | property | type | access | |\n|---|---|---|---|---|\n";
     written.insert(member.dispatchId);
     page << "| " << member.dispatchId << " | `" << member.name << "` | " << typeText(propertyType(member), kWords)
-         << " | " << access(info.members(), member.dispatchId) << " | "
-         << descriptions.of(subjectOf(info.name(), member.name)) << " |\n";
+         << " | " << access(info.members(), member.dispatchId) << " | " << sentenceOf(info, member, descriptions)
+         << " |\n";
   }
   if (!written.empty()) page << "\n";
 }
@@ -99,8 +99,8 @@ void writeProperties(std::ostream& page, const ClassInfo& info, Descriptions& de
 void writeMethods(std::ostream& page, const ClassInfo& info, Descriptions& descriptions) {
   for (const Member& member : info.members()) {
     if (isProperty(member)) continue;
-    page << "**" << member.name << "**, id " << member.dispatchId << ". "
-         << descriptions.of(subjectOf(info.name(), member.name)) << "\n\n```vb\n"
+    page << "**" << member.name << "**, id " << member.dispatchId << ". " << sentenceOf(info, member, descriptions)
+         << "\n\n```vb\n"
          << declaration(member) << "\n```\n\n";
   }
 }

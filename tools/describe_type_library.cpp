@@ -29,19 +29,19 @@ std::string typeName(const Type& type) {
 std::string parameterText(const Parameter& parameter) {
   std::string text = parameter.byReference ? "[in, out" : "[in";
   if (parameter.isOptional) text += ", optional";
-  if (parameter.defaultValue != Value()) text += ", defaultvalue(" + literal(parameter.defaultValue) + ")";
+  if (parameter.presetValue() != Value()) text += ", defaultvalue(" + literal(parameter.presetValue()) + ")";
   text += "] " + typeName(parameter.type) + (parameter.byReference ? "* " : " ");
   return text.append(parameter.name);
 }
 
-/// The attribute for what an object browser shows about a subject: its description without Markdown, a guide's name in
-/// quotes. A type library knows no Unicode.
-std::string help(Descriptions& descriptions, const std::string& subject) {
+/// The attribute for what an object browser shows: a sentence without its Markdown, a guide's name in quotes. A type
+/// library knows no Unicode.
+std::string help(const std::string& sentence) {
   static const std::regex kLink(R"(\[([^\]]*)\]\([^)]*\))"), kCode("`"), kQuote(R"(["\\])");
-  std::string text = std::regex_replace(descriptions.of(subject), kLink, "\"$1\"");
+  std::string text = std::regex_replace(sentence, kLink, "\"$1\"");
   text = std::regex_replace(text, kCode, "");
   if (std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c > '~'; })) {
-    throw std::runtime_error("more than plain letters about " + subject + ": " + text);
+    throw std::runtime_error("more than plain letters: " + text);
   }
   return "helpstring(\"" + std::regex_replace(text, kQuote, R"(\$&)") + "\")";
 }
@@ -81,14 +81,14 @@ void writeInterface(const PublicClass& c, Descriptions& descriptions) {
             << "    properties:\n"
             << "    methods:\n";
   for (const Member& member : info.members()) {
-    std::cout << "      " << memberText(member, help(descriptions, subjectOf(info.name(), member.name))) << "\n";
+    std::cout << "      " << memberText(member, help(sentenceOf(info, member, descriptions))) << "\n";
   }
   std::cout << "  };\n\n";
 }
 
 void writeClass(const PublicClass& c, Descriptions& descriptions) {
   const std::string name(c.describe().name());
-  std::cout << "  [uuid(" << withoutBraces(c.classId) << "), " << help(descriptions, name) << "]\n"
+  std::cout << "  [uuid(" << withoutBraces(c.classId) << "), " << help(descriptions.of(name)) << "]\n"
             << "  coclass " << name << " {\n"
             << "    [default] dispinterface " << interfaceName(name) << ";\n"
             << "  };\n\n";

@@ -1,5 +1,5 @@
 #include "facade/fiscal_trevik_module.h"
-#include "interface/driver_interface.h"
+#include "interface/members.h"
 #include "tests/fakes/component_test.h"
 
 namespace mirvane::test {
@@ -15,7 +15,8 @@ template <int kNumber>
 struct Substitute : ObjectOf<Substitute<kNumber>> {
   static constexpr std::string_view kName = "Substitute";
   static const ClassInfo& describe() {
-    static const auto info = ClassBuilder<Substitute>().implement(contract::Connect_, &Substitute::Connect_).build();
+    static const auto info =
+        ClassBuilder<Substitute>().template implement<contract::Connect_>(&Substitute::Connect_).build();
     return info;
   }
   static ObjectPtr create() { return std::make_shared<Substitute>(); }

@@ -1,5 +1,5 @@
 #include "facade/fiscal_trevik_module.h"
-#include "interface/driver_interface.h"
+#include "interface/members.h"
 #include "interface/send_by_name.h"
 #include "link/port.h"
 #include "session/session.h"
@@ -37,27 +37,25 @@ const ClassInfo& FiscalVarlenModule::describe() {
   static const ClassInfo info = [] {
     using namespace contract;
     using Self = FiscalVarlenModule;
-    static const auto kSend = method<Text(Text&, Outcome, Text&)>("Send_", {"CmdString"}, {"Pass"});
+    static constexpr auto kSend = method<Text(Text&, Outcome, Text&)>("Send_", {"CmdString", "Pass"});
     ClassBuilder<Self> rows;
-    rows.implement(Connect_, [](Self& self, const Text& PORT, Outcome outcome) { outcome.take(self.connect(PORT)); })
-        .implement(DisConnect_, [](Self&, Text&, Outcome outcome) { outcome.Result = closePort(); })
-        .implement(ItemSale,
-                   [](Self& self, Text& itemDesc, Real& itemQuan, Real& itemUnitPrice, Real&, Integer& itemDep,
-                      Outcome outcome, Text&, Integer&) {
-                     Command command(u"I/");
-                     command.integer(itemDep).text(itemDesc, 20).quantity(itemQuan).amount(itemUnitPrice);
-                     self.session.send(command, outcome);
-                   })
-        .implement(DriverPayment,
-                   [](Self& self, Integer& paymentNumber, Text&, Real& paymentAmount, Integer&, Integer&,
-                      Outcome outcome, Text&, bool&, bool&) {
-                     self.session.send(Command(u"T/").integer(paymentNumber).amount(paymentAmount), outcome);
-                   })
-        .implement(SendCommand_,
-                   [](Self& self, Text& command, Outcome outcome, Text&) { self.session.send(command, outcome); })
-        .implement(lastReply, [](Self& self) { return self.session.lastReply(); })
-        .implement(isErrorFixable, [](Self&, Integer& iErr) { return Reply(iErr, {}).is(DeviceCode::kBusy); })
-        .implement(kSend, [](Self& self, Text& command, Outcome outcome, Text&) {
+    rows.implement<Connect_>([](Self& self, const Text& PORT, Outcome outcome) { outcome.take(self.connect(PORT)); })
+        .implement<DisConnect_>([](Self&, Text&, Outcome outcome) { outcome.Result = closePort(); })
+        .implement<ItemSale>([](Self& self, Text& itemDesc, Real& itemQuan, Real& itemUnitPrice, Real&,
+                                Integer& itemDep, Outcome outcome, Text&, Integer&) {
+          Command command(u"I/");
+          command.integer(itemDep).text(itemDesc, 20).quantity(itemQuan).amount(itemUnitPrice);
+          self.session.send(command, outcome);
+        })
+        .implement<DriverPayment>([](Self& self, Integer& paymentNumber, Text&, Real& paymentAmount, Integer&, Integer&,
+                                     Outcome outcome, Text&, bool&, bool&) {
+          self.session.send(Command(u"T/").integer(paymentNumber).amount(paymentAmount), outcome);
+        })
+        .implement<SendCommand_>(
+            [](Self& self, Text& command, Outcome outcome, Text&) { self.session.send(command, outcome); })
+        .implement<lastReply>([](Self& self) { return self.session.lastReply(); })
+        .implement<isErrorFixable>([](Self&, Integer& iErr) { return Reply(iErr, {}).is(DeviceCode::kBusy); })
+        .implement<kSend>([](Self& self, Text& command, Outcome outcome, Text&) {
           outcome.take(self.session.exchange(command, outcome));
           return self.session.lastReply();
         });
