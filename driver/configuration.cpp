@@ -70,7 +70,7 @@ constexpr auto refused = [](Driver& /*driver*/, const auto&... arguments) {
 void readServer(Driver& driver, std::uint8_t& active, Text& urls, Text& port, Text& key, Outcome outcome, Text&) {
   const Reply reply = driver.send(u",/0/", outcome);
   if (!reply.succeeded()) return;
-  driver.session.sendSilently(Text(kEndServerDialogue));  // first, or a reply too short would leave it open
+  driver.session.sendSilently(kEndServerDialogue);  // first, or a reply too short would leave it open
   const ServerReply server(reply);
   active = convertTo<std::uint8_t>(Value(reply.number(0)));
   urls = server.urls();
@@ -91,7 +91,7 @@ void writeServer(Driver& driver, std::uint8_t active, const Text& urls, const Te
                   .empty()
                   .verbatim(stored(urls.substr(std::min(bar + 1, urls.size())))),
               outcome);
-  driver.session.sendSilently(Text(kEndServerDialogue));
+  driver.session.sendSilently(kEndServerDialogue);
 }
 
 void writeVatRates(Driver& driver, double& VatA, double& VatB, double& VatC, double& VatD, double& VatE,

@@ -15,7 +15,7 @@ struct FiscalVarlenModule2 : ObjectOf<FiscalVarlenModule2> {
   static const ClassInfo& describe();
 
   /// As the session does it.
-  Reply send(const Text& command, Outcome outcome) { return session.send(command, outcome); }
+  Reply send(TextView command, Outcome outcome) { return session.send(command, outcome); }
 
   /// The status record that programs hold, with what the device told last. It does not tell a full memory, a paid-out,
   /// a received-on-account or a nearly full fiscal memory, so those flags stay False.

@@ -35,7 +35,7 @@ auto salesRead(TextView code, std::size_t amount, std::size_t count) {
 
 auto textRead(TextView command, std::size_t field) {
   return [=](Driver& driver, Text& text, Outcome outcome) {
-    const Reply reply = driver.send(Text(command), outcome);
+    const Reply reply = driver.send(command, outcome);
     if (reply.succeeded()) text = reply.text(field);
   };
 }

@@ -12,10 +12,10 @@ constexpr std::size_t kDisplayComment = 20;
 // The device may be waiting for a card terminal.
 constexpr std::int16_t kPaymentSeconds = 180;
 
-const Text kCloseReceipt = u"O/1/";
-const Text kCancelReceipt = u"O/2/";
-const Text kAskRemaining = u"5/99/1/1/1/";
-const Text kAskTotals = u"9/";
+constexpr TextView kCloseReceipt = u"O/1/";
+constexpr TextView kCancelReceipt = u"O/2/";
+constexpr TextView kAskRemaining = u"5/99/1/1/1/";
+constexpr TextView kAskTotals = u"9/";
 constexpr std::size_t kReceiptTotal = 6;
 constexpr int kRemainingAttempts = 3;
 constexpr double kHalfCent = 0.005;

@@ -35,6 +35,7 @@ class Command {
   }
 
   operator const Text&() const { return text_; }
+  operator TextView() const { return text_; }
 
  private:
   static double finite(double value) {

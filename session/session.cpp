@@ -58,7 +58,7 @@ std::optional<Reply> Session::strangerThere() {
   return refuseStranger();
 }
 
-Reply Session::send(const Text& command, Outcome outcome, std::int16_t timeOut) {
+Reply Session::send(TextView command, Outcome outcome, std::int16_t timeOut) {
   const Word word = words_.of(trim(command));
   Payment sent = sendAs(word, command, outcome, timeOut);
   // What remains to pay is the sender's affair; here is nobody who knows what remained before.
@@ -68,11 +68,11 @@ Reply Session::send(const Text& command, Outcome outcome, std::int16_t timeOut) 
   return unknown;
 }
 
-Session::Payment Session::pay(const Text& command, Outcome outcome, std::int16_t timeOut) {
+Session::Payment Session::pay(TextView command, Outcome outcome, std::int16_t timeOut) {
   return sendAs({.pays = true}, command, outcome, timeOut);
 }
 
-Session::Payment Session::sendAs(const Word& word, const Text& command, Outcome outcome, std::int16_t timeOut) {
+Session::Payment Session::sendAs(const Word& word, TextView command, Outcome outcome, std::int16_t timeOut) {
   // A copy: the caller may have given one variable for the command and for the outcome.
   const Text sent(trim(command));
   const int looksBefore = uncertainLooks_;
@@ -107,7 +107,7 @@ Session::Payment Session::sendAs(const Word& word, const Text& command, Outcome 
   }
 }
 
-Reply Session::sendSilently(const Text& command) {
+Reply Session::sendSilently(TextView command) {
   OwnOutcome own;
   return send(command, own);
 }

@@ -22,10 +22,10 @@ class Session {
 
   /// Sends a command and tells its outcome, in a message box too unless that is suppressed. A state that the device
   /// ends by itself is waited for, and the command sent again where that cannot do it twice.
-  Reply send(const Text& command, Outcome outcome, std::int16_t timeOut = 0);
+  Reply send(TextView command, Outcome outcome, std::int16_t timeOut = 0);
 
   /// The same without boxes, and nobody is told.
-  Reply sendSilently(const Text& command);
+  Reply sendSilently(TextView command);
 
   /// A payment, sent as `send` does.
   struct Payment {
@@ -33,7 +33,7 @@ class Session {
     /// Whether the device surely told how it ended: it can tell the end of a card payment once, and that can get lost.
     bool isTold;
   };
-  Payment pay(const Text& command, Outcome outcome, std::int16_t timeOut);
+  Payment pay(TextView command, Outcome outcome, std::int16_t timeOut);
 
   /// Tells a failure that is not a command's, and shows its box unless that is suppressed.
   static void fail(const Reply& failure, Outcome outcome);
@@ -56,7 +56,7 @@ class Session {
   Text lastexResult;
 
  private:
-  Payment sendAs(const Word& word, const Text& command, Outcome outcome, std::int16_t timeOut);
+  Payment sendAs(const Word& word, TextView command, Outcome outcome, std::int16_t timeOut);
   Reply exchangeAs(const Word& word, TextView command, bool isSilent, Outcome outcome, std::int16_t timeOut);
   void remember(const Word& word, TextView command, const Answer& answer);
   std::optional<Reply> strangerThere();
