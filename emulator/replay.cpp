@@ -133,6 +133,12 @@ class Script {
   bool isNetwork_ = false;
 };
 
+// What sets the server, and what asks for it.
+bool holdsKey(std::string_view frame) {
+  const std::string_view command = frame.substr(std::min<std::size_t>(frame.size(), 1));
+  return command.starts_with("]/") || command.starts_with(",/");
+}
+
 }  // namespace
 
 Replay::Replay(std::string_view record) {
@@ -162,7 +168,7 @@ Replay::Replay(std::string_view record) {
 }
 
 void Replay::feed(std::string_view bytes, Outlet& outlet) {
-  if (end_ == End::kAsRecorded) differ(secrets_.maskedSent(bytes));
+  if (end_ == End::kAsRecorded) differ(secrets_.maskedSent(bytes, holdsKey(bytes)));
   // What is sent to a line that breaks reached nobody, then as now.
   if (end_ || outlet.hurry()) return;
   pending_ += bytes;
@@ -179,7 +185,7 @@ void Replay::feed(std::string_view bytes, Outlet& outlet) {
 }
 
 void Replay::take(const std::string& unit, Outlet& outlet) {
-  const std::string masked = secrets_.maskedSent(unit);
+  const std::string masked = secrets_.maskedSent(unit, holdsKey(unit));
   if (!isAsRecorded(steps_[next_].bytes, masked)) return differ(masked);
   for (++next_; next_ < steps_.size() && steps_[next_].kind != Kind::kSent; ++next_) {
     const Step& step = steps_[next_];

@@ -43,6 +43,7 @@ Answer exchange(TextView command, const Sending& sending, SilenceObserver& silen
   if (isOpen() && !frame.isFaithful && !sending.silent) tellOfUnknownCharacters();
   // Looked at behind the box, while which the program runs.
   if (!isOpen()) return {closedPort()};
+  moduleState().call.holdsKey = sending.word.holdsKey;
   Answer answer;
   std::string& lastFrame = lineMemory().lastFrame;
   transport().drain();

@@ -17,11 +17,15 @@ struct Word {
   bool pays = false;
   /// It pays by a card terminal.
   bool paysByCard = false;
+  /// It, or the reply to it, may hold the key of the tax authority's server.
+  bool holdsKey = false;
 };
 
 /// What a device family's commands are, as its driver knows them and the rooms below have to.
 struct Words {
-  Word (*of)(TextView command);
+  /// Nothing for a command that the family does not have: a program may send any.
+  std::optional<Word> (*find)(TextView command);
+  Word of(TextView command) const { return find(command).value_or(Word()); }
   /// Asks whether the device is free. It moves nothing on but the end of a card payment.
   TextView askState;
   /// Asks for the serial number, which is the answer's first field.

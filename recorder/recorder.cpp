@@ -24,6 +24,10 @@ constexpr std::chrono::milliseconds kLookEvery{20};
 constexpr std::chrono::seconds kTryAgainAfter{1};
 constexpr std::chrono::seconds kAtTheEnd{2};
 
+struct Told : Event {
+  bool holdsKey = false;
+};
+
 }  // namespace
 
 struct Recorder::Writer {
@@ -63,13 +67,15 @@ struct Recorder::Writer {
   void take() {
     batch.swap(pending);
     pendingSize = 0;
-    if (lost > 0) batch.push_back({batch.empty() ? clock.sinceEpoch() : batch.back().time, EventKind::kLost, lost, {}});
+    if (lost > 0) {
+      batch.push_back({{batch.empty() ? clock.sinceEpoch() : batch.back().time, EventKind::kLost, lost, {}}});
+    }
     lost = 0;
   }
 
   bool writeBatch() {
-    for (Event& event : batch) {
-      event.text = secrets.masked(event.kind, event.text);
+    for (Told& event : batch) {
+      event.text = secrets.masked(event.kind, event.text, event.holdsKey);
       for (std::size_t at = 0; at == 0 || at < event.text.size(); at += kLongestText) {
         std::string text = event.text.substr(at, kLongestText);
         const auto number = isOfLine(event.kind) ? static_cast<std::int32_t>(text.size()) : event.number;
@@ -85,7 +91,7 @@ struct Recorder::Writer {
 
   std::mutex mutex;  // of what follows
   std::condition_variable changed;
-  std::vector<Event> pending;
+  std::vector<Told> pending;
   std::size_t pendingSize = 0;
   std::int32_t lost = 0;
   bool isIdle = false;
@@ -93,7 +99,7 @@ struct Recorder::Writer {
   std::atomic<bool> isAlive = true;
 
   // The thread's own.
-  std::vector<Event> batch;
+  std::vector<Told> batch;
   Secrets secrets;
   RecordFiles files;
 };
@@ -110,7 +116,7 @@ Recorder::~Recorder() {
   writer_->changed.wait_for(lock, kAtTheEnd, [this] { return !writer_->isAlive; });
 }
 
-void Recorder::add(EventKind kind, std::int32_t number, std::string text) {
+void Recorder::add(EventKind kind, std::int32_t number, std::string text, bool holdsKey) {
   const std::int64_t now = writer_->clock.sinceEpoch();
   const std::lock_guard lock(writer_->mutex);
   const std::size_t size = text.size() + kEventSize;
@@ -119,7 +125,7 @@ void Recorder::add(EventKind kind, std::int32_t number, std::string text) {
     return;
   }
   writer_->pendingSize += size;
-  writer_->pending.push_back({now, kind, number, std::move(text)});
+  writer_->pending.push_back({{now, kind, number, std::move(text)}, holdsKey});
   if (writer_->isIdle) writer_->changed.notify_all();
 }
 

@@ -19,8 +19,9 @@ class Recorder {
   /// Waits until all is written, for two seconds at most.
   ~Recorder();
 
-  /// Adds an event of now. `text` as in Event, with its secrets.
-  void add(EventKind kind, std::int32_t number, std::string text);
+  /// Adds an event of now. `text` as in Event, with its secrets; of a frame, `holdsKey` says whether it or the reply to
+  /// it may hold a key.
+  void add(EventKind kind, std::int32_t number, std::string text, bool holdsKey = false);
 
   /// False once memory has run out: nothing is recorded any more.
   bool isAlive() const;

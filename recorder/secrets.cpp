@@ -57,19 +57,18 @@ std::string KeyMask::masked(std::string_view piece) {
   return result;
 }
 
-std::string Secrets::masked(EventKind kind, std::string_view text) {
-  if (kind == EventKind::kSent) return maskedSent(sent_.masked(text));
+std::string Secrets::masked(EventKind kind, std::string_view text, bool holdsKey) {
+  if (kind == EventKind::kSent) return maskedSent(sent_.masked(text), holdsKey);
   return isOfLine(kind) ? maskedReceived(received_.masked(text)) : KeyMask().masked(text);
 }
 
-std::string Secrets::maskedSent(std::string_view bytes) {
+std::string Secrets::maskedSent(std::string_view bytes, bool holdsKey) {
   if (bytes.empty() || bytes.front() != wire::kStx) return std::string(bytes);
-  const std::string_view command = bytes.substr(1);
   wasServer_ = isServer_;
-  isServer_ = command.starts_with(",/") || command.starts_with("]/");
-  // "]/" active, URL, port, key: a URL may have been given with slashes of its own.
+  isServer_ = holdsKey;
+  // The command, a flag, the URL, port, key: a URL may have been given with slashes of its own.
   constexpr std::size_t kBehindUrl = 3;
-  return command.starts_with("]/") ? maskedFrom(kBehindUrl, bytes) : std::string(bytes);
+  return holdsKey ? maskedFrom(kBehindUrl, bytes) : std::string(bytes);
 }
 
 std::string Secrets::maskedReceived(std::string_view bytes) const {

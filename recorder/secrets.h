@@ -17,16 +17,17 @@ class KeyMask {
   std::size_t last_ = 0;
 };
 
-/// Blanks secrets out of a conversation: the key of the server, which "]/" sets and the reply to ",/0/" tells.
+/// Blanks secrets out of a conversation: the key of the tax authority's server, which one command sets and the reply to
+/// another tells.
 ///
-/// It is known by the command: each field from where the key can be on becomes "***", whatever stands between. And it
-/// is known by its look, wherever and whenever it comes.
+/// It is known by the command, of which whoever sends it says that it `holdsKey`: each field from where the key can be
+/// on becomes "***", whatever stands between. And it is known by its look, wherever and whenever it comes.
 class Secrets {
  public:
   /// An event's text with no secret in it. The bytes of one direction may come in pieces, but for frames of the till.
-  std::string masked(EventKind kind, std::string_view text);
+  std::string masked(EventKind kind, std::string_view text, bool holdsKey = false);
   /// Bytes of the till, a whole frame at a time, masked by the command alone.
-  std::string maskedSent(std::string_view bytes);
+  std::string maskedSent(std::string_view bytes, bool holdsKey);
 
  private:
   std::string maskedReceived(std::string_view bytes) const;

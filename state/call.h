@@ -17,6 +17,8 @@ struct Call {
   int guests = 0;
   /// Whether the program has let go of a facade meanwhile: the driver is released when the call is over.
   bool releasesDriver = false;
+  /// Whether what goes over the line now may hold a key.
+  bool holdsKey = false;
   /// What the network endpoint has to report when the call is over; empty for nothing.
   TextView networkFailure{};
   /// When the program's windows want to be served again, by Clock::elapsed; 0 for never yet.

@@ -8,6 +8,7 @@
 
 #include "component/component.h"
 #include "driver/fiscal_varlen_module2.h"
+#include "tests/fakes/component_test.h"
 
 namespace mirvane::test {
 namespace {
@@ -52,6 +53,34 @@ TEST(Members, HaveABodyInTheDriver) {
     EXPECT_NE(FiscalVarlenModule2::describe().find(member.name, Access::callOrRead), nullptr)
         << member.name << " is offered to programs: implement<" << member.name << "> in driver/ says what it does";
   }
+}
+
+class MembersOfTheDriver : public DriverTest {};
+
+// A word that is not declared does something that must happen once: as a payment it could charge a card twice.
+TEST_F(MembersOfTheDriver, SendNoWordThatIsNotDeclared) {
+  const ObjectPtr facade = create("fiscalTrevikModule");
+  screen.expectsWaits = true;
+  for (const Member& member : facade->classInfo().members()) {
+    if (member.kind != MemberKind::method || member.name == "SendCommand_") continue;
+    std::vector<Value> variables(member.parameters.size());
+    std::vector<Argument> arguments;
+    for (std::size_t i = 0; i < variables.size(); ++i) {
+      const Type& type = member.parameters[i].type;
+      if (type.kind == TypeKind::object) variables[i] = create(type.name);
+      if (type.kind == TypeKind::text) variables[i] = Text(u"text");
+      arguments.emplace_back(Reference(&variables[i]));
+    }
+    answers(std::vector<std::string>(9, "3/4/5/6/7/8/9/10/11/12/13/14/15/16/17/18/"));
+    facade->invoke(member.name, Access::call, arguments);
+    moduleState().currentDriver = driver;
+    connect(u"COM1");
+  }
+  EXPECT_GT(std::set(device.commands.begin(), device.commands.end()).size(), 40U);
+  for (const std::string& command : device.commands) {
+    EXPECT_TRUE(kSecondGenerationWords.find(fromUtf8(command))) << command << ": say in driver/words.cpp what it is";
+  }
+  EXPECT_FALSE(kSecondGenerationWords.find(u"~/"));
 }
 
 }  // namespace

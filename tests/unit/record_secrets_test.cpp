@@ -34,13 +34,14 @@ TEST(RecordSecrets, TheServersKeyIsKnownByItsCommand) {
   };
   for (const auto& [sent, received, shownSent, shownReceived] : cases) {
     Secrets secrets;
-    EXPECT_EQ(secrets.maskedSent(std::string("\x02") + sent + "\x03"), std::string("\x02") + shownSent + "\x03");
+    EXPECT_EQ(secrets.maskedSent(std::string("\x02") + sent + "\x03", sent[0] != '3'),
+              std::string("\x02") + shownSent + "\x03");
     const std::string stx = std::string(received).starts_with("00") ? "\x02" : "";
     EXPECT_EQ(secrets.masked(EventKind::kReceived, stx + received + "\x03"), stx + shownReceived + "\x03");
   }
   Secrets late;
-  late.maskedSent("\x02,/0/12\x03");
-  late.maskedSent("\x02v/12\x03");
+  late.maskedSent("\x02,/0/12\x03", true);
+  late.maskedSent("\x02v/12\x03", false);
   EXPECT_EQ(late.masked(EventKind::kReceived,
                         "\x02"
                         "00/00/00/1/u/80/KEY\x03"),

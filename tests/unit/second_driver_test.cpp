@@ -17,7 +17,7 @@ struct FiscalVarlenModule : ObjectOf<FiscalVarlenModule> {
   Reply connect(const Text& port);
 
   Session session{kWords};
-  static constexpr Words kWords{[](TextView command) {
+  static constexpr Words kWords{[](TextView command) -> std::optional<Word> {
                                   const bool asks = command == u"M/" || command == u"B/";
                                   return Word{.asks = asks, .pays = command.starts_with(u"T/")};
                                 },
