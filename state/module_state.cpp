@@ -75,7 +75,8 @@ void record(recorder::EventKind kind, std::int32_t number, TextView text) {
 }
 
 void recordBytes(recorder::EventKind kind, std::string_view bytes) {
-  if (moduleState().recorder != nullptr && !bytes.empty()) moduleState().recorder->add(kind, 0, std::string(bytes), moduleState().call.holdsKey);
+  if (moduleState().recorder != nullptr && !bytes.empty())
+    moduleState().recorder->add(kind, 0, std::string(bytes), moduleState().call.holdsKey);
 }
 
 void recordPort(recorder::EventKind kind, TextView port, const platform::SystemError& error) {
