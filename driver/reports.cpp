@@ -10,6 +10,12 @@ namespace {
 constexpr int kJournalTries = 3;
 constexpr std::uint32_t kPauseMilliseconds = 3000;
 
+// Whether the last journal step of this process failed, and none has succeeded since.
+struct JournalStep {
+  bool hasFailed = false;
+};
+bool& stepHasFailed() { return kept<JournalStep>().hasFailed; }
+
 // Takes the day's journal from the device, before a closing. True when that failed; `message` is then the code, "~"
 // and its text.
 bool journalStepFails(Driver& driver, Text& message) {
@@ -17,9 +23,9 @@ bool journalStepFails(Driver& driver, Text& message) {
   if (driver.journal == nullptr) driver.journal = std::make_shared<FiscalJournal>();
   bool closesDay = true;
   bool withForm = true;
-  moduleState().journalStepFailed = true;  // also when a file error leaves the step
-  moduleState().journalStepFailed = driver.journal->eMakeZreport(message, closesDay, withForm) != 0;
-  return moduleState().journalStepFailed;
+  stepHasFailed() = true;  // also when a file error leaves the step
+  stepHasFailed() = driver.journal->eMakeZreport(message, closesDay, withForm) != 0;
+  return stepHasFailed();
 }
 
 bool journalIsTaken(Driver& driver, Text& message) {
@@ -61,7 +67,7 @@ void addReports(Rows& rows) {
       // The whole closing when the device has a journal that was not taken yet.
       .implement<issueZReprintReport>([](Driver& driver, Outcome outcome) {
         Text message;
-        if (moduleState().journalStepFailed && journalStepFails(driver, message)) {
+        if (stepHasFailed() && journalStepFails(driver, message)) {
           outcome.take(failureOf(message));
           if (outcome.SupressError_) return;
           showBox(message, platform::kExclamation, kDeviceFamilyName);

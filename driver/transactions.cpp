@@ -38,8 +38,8 @@ auto itemLine(TextView code) {
                                         .integer(itemCategory == 0 ? 1 : itemCategory),
                                     outcome);
     if (!reply.succeeded()) return;
-    moduleState().lastItemDep = itemDep;
-    moduleState().lastItemAmount = itemQuan * itemUnitPrice;
+    lastItem().department = itemDep;
+    lastItem().amount = itemQuan * itemUnitPrice;
   };
 }
 
@@ -119,7 +119,7 @@ void addTransactions(Rows& rows) {
       .implement<ItemVoid>(itemLine(u"3/V//"))
       .implement<ItemRefund>(itemLine(u"3/R//"))
       .implement<kAdjustment>([](Driver&, bool& onLastItem) {
-        moduleState().adjustOnLastItem = onLastItem;
+        lastItem().isAdjusted = onLastItem;
         return std::make_shared<clsAdjust>();
       })
       .implement<DriverPayment>([](Driver& driver, Integer& paymentNumber, Text& paymentDesc, Real& paymentAmount,

@@ -2,6 +2,7 @@
 
 #include "interface/door.h"
 #include "interface/members.h"
+#include "link/open_port.h"
 #include "state/module_state.h"
 #include "support/price_adjustments.h"
 
@@ -99,7 +100,7 @@ const ClassInfo& fiscalTrevikModule::describe() {
       row.dispatchId = member.places.facade;
       row.sentence = member.sentence;
     }
-    return throughDoor(table.build(), contract::Connect_.name);
+    return throughDoor(table.build(), contract::Connect_.name, [] { return thePort().isOpen(); });
   }();
   return info;
 }

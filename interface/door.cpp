@@ -17,6 +17,9 @@ struct Report {
   enum class Kind { kNone, kOutcome, kJournal } kind = Kind::kNone;
   /// The parameter Result, behind which Exresult and SupressError_ stand, or errorDesc.
   std::size_t at = 0;
+  /// The flag that says whether the operator is to see anything, and its value when not; past the end for none.
+  std::size_t flag = 0;
+  bool silence = true;
 };
 
 Report reportOf(const Member& member) {
@@ -27,9 +30,11 @@ Report reportOf(const Member& member) {
   // A member that leaves its variables as they are does nothing at all.
   if (!member.assigns) return {};
   if (const std::size_t at = find(Outcome::kNames.front().name); at < member.parameters.size()) {
-    return {Report::Kind::kOutcome, at};
+    return {Report::Kind::kOutcome, at, at + 2, true};
   }
-  if (const std::size_t at = find("errorDesc"); at < member.parameters.size()) return {Report::Kind::kJournal, at};
+  if (const std::size_t at = find("errorDesc"); at < member.parameters.size()) {
+    return {Report::Kind::kJournal, at, find("bWithForm"), false};
+  }
   return {};
 }
 
@@ -85,7 +90,8 @@ struct Entrance {
   Member member;
   Report report;
   Text name;
-  bool isConnect;
+  /// Of the member that connects: whether a port is open.
+  bool (*isConnected)() = nullptr;
 
   Value enter(Object& self, CallArguments& arguments) const {
     // The component's own call of the driver that it has chosen; no program holds that.
@@ -93,25 +99,24 @@ struct Entrance {
     arguments.detach(report.at);
     if (report.kind == Report::Kind::kOutcome) arguments.detach(report.at + 1);
     if (moduleState().call.isInside) return refuse(arguments);
-    const Inside inside(report.kind == Report::Kind::kOutcome && outcomeOf(report, arguments).SupressError_);
+    const bool hasFlag = report.flag < member.parameters.size();
+    const Inside inside(hasFlag && arguments.get<bool&>(report.flag) == report.silence);
     return moduleState().recorder == nullptr ? member.body(self, arguments) : record(self, arguments);
   }
 
  private:
   Value refuse(CallArguments& arguments) const {
-    Call& call = moduleState().call;
-    ++call.guests;
     arguments.leaveOthers();
     constexpr auto kBusy = static_cast<std::int16_t>(DeviceCode::kBusy);
     if (report.kind == Report::Kind::kJournal) {
       arguments.get<Text&>(report.at) = numberText(std::int32_t{kBusy}) + u"~" + Text(deviceErrorText(kBusy));
       return std::int32_t{kBusy};
     }
-    const ModuleState& state = moduleState();
+    ModuleState& state = moduleState();
     const bool hasDriver = state.currentDriver != nullptr && state.fiscalType != FISCAL_unknown;
-    const bool isConnected = isConnect && hasDriver && state.portHandle > 0;
-    if (isConnected) call.releasesDriver = false;
-    outcomeOf(report, arguments).take(isConnected ? Reply() : Reply(kBusy, Text(deviceErrorText(kBusy))));
+    const bool succeeds = isConnected != nullptr && hasDriver && isConnected();
+    if (succeeds) state.call.releasesDriver = false;
+    outcomeOf(report, arguments).take(succeeds ? Reply() : Reply(kBusy, Text(deviceErrorText(kBusy))));
     return {};
   }
 
@@ -135,12 +140,12 @@ struct Entrance {
 
 }  // namespace
 
-ClassInfo throughDoor(ClassInfo table, std::string_view connect) {
+ClassInfo throughDoor(ClassInfo table, std::string_view connect, bool (*isConnected)()) {
   std::vector<Member> members = table.members();
   for (Member& member : members) {
     const Report report = reportOf(member);
     if (report.kind == Report::Kind::kNone) continue;
-    const Entrance entrance{member, report, fromUtf8(member.name), member.name == connect};
+    const Entrance entrance{member, report, fromUtf8(member.name), member.name == connect ? isConnected : nullptr};
     member.body = [entrance](Object& self, CallArguments& arguments) { return entrance.enter(self, arguments); };
   }
   return {table.name(), std::move(members)};

@@ -1,7 +1,7 @@
 #include "link/link.h"
 
 #include "link/frame.h"
-#include "link/line_memory.h"
+#include "link/open_port.h"
 #include "link/port.h"
 #include "state/message_catalogue.h"
 #include "state/module_state.h"
@@ -11,8 +11,6 @@ namespace mirvane {
 namespace {
 
 constexpr int kAskings = 3;
-
-bool isOpen() { return moduleState().portHandle > 0; }
 
 void tellOfUnknownCharacters() {
   showBox(u"INVALID CHARACTERS", platform::kInformationSystemModal, langMessage(message::kBoxTitle));
@@ -40,12 +38,12 @@ Reply silentDevice() { return {link_result::kNoAnswerToCommand, link_result::kNo
 
 Answer exchange(TextView command, const Sending& sending, SilenceObserver& silence) {
   const Frame frame(trim(command));
-  if (isOpen() && !frame.isFaithful && !sending.silent) tellOfUnknownCharacters();
+  if (thePort().isOpen() && !frame.isFaithful && !sending.silent) tellOfUnknownCharacters();
   // Looked at behind the box, while which the program runs.
-  if (!isOpen()) return {closedPort()};
+  if (!thePort().isOpen()) return {closedPort()};
   moduleState().call.holdsKey = sending.word.holdsKey;
   Answer answer;
-  std::string& lastFrame = lineMemory().lastFrame;
+  std::string& lastFrame = thePort().lastFrame;
   transport().drain();
   for (int asking = 1;; ++asking) {
     Exchange exchange = transport().exchange(frame.bytes, sending, silence);
@@ -86,7 +84,7 @@ std::optional<Reply> askBriefly(TextView question, double seconds) {
 }
 
 bool looksRepeated(TextView command) {
-  return transport().losesSilently() && Frame(trim(command)).bytes == lineMemory().lastFrame;
+  return transport().losesSilently() && Frame(trim(command)).bytes == thePort().lastFrame;
 }
 
 }  // namespace mirvane

@@ -139,7 +139,7 @@ const ClassInfo& cPortProp::describe() {
 }
 
 cPortProp& portProp() {
-  auto& shared = moduleState().portProp;
+  auto& shared = kept<std::shared_ptr<cPortProp>>();
   if (shared == nullptr) shared = std::make_shared<cPortProp>();
   return *shared;
 }

@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "link/line_memory.h"
 #include "link/network_endpoint.h"
 #include "link/network_transport.h"
+#include "link/open_port.h"
 #include "link/serial_line.h"
 #include "link/serial_transport.h"
 #include "state/message_catalogue.h"
@@ -62,7 +62,7 @@ bool openNetwork(const NetworkName& name) {
   if (endpoint->SocketHnd() > 0) {
     // Marked as the open port even when connecting failed, so that closing finds what was left half open.
     portProp().tcpPort = true;
-    moduleState().portHandle = endpoint->SocketHnd();
+    thePort().handle = endpoint->SocketHnd();
   } else {
     portProp().setTCPClass(nullptr);
   }
@@ -72,9 +72,8 @@ bool openNetwork(const NetworkName& name) {
 }  // namespace
 
 Reply openPort(const Text& name) {
-  if (moduleState().portHandle > 0) return {};
+  if (thePort().isOpen()) return {};
   startRecord();
-  lineMemory() = {};
   const auto network = parseNetworkName(name);
   Reply outcome;
   if (!(network ? openNetwork(*network) : openSerialLine(name))) {
@@ -89,8 +88,7 @@ Reply openPort(const Text& name) {
 }
 
 std::int16_t closePort() {
-  ModuleState& state = moduleState();
-  if (state.portHandle <= 0) return 0;
+  if (!thePort().isOpen()) return 0;
   bool closed = true;
   if (portProp().tcpPort) {
     portProp().TCPClass()->ShutdownConnection();
@@ -99,12 +97,12 @@ std::int16_t closePort() {
   } else {
     closed = closeSerialLine();
   }
-  state.portHandle = 0;
+  thePort() = {};
   return closed ? 1 : 0;
 }
 
 Reply refuseStranger() {
-  const Text name = moduleState().portName;
+  const Text name = thePort().name;
   closePort();
   kept<Stranger>() = {name, moduleState().call.number};
   return cannotOpen(name);

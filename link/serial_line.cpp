@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "link/line_memory.h"
+#include "link/open_port.h"
 #include "state/module_state.h"
 #include "text/text.h"
 
@@ -30,46 +30,45 @@ bool isComNumber(TextView name) {
 }  // namespace
 
 bool openSerialLine(const Text& name) {
-  ModuleState& state = moduleState();
-  state.portName = name;
-  state.portHandle = serial().open(name);
-  if (state.portHandle <= 0 && isComNumber(name)) state.portHandle = serial().open(u"\\\\.\\" + name);
-  const bool opened = state.portHandle > 0;
-  recordPort(EventKind::kOpen, name, opened ? platform::SystemError{} : platform::lastSystemError());
-  return opened;
+  OpenPort& port = thePort();
+  port.name = name;
+  port.handle = serial().open(name);
+  if (!port.isOpen() && isComNumber(name)) port.handle = serial().open(u"\\\\.\\" + name);
+  recordPort(EventKind::kOpen, name, port.isOpen() ? platform::SystemError{} : platform::lastSystemError());
+  return port.isOpen();
 }
 
 bool configureSerialLine() {
-  const ModuleState& state = moduleState();
-  serial().setTimeouts(state.portHandle, kLineTimeouts);
-  if (serial().configure(state.portHandle, kLineSettings)) return true;
-  recordPort(EventKind::kOpen, state.portName, platform::lastSystemError());
+  const OpenPort& port = thePort();
+  serial().setTimeouts(port.handle, kLineTimeouts);
+  if (serial().configure(port.handle, kLineSettings)) return true;
+  recordPort(EventKind::kOpen, port.name, platform::lastSystemError());
   return false;
 }
 
 bool closeSerialLine() {
-  const ModuleState& state = moduleState();
-  if (state.portHandle == kLostPort) return true;
-  const bool closed = serial().close(state.portHandle);
-  record(EventKind::kClose, closed ? 0 : 1, state.portName);
+  const OpenPort& port = thePort();
+  if (port.handle == kLostPort) return true;
+  const bool closed = serial().close(port.handle);
+  record(EventKind::kClose, closed ? 0 : 1, port.name);
   return closed;
 }
 
 void breakSerialLine() {
-  recordPort(EventKind::kBroken, moduleState().portName, platform::lastSystemError());
+  recordPort(EventKind::kBroken, thePort().name, platform::lastSystemError());
   closeSerialLine();
-  moduleState().portHandle = kLostPort;
+  thePort().handle = kLostPort;
 }
 
 bool reopenSerialLine() {
-  const Text name = moduleState().portName;
+  const Text name = thePort().name;
   const bool opened = openSerialLine(name);
   if (opened && configureSerialLine()) {
-    lineMemory().isReopened = true;
+    thePort().isReopened = true;
     return true;
   }
   if (opened) closeSerialLine();
-  moduleState().portHandle = kLostPort;
+  thePort().handle = kLostPort;
   return false;
 }
 

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "link/frame.h"
-#include "link/line_memory.h"
+#include "link/open_port.h"
 #include "link/received.h"
 #include "link/serial_line.h"
 #include "link/stopwatch.h"
@@ -29,7 +29,7 @@ constexpr int kMostEmptyAttempts = 3;
 constexpr int kMostStrangeReplies = 3;
 
 platform::SerialPort& port() { return moduleState().platform->serial; }
-std::int32_t handle() { return moduleState().portHandle; }
+std::int32_t handle() { return thePort().handle; }
 
 // How many bytes the line took; nothing when it has failed.
 std::optional<std::size_t> put(std::string_view bytes) {
@@ -124,7 +124,7 @@ class SerialExchange {
 
   // Handshake and frame; how many bytes of them the line took, or nothing when it has failed.
   std::optional<std::size_t> putAll() const {
-    bool& owesAck = lineMemory().owesAck;
+    bool& owesAck = thePort().owesAck;
     if (owesAck) owesAck = put({&wire::kAck, 1}).value_or(0) == 0;
     std::size_t all = 0;
     for (const char& byte : kBegin) {
@@ -163,7 +163,7 @@ class SerialExchange {
   // Who sits on a line that was opened anew is not known: anything that ends in an ETX would be an answer, be it a
   // scale's.
   bool isOver() {
-    if (!lineMemory().isReopened) return true;
+    if (!thePort().isReopened) return true;
     if (hasStatus(withoutControls(replyIn(fromCodePage(exchange_.received))))) return true;
     exchange_.received.clear();
     if (++strangeReplies_ < kMostStrangeReplies) return false;
@@ -237,7 +237,7 @@ Exchange SerialTransport::attempt(const std::string& frame, double seconds) {
   return SerialExchange(frame, {}, observer).runOnce(seconds);
 }
 
-void SerialTransport::acknowledge() { lineMemory().owesAck = !write({&wire::kAck, 1}); }
+void SerialTransport::acknowledge() { thePort().owesAck = !write({&wire::kAck, 1}); }
 
 void SerialTransport::trace(TextView label, TextView text) { mirvane::trace(label, text); }
 

@@ -1,6 +1,6 @@
 #include "session/session.h"
 
-#include "link/line_memory.h"
+#include "link/open_port.h"
 #include "link/port.h"
 #include "session/wait_window.h"
 #include "state/module_state.h"
@@ -50,10 +50,10 @@ void Session::remember(const Word& word, TextView command, const Answer& answer)
 // was sent before: it would take that for a new one otherwise.
 std::optional<Reply> Session::strangerThere() {
   constexpr double kSeconds = 2;
-  if (!serialNumber_ || !lineMemory().isReopened) return std::nullopt;
+  if (!serialNumber_ || !thePort().isReopened) return std::nullopt;
   const auto reply = askBriefly(words_.askSerialNumber, kSeconds);
   if (!reply || !reply->succeeded() || reply->count() == 0) return std::nullopt;
-  lineMemory().isReopened = false;
+  thePort().isReopened = false;
   if (reply->text(0) == *serialNumber_) return std::nullopt;
   return refuseStranger();
 }

@@ -13,8 +13,6 @@ struct Call {
   std::uint64_t number = 0;
   /// Whether the program wants no message boxes.
   bool isSilent = true;
-  /// How many calls have come in from within.
-  int guests = 0;
   /// Whether the program has let go of a facade meanwhile: the driver is released when the call is over.
   bool releasesDriver = false;
   /// Whether what goes over the line now may hold a key.

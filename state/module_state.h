@@ -12,8 +12,6 @@
 
 namespace mirvane {
 
-struct cPortProp;
-
 /// A driver class that probing tries.
 struct DriverCandidate {
   FISCAL_TYPES type;
@@ -28,21 +26,6 @@ struct ModuleState {
   /// The selected driver, or null when none is selected.
   ObjectPtr currentDriver;
   FISCAL_TYPES fiscalType = FISCAL_unknown;
-  /// The open serial port or socket; 0 or less when none is open.
-  std::int32_t portHandle = 0;
-  /// The name that the open serial port was opened by.
-  Text portName;
-  std::shared_ptr<cPortProp> portProp;  ///< see portProp()
-
-  /// What a price adjustment refers to: the last `adjustment` call's argument, and department and amount (quantity by
-  /// unit price) of the last item line that the device took.
-  bool adjustOnLastItem = false;
-  std::int16_t lastItemDep = 0;
-  double lastItemAmount = 0;
-
-  /// Whether the last journal step of this process failed.
-  bool journalStepFailed = false;
-
   Call call;
   /// See kept().
   Kept kept;

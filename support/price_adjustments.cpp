@@ -43,7 +43,7 @@ void adjustSubtotal(const Kind& kind, const Text& description, const Text& comme
 }
 
 void adjustLastItem(const Kind& kind, const Text& description, const Text& comment, double amount, Outcome outcome) {
-  Command whole = command(kind.onLastItem, moduleState().lastItemDep, description, comment, amount);
+  Command whole = command(kind.onLastItem, lastItem().department, description, comment, amount);
   for (std::size_t i = 0; i < VatAmounts().size(); ++i) whole.integer(0);
   sendByCurrentDriver(whole, outcome);
 }
@@ -51,10 +51,9 @@ void adjustLastItem(const Kind& kind, const Text& description, const Text& comme
 // The caller's percentage becomes the amount that it made of the last item.
 Value adjustByPercent(const Kind& kind, const Text& description, double& percent, const Text& comment,
                       Outcome outcome) {
-  const ModuleState& state = moduleState();
   percent = std::abs(percent);
-  if (state.adjustOnLastItem) {
-    percent = state.lastItemAmount * percent / 100;
+  if (lastItem().isAdjusted) {
+    percent = lastItem().amount * percent / 100;
     adjustLastItem(kind, description, comment, percent, outcome);
   } else {
     const auto share = [&](const VatAmounts& totals, VatAmounts& shares, double& total) {
@@ -66,9 +65,8 @@ Value adjustByPercent(const Kind& kind, const Text& description, double& percent
 }
 
 Value adjustByAmount(const Kind& kind, const Text& description, double& amount, const Text& comment, Outcome outcome) {
-  const ModuleState& state = moduleState();
   amount = std::abs(amount);
-  if (state.adjustOnLastItem) {
+  if (lastItem().isAdjusted) {
     adjustLastItem(kind, description, comment, amount, outcome);
   } else {
     const auto share = [&](const VatAmounts& totals, VatAmounts& shares, double& total) {
@@ -85,6 +83,8 @@ Value adjustByAmount(const Kind& kind, const Text& description, double& amount, 
 }
 
 }  // namespace
+
+LastItem& lastItem() { return kept<LastItem>(); }
 
 Value clsAdjust::percentMarkUP(Text& actionDesc, double& dblPercent, Outcome outcome, Text& exComment) {
   return adjustByPercent(kMarkUp, actionDesc, dblPercent, exComment, outcome);

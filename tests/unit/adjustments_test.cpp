@@ -95,8 +95,8 @@ TEST_F(DriverTest, AdjustmentCommands) {
     adjustment->call(member, u"Έκπτωση", value, Result, Exresult, SupressError_, u"σ/χ");
     return device.commands;
   };
-  moduleState().lastItemDep = 1;
-  moduleState().lastItemAmount = 10;
+  lastItem().department = 1;
+  lastItem().amount = 10;
   EXPECT_THAT(adjust(true, "percentMarkUP", -10), ElementsAre("4/3/1/Εκπτωση/σ-χ/1.00/0/0/0/0/0/"));
   device.answer("00/04/00/10.00/5.00/0.00/0.00/0.00/7/15.00/");
   EXPECT_THAT(adjust(false, "amountDiscount", 1),

@@ -1,6 +1,7 @@
 #include <cmath>
 #include <random>
 
+#include "support/price_adjustments.h"
 #include "tests/fakes/component_test.h"
 
 namespace mirvane::test {
@@ -26,7 +27,7 @@ TEST_F(BadInput, NumbersThatAreNoneAreRefusedBeforeAnythingIsSent) {
     EXPECT_EQ(errorOf([&] { run(*driver, "executeCashIn", typed, u""); }), kOverflow);
   }
   EXPECT_THAT(device.commands, IsEmpty());
-  EXPECT_EQ(moduleState().lastItemAmount, 0);
+  EXPECT_EQ(lastItem().amount, 0);
 }
 
 /// Runs everything that reads replies against replies that make no sense.

@@ -1,3 +1,4 @@
+#include "link/open_port.h"
 #include "tests/fakes/component_test.h"
 #include "version.h"
 
@@ -9,7 +10,7 @@ class Connection : public ComponentTest {
   Short connect(TextView port) { return run(*driver, "Connect_", port), Result; }
   Short disconnect() { return run(*driver, "DisConnect_", u""), Result; }
   void expectClosed() const {
-    EXPECT_LE(moduleState().portHandle, 0);
+    EXPECT_LE(thePort().handle, 0);
     EXPECT_FALSE(portProp().tcpPort);
   }
   std::shared_ptr<FiscalVarlenModule2> driver = std::make_shared<FiscalVarlenModule2>();
@@ -80,7 +81,7 @@ TEST_F(Connection, OpensTheNetworkEndpoint) {
     sockets.calls.clear();
     EXPECT_EQ(connect(port), 0);
     EXPECT_TRUE(portProp().tcpPort && portProp().isConnected);
-    EXPECT_EQ(moduleState().portHandle, 50);
+    EXPECT_EQ(thePort().handle, 50);
     EXPECT_EQ(disconnect(), 1);
     EXPECT_THAT(sockets.calls, ElementsAre("create", bound, connected, "shutDown 50"));
     EXPECT_EQ(portProp().TCPClass()->SocketHnd(), 0);

@@ -1,5 +1,6 @@
 #include <set>
 
+#include "link/open_port.h"
 #include "protocol/device_codes.h"
 #include "session/wait_window.h"
 #include "tests/fakes/component_test.h"
@@ -73,10 +74,10 @@ TEST_F(Errors, AFailureIsShownOnceUnlessSuppressed) {
   for (const bool suppress : {true, false}) {
     SupressError_ = suppress;
     for (const char* reply : {"00/04/00/", "19/04/00/", "A7/00/00/"}) exchange(reply);
-    moduleState().portHandle = 0;
+    thePort().handle = 0;
     send(u"?/");
     EXPECT_EQ(screen.boxes, suppress ? std::vector<Box>{} : expected);
-    moduleState().portHandle = 40;
+    thePort().handle = 40;
   }
   EXPECT_EQ(device.commands.size(), 6u) << "none is sent again";
 }

@@ -1,5 +1,5 @@
 #include "facade/fiscal_trevik_module.h"
-#include "link/line_memory.h"
+#include "link/open_port.h"
 #include "session/wait_window.h"
 #include "tests/fakes/component_test.h"
 
@@ -218,7 +218,7 @@ TEST_F(Link, AReplyWithoutEndTakesNoMoreThanAMebibyte) {
 }
 
 TEST_F(Link, WithoutAnOpenPortNothingIsSent) {
-  moduleState().portHandle = -1;
+  thePort().handle = -1;
   for (const bool isNetwork : {false, true}) {
     portProp().tcpPort = isNetwork;
     EXPECT_EQ(transfer(u"F/3/"), "");
@@ -271,7 +271,7 @@ TEST_F(Link, WhatCountsAsANetworkReply) {
   for (const auto& [what, datagrams, reply, least, count, result] : cases) {
     SCOPED_TRACE(what);
     clock.advance(10);
-    lineMemory() = {};
+    thePort().lastFrame.clear();
     sockets.inbox.arriving.clear();
     sockets.sent.clear();
     const double start = clock.now;
@@ -304,7 +304,7 @@ TEST_F(Link, WhatIsThereBeforeTheFrameIsNotItsAnswer) {
        {"the ENQ refused", {{kNak, 0.03}}, {}, "-207 Αναμονή Απόκρισης Ταμειακής...", {kEnq}}};
   for (const auto& [what, before, answer, told, sent] : cases) {
     SCOPED_TRACE(what);
-    lineMemory() = {};
+    thePort().lastFrame.clear();
     sockets.sent.clear();
     sockets.afterEnq = before;
     device.raw(answer);

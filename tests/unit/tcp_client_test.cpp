@@ -23,7 +23,7 @@ TEST_F(TcpClient, OpeningTellsHowFarItCame) {
   for (const auto& [failing, code, made] :
        {std::tuple("", 0, 3u), {"startUp", -1, 0u}, {"create", -2, 1u}, {"bind", -4, 2u}, {"connect", -6, 3u}}) {
     client = std::make_shared<cTCPIP>();
-    moduleState().portProp = nullptr;
+    kept<std::shared_ptr<cPortProp>>() = nullptr;
     sockets.failing = failing;
     sockets.calls.clear();
     EXPECT_EQ(open(65536 + 5000), Value(static_cast<Short>(code)));

@@ -1,4 +1,5 @@
 #include "facade/fiscal_trevik_module.h"
+#include "support/price_adjustments.h"
 #include "tests/fakes/component_test.h"
 
 namespace mirvane::test {
@@ -39,13 +40,13 @@ TEST_F(Transactions, ItemLines) {
 
 TEST_F(Transactions, TheLastItemIsKeptOnSuccessOnly) {
   for (const char* member : {"ItemSale", "ItemVoid", "ItemRefund"}) {
-    moduleState().lastItemDep = 9, moduleState().lastItemAmount = 99;
+    lastItem().department = 9, lastItem().amount = 99;
     device.answer("60/00/00/");
     call(member, u"A", 3.0, 2.5, 24.0, 4);
     EXPECT_EQ(Result, 96);
-    EXPECT_EQ(std::tuple(moduleState().lastItemDep, moduleState().lastItemAmount), std::tuple(9, 99));
+    EXPECT_EQ(std::tuple(lastItem().department, lastItem().amount), std::tuple(9, 99));
     call(member, u"A", 3.0, 2.5, 24.0, 4);
-    EXPECT_EQ(std::tuple(moduleState().lastItemDep, moduleState().lastItemAmount), std::tuple(4, 7.5));
+    EXPECT_EQ(std::tuple(lastItem().department, lastItem().amount), std::tuple(4, 7.5));
   }
 }
 

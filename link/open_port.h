@@ -6,15 +6,23 @@
 
 namespace mirvane {
 
-/// What the port's line is known for since the port was opened; forgotten when it is opened by name again.
-struct LineMemory {
+/// The component's one port, and what its line is known for since it was opened.
+struct OpenPort {
+  /// The open serial port or socket; 0 or less when none is open.
+  std::int32_t handle = 0;
+  /// The name that a serial port was opened by.
+  Text name;
+
   /// The last frame, where its exchange ended with a reply; empty otherwise.
-  std::string lastFrame;
+  std::string lastFrame{};
   /// Serial: the ACK of the last complete reply could not be written.
   bool owesAck = false;
   /// Serial: the line was lost and opened anew, and whether the same device sits there has not been told yet.
   bool isReopened = false;
+
+  bool isOpen() const { return handle > 0; }
 };
-inline LineMemory& lineMemory() { return kept<LineMemory>(); }
+
+inline OpenPort& thePort() { return kept<OpenPort>(); }
 
 }  // namespace mirvane
