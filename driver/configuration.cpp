@@ -94,9 +94,17 @@ void writeServer(Driver& driver, std::uint8_t active, const Text& urls, const Te
   driver.session.sendSilently(kEndServerDialogue);
 }
 
-void writeVatRates(Driver& driver, double& VatA, double& VatB, double& VatC, double& VatD, double& VatE,
-                   Outcome outcome) {
-  const std::array<double, 5> wanted = {VatA, VatB, VatC, VatD, VatE};
+template <std::size_t N>
+auto printedLinesWrite(TextView code) {
+  return [code](Driver& driver, PrintedLines<N, false> printed, Outcome outcome) {
+    Command command(code);
+    for (const auto& line : printed.lines) command.integer(line.size).text(line.text);
+    driver.send(command, outcome);
+  };
+}
+
+void writeVatRates(Driver& driver, VatRates<false> rates, Outcome outcome) {
+  const std::array<double, 5> wanted = {rates.VatA, rates.VatB, rates.VatC, rates.VatD, rates.VatE};
   const Reply reply = driver.send(u"e/", outcome);
   if (!reply.succeeded()) return;
   bool isNew = false;
@@ -105,26 +113,17 @@ void writeVatRates(Driver& driver, double& VatA, double& VatB, double& VatC, dou
     outcome.Exresult = langMessage(message::kVatUnchanged);
     return;
   }
-  driver.send(Command(u"b/").amount(VatA).amount(VatB).amount(VatC).amount(VatD).amount(VatE), outcome);
+  Command command(u"b/");
+  for (const double rate : wanted) command.amount(rate);
+  driver.send(command, outcome);
 }
 
 }  // namespace
 
 void addConfiguration(Rows& rows) {
   using namespace contract;
-  rows.implement<setHeader>([](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
-                               Integer& size3, Text& line4, Integer& size4, Text& line5, Integer& size5,
-                               Outcome outcome) {
-        Command command(u"H/");
-        command.integer(size1).text(line1).integer(size2).text(line2).integer(size3).text(line3);
-        driver.send(command.integer(size4).text(line4).integer(size5).text(line5), outcome);
-      })
-      .implement<setFooter>([](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
-                               Integer& size3, Outcome outcome) {
-        Command command(u"Y/");
-        command.integer(size1).text(line1).integer(size2).text(line2).integer(size3).text(line3);
-        driver.send(command, outcome);
-      })
+  rows.implement<setHeader>(printedLinesWrite<5>(u"H/"))
+      .implement<setFooter>(printedLinesWrite<3>(u"Y/"))
       // The device takes the last line up to the command's end: this one command has no "/" there.
       .implement<setTempFooter>([](Driver& driver, Text& line1, Text& line2, Text& line3, Outcome outcome) {
         driver.send(Command(u"m/").text(line1).text(line2).unclosed(line3), outcome);

@@ -6,15 +6,18 @@
 namespace mirvane {
 namespace {
 
-using Lines = std::initializer_list<std::pair<Text*, std::int16_t*>>;
-
-// Printed lines, each behind its size.
-void fillLines(const Reply& reply, const Lines& lines) {
-  std::size_t i = 0;
-  for (const auto& [line, size] : lines) {
-    *size = reply.size(i++);
-    *line = reply.text(i++);
-  }
+// Each line stands behind its size.
+template <std::size_t N>
+auto printedLinesRead(TextView command) {
+  return [command](Driver& driver, PrintedLines<N, true> printed, Outcome outcome) {
+    const Reply reply = driver.send(command, outcome);
+    if (!reply.succeeded()) return;
+    std::size_t i = 0;
+    for (const auto& line : printed.lines) {
+      line.size = reply.size(i++);
+      line.text = reply.text(i++);
+    }
+  };
 }
 
 void fillNumbers(const Reply& reply, std::initializer_list<double*> numbers) {
@@ -98,23 +101,12 @@ void addReads(Rows& rows) {
         const Reply reply = driver.send(u"a/", outcome);
         if (reply.succeeded()) sN = reply.text(0);
       })
-      .implement<getHeader>([](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
-                               Integer& size3, Text& line4, Integer& size4, Text& line5, Integer& size5,
-                               Outcome outcome) {
-        const Reply reply = driver.send(u"h/", outcome);
-        if (!reply.succeeded()) return;
-        fillLines(reply, {{&line1, &size1}, {&line2, &size2}, {&line3, &size3}, {&line4, &size4}, {&line5, &size5}});
+      .implement<getHeader>(printedLinesRead<5>(u"h/"))
+      .implement<getFooter>(printedLinesRead<3>(u"{/"))
+      .implement<getVatCategories>([](Driver& driver, VatRates<true> rates, Outcome outcome) {
+        const Reply reply = driver.send(u"e/", outcome);
+        if (reply.succeeded()) fillNumbers(reply, {&rates.VatA, &rates.VatB, &rates.VatC, &rates.VatD, &rates.VatE});
       })
-      .implement<getFooter>([](Driver& driver, Text& line1, Integer& size1, Text& line2, Integer& size2, Text& line3,
-                               Integer& size3, Outcome outcome) {
-        const Reply reply = driver.send(u"{/", outcome);
-        if (reply.succeeded()) fillLines(reply, {{&line1, &size1}, {&line2, &size2}, {&line3, &size3}});
-      })
-      .implement<getVatCategories>(
-          [](Driver& driver, Real& VatA, Real& VatB, Real& VatC, Real& VatD, Real& VatE, Outcome outcome) {
-            const Reply reply = driver.send(u"e/", outcome);
-            if (reply.succeeded()) fillNumbers(reply, {&VatA, &VatB, &VatC, &VatD, &VatE});
-          })
       .implement<transactionTotals>([](Driver& driver, clsTransTotal& c, Outcome outcome) {
         const Reply reply = driver.send(u"9/", outcome);
         if (!reply.succeeded()) return;

@@ -3,6 +3,7 @@
 #include <span>
 
 #include "automation/object.h"
+#include "interface/compounds.h"
 #include "interface/outcome.h"
 #include "records/cls_accumulator.h"
 #include "records/cls_daily_acc.h"
@@ -68,9 +69,6 @@ using Plain = Value(Outcome);
 using WithText = Value(Text&, Outcome);
 using WithInteger = Value(Integer&, Outcome);
 using WithAmount = Value(Real&, Text&, Outcome);
-using FiveRates = Value(Real&, Real&, Real&, Real&, Real&, Outcome);
-using FiveLines = Value(Text&, Integer&, Text&, Integer&, Text&, Integer&, Text&, Integer&, Text&, Integer&, Outcome);
-using ThreeLines = Value(Text&, Integer&, Text&, Integer&, Text&, Integer&, Outcome);
 using ItemLine = Value(Text&, Real&, Real&, Real&, Integer&, Outcome, Text&, Integer&);
 using CardPayment = Value(Integer&, Text&, Real&, Integer&, Integer&, Outcome, Text&, bool&, bool&);
 template <class Record>
@@ -83,19 +81,6 @@ inline constexpr std::array<Parameter, 7> kItem = {"itemDesc",
                                                    "itemDep",
                                                    optional("itemComment"),
                                                    optional("itemCategory", std::int16_t{1})};
-inline constexpr std::array<Parameter, 10> kFiveLines = {
-    "line1", "line1Size", "line2", "line2Size", "line3", "line3Size", "line4", "line4Size", "line5", "line5Size"};
-inline constexpr std::array<Parameter, 6> kThreeLines = {"line1",     "line1Size", "line2",
-                                                         "line2Size", "line3",     "line3Size"};
-inline constexpr std::array<Parameter, 5> kFiveRates = {"VatA", "VatB", "VatC", "VatD", "VatE"};
-
-/// Parameters that only take results.
-template <std::size_t N>
-consteval std::array<Parameter, N> outputs(std::array<Parameter, N> names) {
-  for (Parameter& name : names) name.isOutput = true;
-  return names;
-}
-
 // ---- Connection
 
 inline constexpr auto SendCommand_ = operation<void(Text&, Outcome, Text&)>(
@@ -173,21 +158,21 @@ inline constexpr auto getTime =
 inline constexpr auto getSerialNumber =
     operation<WithText>("getSerialNumber", {25, 22}, {output("sN")},
                         "The device's serial number; `FiscalSN` of the status knows it from then on.");
-inline constexpr auto getHeader = operation<FiveLines>("getHeader", {26, 23}, outputs(kFiveLines),
-                                                       "The five lines above each receipt, and their sizes.");
-inline constexpr auto setHeader =
-    operation<FiveLines>("setHeader", {27, 24}, kFiveLines, "Sets the five lines above each receipt, and their sizes.");
-inline constexpr auto getFooter = operation<ThreeLines>("getFooter", {28, 25}, outputs(kThreeLines),
-                                                        "The three lines below each receipt, and their sizes.");
-inline constexpr auto setFooter = operation<ThreeLines>("setFooter", {29, 26}, kThreeLines,
-                                                        "Sets the three lines below each receipt, and their sizes.");
+inline constexpr auto getHeader = operation<Value(PrintedLines<5, true>, Outcome)>(
+    "getHeader", {26, 23}, kNone, "The five lines above each receipt, and their sizes.");
+inline constexpr auto setHeader = operation<Value(PrintedLines<5, false>, Outcome)>(
+    "setHeader", {27, 24}, kNone, "Sets the five lines above each receipt, and their sizes.");
+inline constexpr auto getFooter = operation<Value(PrintedLines<3, true>, Outcome)>(
+    "getFooter", {28, 25}, kNone, "The three lines below each receipt, and their sizes.");
+inline constexpr auto setFooter = operation<Value(PrintedLines<3, false>, Outcome)>(
+    "setFooter", {29, 26}, kNone, "Sets the three lines below each receipt, and their sizes.");
 inline constexpr auto setTempFooter = operation<Value(Text&, Text&, Text&, Outcome)>(
     "setTempFooter", {30, 27}, {"line1", "line2", "line3"}, "A footer for the open or the next receipt only.");
 inline constexpr auto getVatCategories =
-    operation<FiveRates>("getVatCategories", {31, 28}, outputs(kFiveRates), "The five VAT rates in percent.");
-inline constexpr auto setVatCategories =
-    operation<FiveRates>("setVatCategories", {32, 29}, kFiveRates,
-                         "Sets the five VAT rates in percent. Sends nothing when the device has them already.");
+    operation<Value(VatRates<true>, Outcome)>("getVatCategories", {31, 28}, kNone, "The five VAT rates in percent.");
+inline constexpr auto setVatCategories = operation<Value(VatRates<false>, Outcome)>(
+    "setVatCategories", {32, 29}, kNone,
+    "Sets the five VAT rates in percent. Sends nothing when the device has them already.");
 inline constexpr auto sentBitmapData =
     operation<Value(Text&, Integer&, Outcome)>("sentBitmapData", {33, 30}, {"BMPfileName", "BitmapID"},
                                                "Not available: refused with `Result` 6, and nothing is sent.");
