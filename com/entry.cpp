@@ -1,6 +1,7 @@
 #include "com/entry.h"
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <utility>
 
@@ -41,6 +42,8 @@ using platform::OwnFloatingPoint;
 struct Visit {
   void (*body)(void*);
   void* given;
+  /// Of an outermost one; no other has the same.
+  std::uint64_t number = 0;
   bool isOutermost = false;
   /// What a call that never returned has left to be cleared: that of this thread, or of one that has ended.
   enum class Remains { kNone, kOfThisThread, kOfEndedThread } remains = Remains::kNone;
@@ -56,11 +59,15 @@ Turn& turn() {
   return the;
 }
 
-// The call that has the turn. It still stands here when its thread has ended inside.
+// The call that has the turn, and its number. It still stands here when its thread has ended inside.
 const Visit* outermost = nullptr;
+std::uint64_t lastNumber = 0;
 
-// Whether the program has left past a call of this thread's with a jump that tells nobody: the stack grows downwards.
-bool isGone(const Visit* call, const Visit* now) { return std::less_equal<>()(call, now) && isOnStack(call); }
+// Whether the program has left past a call of this thread's with a jump that tells nobody. The stack grows downwards,
+// and what is above belongs to others since.
+bool isGone(const Visit* call, const Visit* now) {
+  return isOnStack(call) && (std::less_equal<>()(call, now) || call->number != lastNumber);
+}
 
 void run(void* given) {
   const Visit& now = *static_cast<Visit*>(given);
@@ -96,6 +103,7 @@ void left(void* given) {
   if (!isMine && !waits && !turn().tryTake()) return;
   now.isOutermost = !isMine || isGone(outermost, &now);
   if (now.isOutermost) {
+    now.number = ++lastNumber;
     const Visit* const before = std::exchange(outermost, &now);
     if (before != nullptr) now.remains = isMine ? Visit::Remains::kOfThisThread : Visit::Remains::kOfEndedThread;
   } else {

@@ -25,10 +25,11 @@ UINT dpiOf(HWND window) {
   return static_cast<UINT>(dpi);
 }
 
-// One message of those kinds. Each look also serves what other threads have sent, and shows the system that the program
-// is alive. A request to end the program comes whatever is looked for, and is the program's own loop's.
-bool take(MSG& message, UINT kinds) {
-  if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | kinds) == FALSE) return false;
+// One message of a number between `first` and `last` (0 and 0 for any), and of those `kinds`. Each look also serves what
+// other threads have sent, and shows the system that the program is alive. A request to end the program comes whatever
+// is looked for, and is the program's own loop's.
+bool take(MSG& message, UINT first, UINT last, UINT kinds) {
+  if (PeekMessageW(&message, nullptr, first, last, PM_REMOVE | kinds) == FALSE) return false;
   if (message.message != WM_QUIT) return true;
   PostQuitMessage(static_cast<int>(message.wParam));
   return false;
@@ -193,7 +194,7 @@ void PendingMessages::serve() {
   const HostFloatingPoint host;
   const ULONGLONG end = GetTickCount64() + kLongest;
   MSG message;
-  while (take(message, PM_QS_PAINT | PM_QS_SENDMESSAGE)) {
+  while (take(message, WM_PAINT, WM_PAINT, 0)) {
     DispatchMessageW(&message);
     if (GetTickCount64() >= end) return;
   }
@@ -203,7 +204,7 @@ void PendingMessages::repaint() {
   {
     const HostFloatingPoint host;
     MSG message;
-    for (int i = 0; i < kMostMessages && take(message, PM_QS_INPUT); ++i) {
+    for (int i = 0; i < kMostMessages && take(message, 0, 0, PM_QS_INPUT); ++i) {
     }
   }
   serve();
