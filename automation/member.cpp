@@ -91,6 +91,8 @@ Parameters parametersOf(std::initializer_list<ParameterNames> lists) {
       parameter.name = row.name;
       parameter.isOptional = row.isOptional;
       std::visit([&parameter](auto preset) { parameter.defaultValue = preset; }, row.defaultValue);
+      parameter.isOutput = row.isOutput;
+      parameter.receives = row.receives;
     }
   }
   return parameters;

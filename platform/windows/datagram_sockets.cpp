@@ -64,16 +64,25 @@ std::optional<std::string> WindowsDatagramSockets::receive(std::int32_t handle, 
 }
 
 bool WindowsDatagramSockets::waitReadable(std::int32_t handle, std::int16_t seconds) {
-  fd_set readable{};
-  readable.fd_count = 1;
-  readable.fd_array[0] = toSocket(handle);
-  fd_set none{};
-  timeval limit{seconds, 0};
-  if (select(0, &readable, &none, &none, &limit) <= 0) return false;
-  char first = 0;
-  // What select saw may be an error left by an earlier datagram; the look takes it away. A longer datagram than was
-  // looked for is there.
-  return recv(toSocket(handle), &first, 1, MSG_PEEK) != SOCKET_ERROR || WSAGetLastError() == WSAEMSGSIZE;
+  constexpr ULONGLONG kPerSecond = 1000;
+  if (seconds < 0) return false;
+  const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(seconds) * kPerSecond;
+  ULONGLONG now = 0;
+  do {
+    now = GetTickCount64();
+    const ULONGLONG left = end - std::min(now, end);
+    fd_set readable{};
+    readable.fd_count = 1;
+    readable.fd_array[0] = toSocket(handle);
+    fd_set none{};
+    timeval limit{static_cast<long>(left / kPerSecond), static_cast<long>(left % kPerSecond * kPerSecond)};
+    if (select(0, &readable, &none, &none, &limit) <= 0) return false;
+    char first = 0;
+    // A longer datagram than was looked for is there.
+    if (recv(toSocket(handle), &first, 1, MSG_PEEK) != SOCKET_ERROR || WSAGetLastError() == WSAEMSGSIZE) return true;
+    // What select saw was an error left by an earlier datagram; the look takes it away.
+  } while (toldOfEarlierDatagram() && now < end);
+  return false;
 }
 
 void WindowsDatagramSockets::shutDown(std::int32_t handle) {

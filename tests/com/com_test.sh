@@ -123,7 +123,7 @@ host_program() {
 }
 
 # What stands on the paper after a subject of within.cpp, once each; nothing that came from within does.
-declare -A sold=([guests]='EFTPOS 01 busy0 ' [left]='busy0 ' [released]='busy1 busy2 busy3 ' [ended]=''
+declare -A sold=([guests]='EFTPOS 01 busy0 busy1 ' [left]='busy0 ' [released]='busy1 busy2 busy3 ' [ended]=''
   [silence]='silent ' [suppressed]='silenced ')
 
 # within BITS SUBJECT...: calls from within calls, and calls without an end; all at a time, each with a device of its own.

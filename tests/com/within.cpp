@@ -17,8 +17,9 @@ constexpr wchar_t kBusyText[] = L"Απασχολημένο σε άλλη λει�
 constexpr UINT kAreYouThere = WM_APP;
 constexpr UINT kPosted = WM_APP + 1;
 
-/// One for all calls, from outside and from within.
+/// One for all calls, from outside and from within; and one in variables of any type.
 Outcome outcome;
+VARIANT anyResult, anyText;
 std::wstring port;
 std::wstring networkPort;
 
@@ -34,6 +35,16 @@ struct Till {
     const HRESULT called = call(module, L"ItemSale", itemSale(quantity, number(1), outcome, suppress, name));
     if (called != S_OK) std::printf("FAIL selling %ls: %08lX\n", name, called);
     return outcome.result;
+  }
+  void sellInVariants(const wchar_t* name) {
+    anyResult.vt = VT_I2;
+    anyResult.iVal = 0;  // what will come of it, too
+    auto arguments = itemSale(number(1), number(1), outcome, true, name);
+    arguments[5] = reference(VT_VARIANT, anyResult);
+    arguments[6] = reference(VT_VARIANT, anyText);
+    call(module, L"ItemSale", arguments);
+    outcome.result = anyResult.iVal;
+    SysReAllocString(&outcome.text, anyText.bstrVal);
   }
   short payByCard(double amount) {
     call(module, L"Payment", outcome.with({number(2), text(L"card"), number(amount), number(1), number(0)}));
@@ -80,6 +91,8 @@ struct Guests {
     arguments.push_back(text(L""));
     call(till->module, L"SendCommand_", arguments);
     refused("SendCommand_");
+    call(till->module, L"DrawerOpen", {reference(VT_VARIANT, anyResult), reference(VT_VARIANT, anyText), flag(false)});
+    expect("DrawerOpen from within", anyResult.iVal == 14 && std::wstring(anyText.bstrVal) == kBusyText);
     BSTR errorDesc = SysAllocString(L"");
     call(till->journal, L"MakeZreport", {reference(VT_BSTR, errorDesc)});
     expect("MakeZreport from within", std::wstring(errorDesc) == std::wstring(L"14~") + kBusyText);
@@ -171,7 +184,8 @@ void guests() {
     int boxes = 0;
   } situations[] = {
       {"a wait", [] { till->sell(L"busy0"); }, 0, L"00/00/06/"},
-      {"a card's wait", [] { till->payByCard(1); }, 0, L"00/00/02/"},
+      {"a wait of another kind of caller", [] { till->sellInVariants(L"busy1"); }, 0, L"00/00/06/"},
+      {"a card's wait", [] { till->payByCard(2); }, 0, L"00/00/02/"},
       {"a box", [] { till->sell(L"refused", false); }, 116, L"receipt limit", 1},
       {"a journal", [] { till->readJournal(); }, 0, L"0"},
       {"a network's box", [] { sellThroughDeadSocket(); }, -3, L"H ταμειακή δεν Απαντά!", 1},
