@@ -64,24 +64,28 @@ std::optional<std::string> WindowsDatagramSockets::receive(std::int32_t handle, 
 }
 
 bool WindowsDatagramSockets::waitReadable(std::int32_t handle, std::int16_t seconds) {
-  constexpr ULONGLONG kPerSecond = 1000;
+  // In pieces: once an error came, Wine sleeps past the datagram that follows.
+  constexpr ULONGLONG kPiece = 100;
   if (seconds < 0) return false;
-  const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(seconds) * kPerSecond;
+  const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(seconds) * 1000;
   ULONGLONG now = 0;
   do {
     now = GetTickCount64();
-    const ULONGLONG left = end - std::min(now, end);
     fd_set readable{};
     readable.fd_count = 1;
     readable.fd_array[0] = toSocket(handle);
     fd_set none{};
-    timeval limit{static_cast<long>(left / kPerSecond), static_cast<long>(left % kPerSecond * kPerSecond)};
-    if (select(0, &readable, &none, &none, &limit) <= 0) return false;
+    timeval limit{0, static_cast<long>(std::min(end - std::min(now, end), kPiece) * 1000)};
+    const int count = select(0, &readable, &none, &none, &limit);
+    if (count == SOCKET_ERROR) return false;
     char first = 0;
-    // A longer datagram than was looked for is there.
-    if (recv(toSocket(handle), &first, 1, MSG_PEEK) != SOCKET_ERROR || WSAGetLastError() == WSAEMSGSIZE) return true;
-    // What select saw was an error left by an earlier datagram; the look takes it away.
-  } while (toldOfEarlierDatagram() && now < end);
+    // What select saw may be an error left by an earlier datagram; the look takes it away. A longer datagram than was
+    // looked for is there.
+    const bool isThere =
+        count > 0 && (recv(toSocket(handle), &first, 1, MSG_PEEK) != SOCKET_ERROR || WSAGetLastError() == WSAEMSGSIZE);
+    if (isThere) return true;
+    if (count > 0 && !toldOfEarlierDatagram()) return false;
+  } while (now < end);
   return false;
 }
 

@@ -122,25 +122,29 @@ host_program() {
   script_passed "$WORK/printed"
 }
 
-# What stands on the paper after a subject of within.cpp, once each; nothing that came from within does.
-declare -A sold=([guests]='EFTPOS 01 busy0 busy1 ' [left]='busy0 ' [released]='busy1 busy2 busy3 ' [ended]=''
-  [silence]='silent ' [suppressed]='silenced ')
+# What stands on the paper after a subject of within.cpp or left.cpp, once each; nothing that came from within does.
+declare -A sold=([guests]='EFTPOS 01 busy0 busy1 ' [silence]='silent ' [suppressed]='silenced ' [look]='busy0 '
+  [left]='busy0 ' [released]='busy1 busy2 busy3 ' [ended]='')
 
-# within BITS SUBJECT...: calls from within calls, and calls without an end; all at a time, each with a device of its own.
-within() {
-  local bits=$1 subject number=5 pids=() options=(--udp 0 --preset restaurant --card-seconds 1) paper
+# till_programs BITS SUBJECT...: all at a time, each with a device of its own.
+till_programs() {
+  local bits=$1 program subject number=5 pids=() options=(--udp 0 --preset restaurant --card-seconds 1) paper
   shift
   for subject in busy{0,1,2,3}; do options+=(--fault "on 3/S//$subject busy 14"); done
   options+=(--fault "on 3/S//left always busy 14" --fault "on 3/S//refused always code 116"
     --fault "on 3/S//silent/ 2 silence" --fault "on 3/S//silenced/ silence")
   rm -rf "$WINEPREFIX"/drive_c/bbox{,BackUp}
   # Closing a window, Wine waits two seconds for a window manager, which the hidden display does not have.
-  in_wine "$(system_program 64 reg)" add 'HKCU\Software\Wine\AppDefaults\within.exe\X11 Driver' \
-    /v Managed /d N /f >/dev/null
+  for program in within left; do
+    in_wine "$(system_program 64 reg)" add "HKCU\\Software\\Wine\\AppDefaults\\$program.exe\\X11 Driver" \
+      /v Managed /d N /f >/dev/null
+  done
   for subject; do
+    [[ $subject =~ ^(left|released|ended)$ ]] && program=left || program=within
+    [[ $subject != look ]] || options+=(--fault "on ?/ silence")
     start_emulator "$subject" "${options[@]}"
     link_com_port "$number" "$WORK/$subject.pty"
-    in_wine "$(windows_path "$repo/build/win$bits/tests/com/within.exe")" "$subject" "COM$number" \
+    in_wine "$(windows_path "$repo/build/win$bits/tests/com/$program.exe")" "$subject" "COM$number" \
       "$(emulator_address "$subject")" >"$WORK/$subject.raw" &
     pids+=($!)
     ((++number))
@@ -224,8 +228,9 @@ case $subject in
   registration_for_user) registration "$bits" HKCU /i:user /n ;;
   type_library | typed_caller) "$subject" "$bits" ;;
   killed_till) killed_till ;;
-  within) within "$bits" left released ended && within "$bits" guests ;;
-  silence) within "$bits" suppressed silence ;;
+  within) till_programs "$bits" guests ;;
+  silence) till_programs "$bits" silence suppressed ;;
+  left) till_programs "$bits" left released ended look ;;
   host_*) host_program "$bits" "${subject#host_}" ;;
   technician)
     source "$here/technician.sh"
