@@ -39,6 +39,9 @@ class Object : public std::enable_shared_from_this<Object> {
     return invoke(member, Access::callOrRead, list);
   }
 
+  /// The program has let go of the object while a member of it runs, which keeps it until it returns.
+  virtual void released() {}
+
   static constexpr std::string_view kDefaultMember{};
 
   /// Objects alive in the whole process.

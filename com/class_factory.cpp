@@ -45,8 +45,7 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object)
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
   if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-  const Entry entry;
-  return guarded([&] {
+  return guardedInside([&] {
     static const bool kStarted = startOnce();
     static_cast<void>(kStarted);
     return wrap(class_.create())->QueryInterface(iid, object);

@@ -34,8 +34,11 @@ inline GUID guidFrom(std::string_view text) {
 }
 
 /// A COM object and its reference count, which is 1 at first.
+///
+/// The last reference goes inside: another thread's call may be about to hand this very object out, and what ends with
+/// it is everybody's. Whoever lets go of it waits for nobody, since it may be a garbage collector.
 template <class... Interfaces>
-class ComObject : public Interfaces... {
+class ComObject : public Interfaces..., private Errand {
  public:
   ComObject() = default;
   ComObject(const ComObject&) = delete;
@@ -47,17 +50,22 @@ class ComObject : public Interfaces... {
     while (held > 1) {
       if (references_.compare_exchange_weak(held, held - 1)) return held - 1;
     }
-    // Inside: another thread's call may be about to hand this very object out, and what ends with it is everybody's.
-    const Entry entry;
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
+    go();
+    return 0;
   }
 
  protected:
   virtual ~ComObject() = default;
 
+  bool isReleased() const { return references_ == 0; }
+  /// Nobody holds it any more.
+  virtual void released() { delete this; }
+
  private:
+  void run() final {
+    if (--references_ == 0) released();
+  }
+
   std::atomic<ULONG> references_ = 1;
 };
 
@@ -71,6 +79,14 @@ HRESULT guarded(F body) noexcept {
   } catch (...) {
     return E_FAIL;
   }
+}
+
+/// The same for one that goes inside.
+template <class F>
+HRESULT guardedInside(F body) noexcept {
+  HRESULT outcome = S_OK;
+  inside([&] { outcome = guarded(body); });
+  return outcome;
 }
 
 }  // namespace mirvane::com

@@ -177,12 +177,9 @@ class Wrapper final : public ComObject<IDispatch, IProvideClassInfo, OwnObject> 
                                    VARIANT* result, EXCEPINFO* exception, UINT* badArgument) override {
     if (given == nullptr) return E_INVALIDARG;
     if (result != nullptr) VariantInit(result);
-    // Both a call that waits for its turn and a member that shows a window let the program run, which may let go of
-    // this object meanwhile.
-    AddRef();
-    const ComPtr<IDispatch> self(this);
-    const Entry entry;
-    return guarded([&] {
+    ++calls_;
+    return guardedInside([&] {
+      const CallsEnd end(*this);
       const Member* member = object_->classInfo().find(id, accessFor(flags));
       if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
       return invoke(*member, *given, result, exception, badArgument);
@@ -191,6 +188,28 @@ class Wrapper final : public ComObject<IDispatch, IProvideClassInfo, OwnObject> 
 
  private:
   ~Wrapper() override { object_->adapter = nullptr; }
+
+  // Both a call that waits for its turn and a member that shows a window let the program run, which may let go of this
+  // object meanwhile.
+  void released() override {
+    if (calls_ == 0) {
+      delete this;
+    } else {
+      object_->released();
+    }
+  }
+
+  struct CallsEnd {
+    explicit CallsEnd(Wrapper& wrapper) : wrapper_(wrapper) {}
+    CallsEnd(const CallsEnd&) = delete;
+    CallsEnd& operator=(const CallsEnd&) = delete;
+    ~CallsEnd() {
+      if (--wrapper_.calls_ == 0 && wrapper_.isReleased()) delete &wrapper_;
+    }
+
+   private:
+    Wrapper& wrapper_;
+  };
 
   HRESULT invoke(const Member& member, const DISPPARAMS& given, VARIANT* result, EXCEPINFO* exception,
                  UINT* badArgument) {
@@ -227,6 +246,8 @@ class Wrapper final : public ComObject<IDispatch, IProvideClassInfo, OwnObject> 
 
   ObjectPtr object_;
   const PublicClass* class_;
+  /// Calls under way, waiting ones included. One that never returns counts for good: its object cannot be ended.
+  std::atomic<int> calls_ = 0;
 };
 
 }  // namespace

@@ -1,29 +1,131 @@
 #include "com/entry.h"
 
-#include <objbase.h>
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <utility>
 
-#include "platform/windows/windows.h"
+#include "com/guard.h"
+#include "com/turn.h"
+#include "interface/door.h"
+#include "platform/windows/floating_point.h"
+#include "platform/windows/window.h"
 
 namespace mirvane::com {
+
+class Errands {
+ public:
+  bool areThere() const { return first_ != nullptr; }
+
+  void add(Errand& errand) {
+    errand.next_ = first_;
+    while (!first_.compare_exchange_weak(errand.next_, &errand)) {
+    }
+  }
+
+  void run() {
+    for (Errand* errand = first_.exchange(nullptr); errand != nullptr;) {
+      std::exchange(errand, errand->next_)->run();
+    }
+  }
+
+ private:
+  std::atomic<Errand*> first_ = nullptr;
+};
+
 namespace {
 
-// The system's and not the language's: COM can wait for it, and it goes on to the next one when a thread ends inside.
-HANDLE turns() {
-  static const HANDLE kMutex = CreateMutexW(nullptr, FALSE, nullptr);
-  return kMutex;
+using platform::DuringCall;
+using platform::OwnFloatingPoint;
+
+/// One entry, on the stack of its thread.
+struct Visit {
+  void (*body)(void*);
+  void* given;
+  /// Of an outermost one; no other has the same.
+  std::uint64_t number = 0;
+  bool isOutermost = false;
+  /// What a call that never returned has left to be cleared: that of this thread, or of one that has ended.
+  enum class Remains { kNone, kOfThisThread, kOfEndedThread } remains = Remains::kNone;
+  /// How many of DuringCall were there before.
+  std::size_t shownBefore = 0;
+};
+
+Errands errands;
+
+// Never destroyed: programs let go of objects until the very end of the process.
+Turn& turn() {
+  static Turn& the = *new Turn;
+  return the;
+}
+
+// The call that has the turn, and its number. It still stands here when its thread has ended inside.
+const Visit* outermost = nullptr;
+std::uint64_t lastNumber = 0;
+
+// Whether the program has left past a call of this thread's with a jump that tells nobody. The stack grows downwards,
+// and what is above belongs to others since.
+bool isGone(const Visit* call, const Visit* now) {
+  return isOnStack(call) && (std::less_equal<>()(call, now) || call->number != lastNumber);
+}
+
+void run(void* given) {
+  const Visit& now = *static_cast<Visit*>(given);
+  if (now.isOutermost) OwnFloatingPoint::forget();
+  if (now.remains == Visit::Remains::kOfThisThread) DuringCall::endFrom(0);
+  if (now.remains == Visit::Remains::kOfEndedThread) DuringCall::forget();
+  const OwnFloatingPoint own;
+  if (now.remains != Visit::Remains::kNone) forgetCall();
+  errands.run();
+  if (now.body != nullptr) now.body(now.given);
+}
+
+void pass();
+
+// The program leaves past a call, and its stack is still there.
+void left(void* given) {
+  const Visit& past = *static_cast<Visit*>(given);
+  DuringCall::endFrom(past.shownBefore);
+  if (!past.isOutermost) return;
+  {
+    const OwnFloatingPoint own;
+    forgetCall();
+  }
+  OwnFloatingPoint::forget();
+  pass();
+}
+
+// Its own frame tells the calls apart.
+[[gnu::noinline]] void visit(void (*body)(void*), void* given, bool waits) {
+  Visit now{body, given};
+  const bool isMine = turn().isMine();
+  if (!isMine && waits) turn().take();
+  if (!isMine && !waits && !turn().tryTake()) return;
+  now.isOutermost = !isMine || isGone(outermost, &now);
+  if (now.isOutermost) {
+    now.number = ++lastNumber;
+    const Visit* const before = std::exchange(outermost, &now);
+    if (before != nullptr) now.remains = isMine ? Visit::Remains::kOfThisThread : Visit::Remains::kOfEndedThread;
+  } else {
+    now.shownBefore = DuringCall::count();
+  }
+  guard(&run, &left, &now);
+  if (now.isOutermost) pass();
+}
+
+void pass() {
+  outermost = nullptr;
+  turn().pass();
+  if (errands.areThere()) visit(nullptr, nullptr, false);
 }
 
 }  // namespace
 
-Entry::Turn::Turn() {
-  HANDLE mutex = turns();
-  if (WaitForSingleObject(mutex, 0) != WAIT_TIMEOUT) return;
-  DWORD which = 0;
-  if (SUCCEEDED(CoWaitForMultipleHandles(0, INFINITE, 1, &mutex, &which))) return;
-  // COM knows nothing of this thread, or cannot let it wait just now.
-  WaitForSingleObject(mutex, INFINITE);
-}
+void enter(void (*body)(void*), void* given) { visit(body, given, true); }
 
-Entry::Turn::~Turn() { ReleaseMutex(turns()); }
+void Errand::go() {
+  errands.add(*this);
+  visit(nullptr, nullptr, false);
+}
 
 }  // namespace mirvane::com

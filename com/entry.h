@@ -1,34 +1,44 @@
 #pragma once
 
-#include "platform/windows/floating_point.h"
-
 namespace mirvane::com {
 
-/// One entry into the component, from its first line to its last: everything that a program can set off goes through
-/// this.
+/// Enters the component and runs `body(given)`: everything that a program can set off goes through this.
 ///
-/// All objects share one device, so there is one call at a time, from whichever apartment. The others wait as COM
-/// waits: their windows go on, and calls to objects of theirs are served. The thread that is inside may come in again
-/// from its message loop.
-class Entry {
+/// All objects share one device, so there is one call at a time, from whichever apartment. The others wait; see
+/// Turn::take. The thread that is inside comes in again at once, from whatever of the program runs within its call:
+/// from a message loop, or an object of the program's that is asked for its value. `body` runs in the component's own
+/// floating-point environment.
+///
+/// A call that never returns is over all the same: its thread has ended, or the program has left past it with an
+/// exception or a jump. What it has shown and locked goes, and the next call comes in.
+void enter(void (*body)(void*), void* given);
+
+/// Runs `body()`, which raises nothing, inside.
+template <class F>
+void inside(F&& body) {
+  enter([](void* given) { (*static_cast<F*>(given))(); }, &body);
+}
+
+/// What is to be done inside, but never waited for.
+class Errand {
  public:
-  Entry() = default;
-  Entry(const Entry&) = delete;
-  Entry& operator=(const Entry&) = delete;
-  ~Entry() = default;
+  Errand() = default;
+  Errand(const Errand&) = delete;
+  Errand& operator=(const Errand&) = delete;
+
+  /// Done at once when nobody is inside or this thread is; else by whoever is, before the next call from within comes
+  /// in, at the latest at the end.
+  void go();
+
+ protected:
+  ~Errand() = default;
 
  private:
-  class Turn {
-   public:
-    Turn();
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
-    ~Turn();
-  };
+  friend class Errands;
+  /// Called once for each `go`, which must not come again before that. May end this object.
+  virtual void run() = 0;
 
-  // In this order: whatever the program does while it waits, it does in its own environment.
-  Turn turn_;
-  platform::OwnFloatingPoint floatingPoint_;
+  Errand* next_ = nullptr;
 };
 
 }  // namespace mirvane::com

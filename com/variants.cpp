@@ -199,6 +199,7 @@ void VariantArgument::read(VARIANT& given, bool output) {
   }
   if (source->vt == VT_ERROR && source->scode == DISP_E_PARAMNOTFOUND) return;
   if ((source->vt & VT_BYREF) == 0) {
+    isForeign_ = source->vt == VT_DATE || std::ranges::find(kTypes, source->vt) == kTypes.end();
     before_ = output && variant_ != nullptr ? valueOr(*source, {}) : valueOf(*source);
     argument_ = variant_ == nullptr ? Argument(before_) : Argument(Reference(&copy_.emplace<Value>(before_)));
     return;
@@ -266,9 +267,9 @@ HRESULT VariantArgument::writeBack() {
 }
 
 bool VariantArgument::isCallersAlready(const Value& result) const {
-  if (result != before_) return false;
+  if (result != before_ && (!isForeign_ || isChanged())) return false;
   if (!isOutput_) return true;
-  if (variant_ != nullptr) return valueOr(*variant_, {}) == result;
+  if (variant_ != nullptr) return valueOr(*variant_, {}) == before_;
   if (typed_ == nullptr) return true;
   Variant now;
   check(VariantCopyInd(&now, typed_));

@@ -41,6 +41,8 @@ class VariantArgument {
   VARIANT* variant_ = nullptr;
   VARIANT* typed_ = nullptr;
   Value before_;
+  /// Whether the variable holds what no member gives, such as a date or a currency.
+  bool isForeign_ = false;
   bool isOutput_ = false;
   std::variant<bool, double, Text, ObjectPtr, Value> copy_;
 };

@@ -52,7 +52,12 @@ fiscalTrevikModule::fiscalTrevikModule() {
   startRecord();
 }
 
-fiscalTrevikModule::~fiscalTrevikModule() { endFacade(); }
+fiscalTrevikModule::~fiscalTrevikModule() { fiscalTrevikModule::released(); }
+
+// At once, though the object lives on: a Connect_ of another one that comes now keeps the driver.
+void fiscalTrevikModule::released() {
+  if (!std::exchange(hasEnded_, true)) endFacade();
+}
 
 FISCAL_TYPES fiscalTrevikModule::getFiscalType() { return moduleState().fiscalType; }
 

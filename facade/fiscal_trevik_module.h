@@ -19,6 +19,8 @@ class fiscalTrevikModule : public ObjectOf<fiscalTrevikModule> {
   fiscalTrevikModule();
   ~fiscalTrevikModule() override;
 
+  void released() override;
+
   /// Which driver was selected last; selects none.
   FISCAL_TYPES getFiscalType();
 
@@ -43,6 +45,7 @@ class fiscalTrevikModule : public ObjectOf<fiscalTrevikModule> {
 
  private:
   std::shared_ptr<clsEFT> eftpos_;
+  bool hasEnded_ = false;
 };
 
 }  // namespace mirvane

@@ -6,7 +6,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 
 namespace mirvane::platform {
 namespace {
@@ -53,11 +55,18 @@ std::optional<std::string> PosixDatagramSockets::receive(std::int32_t handle, st
 }
 
 bool PosixDatagramSockets::waitReadable(std::int32_t handle, std::int16_t seconds) {
-  pollfd entry{handle, POLLIN, 0};
-  if (seconds < 0 || poll(&entry, 1, seconds * 1000) <= 0) return false;
-  // "Nobody there" for an earlier datagram makes the socket readable without a datagram; looking takes it away.
-  char first = 0;
-  return recv(handle, &first, 1, MSG_PEEK | MSG_DONTWAIT) >= 0;
+  using Time = std::chrono::steady_clock;
+  const auto end = Time::now() + std::chrono::seconds(seconds);
+  if (seconds < 0) return false;
+  for (;;) {
+    pollfd entry{handle, POLLIN, 0};
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Time::now()).count();
+    if (poll(&entry, 1, static_cast<int>(std::max<std::int64_t>(left, 0))) <= 0) return false;
+    char first = 0;
+    if (recv(handle, &first, 1, MSG_PEEK | MSG_DONTWAIT) >= 0) return true;
+    // "Nobody there" for an earlier datagram makes the socket readable without a datagram; looking takes it away.
+    if (errno != ECONNREFUSED) return false;
+  }
 }
 
 void PosixDatagramSockets::shutDown(std::int32_t handle) {

@@ -64,16 +64,29 @@ std::optional<std::string> WindowsDatagramSockets::receive(std::int32_t handle, 
 }
 
 bool WindowsDatagramSockets::waitReadable(std::int32_t handle, std::int16_t seconds) {
-  fd_set readable{};
-  readable.fd_count = 1;
-  readable.fd_array[0] = toSocket(handle);
-  fd_set none{};
-  timeval limit{seconds, 0};
-  if (select(0, &readable, &none, &none, &limit) <= 0) return false;
-  char first = 0;
-  // What select saw may be an error left by an earlier datagram; the look takes it away. A longer datagram than was
-  // looked for is there.
-  return recv(toSocket(handle), &first, 1, MSG_PEEK) != SOCKET_ERROR || WSAGetLastError() == WSAEMSGSIZE;
+  // In pieces: once an error came, Wine sleeps past the datagram that follows.
+  constexpr ULONGLONG kPiece = 100;
+  if (seconds < 0) return false;
+  const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(seconds) * 1000;
+  ULONGLONG now = 0;
+  do {
+    now = GetTickCount64();
+    fd_set readable{};
+    readable.fd_count = 1;
+    readable.fd_array[0] = toSocket(handle);
+    fd_set none{};
+    timeval limit{0, static_cast<long>(std::min(end - std::min(now, end), kPiece) * 1000)};
+    const int count = select(0, &readable, &none, &none, &limit);
+    if (count == SOCKET_ERROR) return false;
+    char first = 0;
+    // What select saw may be an error left by an earlier datagram; the look takes it away. A longer datagram than was
+    // looked for is there.
+    const bool isThere =
+        count > 0 && (recv(toSocket(handle), &first, 1, MSG_PEEK) != SOCKET_ERROR || WSAGetLastError() == WSAEMSGSIZE);
+    if (isThere) return true;
+    if (count > 0 && !toldOfEarlierDatagram()) return false;
+  } while (now < end);
+  return false;
 }
 
 void WindowsDatagramSockets::shutDown(std::int32_t handle) {

@@ -1,8 +1,17 @@
 #include "platform/windows/floating_point.h"
 
-#include <utility>
+#include <vector>
 
 namespace mirvane::platform {
+namespace {
+
+// The host's environments, from the outermost call to the innermost. Not on the stack: a call may end without a return.
+std::vector<FloatingPoint>& hosts() {
+  static auto& all = *new std::vector<FloatingPoint>;
+  return all;
+}
+
+}  // namespace
 
 FloatingPoint::FloatingPoint() { asm volatile("fnstenv %0\n\tstmxcsr %1" : "=m"(x87_), "=m"(sse_)); }
 
@@ -13,18 +22,19 @@ void FloatingPoint::setUsual() {
   asm volatile("fninit\n\tldmxcsr %0" : : "m"(kNothingRaised));
 }
 
-OwnFloatingPoint* OwnFloatingPoint::innermost = nullptr;
-
-OwnFloatingPoint::OwnFloatingPoint() : outer_(std::exchange(innermost, this)) { FloatingPoint::setUsual(); }
+OwnFloatingPoint::OwnFloatingPoint() : depth_(hosts().size()) {
+  hosts().emplace_back();
+  FloatingPoint::setUsual();
+}
 
 OwnFloatingPoint::~OwnFloatingPoint() {
-  innermost = outer_;
-  hosts_.set();
+  const FloatingPoint host = hosts()[depth_];
+  hosts().resize(depth_);
+  host.set();
 }
 
-HostFloatingPoint::HostFloatingPoint() {
-  const OwnFloatingPoint* const call = OwnFloatingPoint::innermost;
-  (call != nullptr ? call->hosts_ : own_).set();
-}
+void OwnFloatingPoint::forget() { hosts().clear(); }
+
+HostFloatingPoint::HostFloatingPoint() { (hosts().empty() ? own_ : hosts().back()).set(); }
 
 }  // namespace mirvane::platform

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace mirvane::platform {
@@ -33,12 +34,11 @@ class OwnFloatingPoint {
   OwnFloatingPoint& operator=(const OwnFloatingPoint&) = delete;
   ~OwnFloatingPoint();
 
- private:
-  friend class HostFloatingPoint;
-  static OwnFloatingPoint* innermost;
+  /// Forgets those of calls that will never return.
+  static void forget();
 
-  FloatingPoint hosts_;
-  OwnFloatingPoint* outer_;
+ private:
+  std::size_t depth_;
 };
 
 /// While this lives the program's own code may run within a call of ours, in the environment that the program made the

@@ -1,6 +1,7 @@
 #include "platform/windows/datagram_sockets.h"
 #include "platform/windows/floating_point.h"
 #include "platform/windows/journal_window.h"
+#include "platform/windows/message_box.h"
 #include "platform/windows/serial_port.h"
 #include "platform/windows/trace_window.h"
 #include "platform/windows/wait_dialog.h"
@@ -83,25 +84,11 @@ bool debuggerListens() {
   return watched || IsDebuggerPresent() != FALSE;
 }
 
-// Whether anybody can see what this process shows. A service has a window station of its own, without a screen.
-bool isVisible() {
-  USEROBJECTFLAGS station{};
-  return GetUserObjectInformationW(GetProcessWindowStation(), UOI_FLAGS, &station, sizeof station, nullptr) == FALSE ||
-         (station.dwFlags & WSF_VISIBLE) != 0;
-}
-
 // The program's own windows go on while one of ours is open.
 class WindowsScreen : public Screen {
  public:
   void messageBox(TextView prompt, std::uint32_t style, TextView title) override {
-    const HostFloatingPoint host;
-    if (!isVisible()) {  // and nobody would ever close the box
-      OutputDebugStringW((toWide(title) + L": " + toWide(prompt) + L"\n").c_str());
-      return;
-    }
-    // Owned by the program's active window, which cannot be used while the box is open: a second call inside the first
-    // would talk between its lines.
-    MessageBoxW(GetActiveWindow(), toWide(prompt).c_str(), toWide(title).c_str(), style);
+    showMessageBox(toWide(prompt), style, toWide(title));
   }
 
   void waitWhile(const WaitText& text, const std::function<bool(WaitView&)>& tick) override {

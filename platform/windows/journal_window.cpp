@@ -68,7 +68,7 @@ class Tail {
   bool afterReturn_ = false;
 };
 
-class JournalWindow final : public JournalView, private Window {
+class JournalWindow final : public JournalView, private Window, private DuringCall {
  public:
   JournalWindow() : owner_(GetActiveWindow()) {
     const RECT area = make({L"MirvaneJournal", L"Ηλεκτρονικό Ημερολόγιο", CS_HREDRAW | CS_VREDRAW | CS_NOCLOSE,
@@ -84,7 +84,7 @@ class JournalWindow final : public JournalView, private Window {
   }
   JournalWindow(const JournalWindow&) = delete;
   JournalWindow& operator=(const JournalWindow&) = delete;
-  ~JournalWindow() override { lock_.release(window() != nullptr && GetActiveWindow() == window()); }
+  ~JournalWindow() override { lock_.release(window()); }
 
   void beginFile(TextView name) override {
     file_ = toWide(name);

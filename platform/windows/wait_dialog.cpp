@@ -17,7 +17,7 @@ constexpr int kMargin = 16;
 constexpr DWORD kSecond = 1000;
 constexpr UINT_PTR kTimer = 1;
 
-class WaitDialog final : public WaitView, private Window {
+class WaitDialog final : public WaitView, private Window, private DuringCall {
  public:
   WaitDialog(WaitText text, int showing) : text_(std::move(text)), owner_(GetActiveWindow()) {
     const std::wstring caption = toWide(text_.caption);
@@ -38,7 +38,7 @@ class WaitDialog final : public WaitView, private Window {
   }
   WaitDialog(const WaitDialog&) = delete;
   WaitDialog& operator=(const WaitDialog&) = delete;
-  ~WaitDialog() override { lock_.release(window() != nullptr && GetActiveWindow() == window()); }
+  ~WaitDialog() override { lock_.release(window()); }
 
   // Returns when the wait is over, and what `tick` threw.
   std::exception_ptr run(const std::function<bool(WaitView&)>& tick) {
@@ -186,7 +186,7 @@ class WaitDialog final : public WaitView, private Window {
 }  // namespace
 
 void runWaitDialog(const WaitText& text, const std::function<bool(WaitView&)>& tick) {
-  const std::exception_ptr failure = WaitDialog(text, SW_SHOW).run(tick);
+  const std::exception_ptr failure = std::make_unique<WaitDialog>(text, SW_SHOW)->run(tick);
   if (failure != nullptr) std::rethrow_exception(failure);
 }
 

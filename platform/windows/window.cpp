@@ -1,5 +1,7 @@
 #include "platform/windows/window.h"
 
+#include <utility>
+
 #include "platform/windows/floating_point.h"
 
 namespace mirvane::platform {
@@ -21,6 +23,22 @@ UINT dpiOf(HWND window) {
   const int dpi = GetDeviceCaps(screen, LOGPIXELSY);
   ReleaseDC(nullptr, screen);
   return static_cast<UINT>(dpi);
+}
+
+// One message of a number between `first` and `last` (0 and 0 for any), and of those `kinds`. Each look also serves
+// what other threads have sent, and shows the system that the program is alive. A request to end the program comes
+// whatever is looked for, and is the program's own loop's.
+bool take(MSG& message, UINT first, UINT last, UINT kinds) {
+  if (PeekMessageW(&message, nullptr, first, last, PM_REMOVE | kinds) == FALSE) return false;
+  if (message.message != WM_QUIT) return true;
+  PostQuitMessage(static_cast<int>(message.wParam));
+  return false;
+}
+
+// From the oldest to the youngest.
+std::vector<DuringCall*>& all() {
+  static auto& things = *new std::vector<DuringCall*>;
+  return things;
 }
 
 }  // namespace
@@ -119,20 +137,36 @@ void Window::paint() const {
   EndPaint(window_, &damage);
 }
 
-InputLock::InputLock() : focus_(GetFocus() != nullptr ? GetFocus() : GetActiveWindow()) {
+DuringCall::DuringCall() { all().push_back(this); }
+
+DuringCall::~DuringCall() { std::erase(all(), this); }
+
+std::size_t DuringCall::count() { return all().size(); }
+
+void DuringCall::endFrom(std::size_t kept) {
+  while (all().size() > kept) delete all().back();
+}
+
+void DuringCall::forget() { all().clear(); }
+
+InputLock::InputLock(HWND spared)
+    : spared_(spared), active_(GetActiveWindow()), focus_(GetFocus() != nullptr ? GetFocus() : active_) {
   EnumThreadWindows(GetCurrentThreadId(), &InputLock::disable, reinterpret_cast<LPARAM>(this));
 }
 
-void InputLock::release(bool giveFocusBack) {
+void InputLock::release(HWND own) {
   const HostFloatingPoint host;
-  for (const HWND window : windows_) EnableWindow(window, TRUE);
-  windows_.clear();
-  if (giveFocusBack && focus_ != nullptr) SetFocus(focus_);
+  for (const HWND window : std::exchange(windows_, {})) EnableWindow(window, TRUE);
+  const HWND active = GetActiveWindow();
+  const bool isWithOwn = own != nullptr && active == own;
+  const bool isLost = active == active_ && GetFocus() == nullptr;
+  if (isWithOwn || isLost) SetFocus(focus_);
 }
 
 BOOL CALLBACK InputLock::disable(HWND window, LPARAM self) {
-  if (IsWindowVisible(window) != FALSE && EnableWindow(window, FALSE) == FALSE) {
-    reinterpret_cast<InputLock*>(self)->windows_.push_back(window);
+  auto* const lock = reinterpret_cast<InputLock*>(self);
+  if (window != lock->spared_ && IsWindowVisible(window) != FALSE && EnableWindow(window, FALSE) == FALSE) {
+    lock->windows_.push_back(window);
   }
   return TRUE;
 }
@@ -160,7 +194,7 @@ void PendingMessages::serve() {
   const HostFloatingPoint host;
   const ULONGLONG end = GetTickCount64() + kLongest;
   MSG message;
-  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT | PM_QS_SENDMESSAGE) != FALSE) {
+  while (take(message, WM_PAINT, WM_PAINT, 0)) {
     DispatchMessageW(&message);
     if (GetTickCount64() >= end) return;
   }
@@ -170,7 +204,7 @@ void PendingMessages::repaint() {
   {
     const HostFloatingPoint host;
     MSG message;
-    for (int i = 0; i < kMostMessages && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_INPUT) != FALSE; ++i) {
+    for (int i = 0; i < kMostMessages && take(message, 0, 0, PM_QS_INPUT); ++i) {
     }
   }
   serve();

@@ -58,22 +58,41 @@ class Window {
   UINT dpi_ = 0;
 };
 
+/// What a call shows or locks while it lives; always made with `new`, as the call may end without a return.
+class DuringCall {
+ public:
+  DuringCall();
+  DuringCall(const DuringCall&) = delete;
+  DuringCall& operator=(const DuringCall&) = delete;
+  virtual ~DuringCall();
+
+  /// How many there are.
+  static std::size_t count();
+  /// Ends all but the oldest `kept`: the call that made them will never return. On its thread.
+  static void endFrom(std::size_t kept);
+  /// Forgets all of them: their thread has ended, and the windows with it.
+  static void forget();
+};
+
 /// No window of the thread takes input while this lives: a call started from there would talk between the lines of the
 /// one that is under way.
 class InputLock {
  public:
-  InputLock();
+  /// `spared` stays as it is: the owner of a box, which the box itself keeps from input.
+  explicit InputLock(HWND spared = nullptr);
   InputLock(const InputLock&) = delete;
   InputLock& operator=(const InputLock&) = delete;
-  ~InputLock() { release(false); }
+  ~InputLock() { release(); }
 
-  /// To be done before the window that took the focus is destroyed, or the system would look for another program to
-  /// bring to the front.
-  void release(bool giveFocusBack);
+  /// Gives the focus back where it was if `own` took it, or if it got lost. To be done before `own` is destroyed, or
+  /// the system would look for another program to bring to the front.
+  void release(HWND own = nullptr);
 
  private:
   static BOOL CALLBACK disable(HWND window, LPARAM self);
 
+  HWND spared_;
+  HWND active_;
   HWND focus_;
   std::vector<HWND> windows_;
 };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -75,3 +76,68 @@ inline HRESULT call(IDispatch* object, const wchar_t* member, std::vector<VARIAN
   DISPPARAMS given{arguments.data(), put ? &value : nullptr, static_cast<UINT>(arguments.size()), put ? 1U : 0U};
   return object->Invoke(idOf(object, member), iid, 0, flags, &given, result, nullptr, nullptr);
 }
+
+/// What an operation reports through.
+struct Outcome {
+  short result = 7;
+  BSTR text = nullptr;
+
+  std::vector<VARIANT> with(std::vector<VARIANT> arguments, bool suppress = true) {
+    for (const VARIANT& last : {reference(VT_I2, result), reference(VT_BSTR, text), flag(suppress)}) {
+      arguments.push_back(last);
+    }
+    return arguments;
+  }
+};
+
+inline std::vector<VARIANT> itemSale(VARIANT quantity, VARIANT department, Outcome& outcome, bool suppress = true,
+                                     const wchar_t* name = L"item") {
+  return outcome.with({text(name), quantity, number(1), number(24), department}, suppress);
+}
+
+/// How a thread computes.
+struct Environment {
+  unsigned short x87 = 0;
+  unsigned sse = 0;
+
+  static Environment now() {
+    Environment environment;
+    asm volatile("fnstcw %0\n\tstmxcsr %1" : "=m"(environment.x87), "=m"(environment.sse));
+    return environment;
+  }
+  void set() const { asm volatile("fnclex\n\tfldcw %0\n\tldmxcsr %1" : : "m"(x87), "m"(sse)); }
+  bool operator==(const Environment&) const = default;
+  Environment settings() const { return {x87, sse & ~0x3FU}; }  // without what happened so far
+};
+
+constexpr Environment kDelphi = {0x1372, 0x1900};
+
+/// An object of the program's, whose default member runs `read`.
+class HostObject final : public IDispatch {
+ public:
+  explicit HostObject(std::function<HRESULT(VARIANT&)> read) : read_(std::move(read)) {}
+
+  VARIANT argument() {
+    VARIANT variant{};
+    variant.vt = VT_DISPATCH;
+    variant.pdispVal = this;
+    return variant;
+  }
+
+  ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+  ULONG STDMETHODCALLTYPE Release() override { return 1; }
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+    *object = iid == IID_IUnknown || iid == IID_IDispatch ? this : nullptr;
+    return *object != nullptr ? S_OK : E_NOINTERFACE;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+                                   UINT*) override {
+    return id == DISPID_VALUE && (flags & DISPATCH_PROPERTYGET) != 0 ? read_(*result) : DISP_E_MEMBERNOTFOUND;
+  }
+
+ private:
+  std::function<HRESULT(VARIANT&)> read_;
+};

@@ -53,6 +53,41 @@ int main() {
   expect("an unknown name", callNamed(L"FeedPaper", {flag}, {L"Lines"}) == DISP_E_UNKNOWNNAME);
   expect("too few", callNamed(L"FeedPaper", {flag, outcome}) == DISP_E_BADPARAMCOUNT);
 
+  // What a variable held does not matter where it only takes a result.
+  wide = 100000;
+  VARIANT any[3] = {::text(L"abc"), {}, {}};
+  any[1].vt = VT_NULL;
+  any[2].vt = VT_ARRAY | VT_VARIANT;
+  any[2].parray = SafeArrayCreateVector(VT_VARIANT, 0, 2);
+  for (VARIANT& held : any) {
+    VARIANT also = held;
+    if (held.vt != VT_NULL) VariantInit(&also), VariantCopy(&also, &held);
+    expect("a VARIANT that holds anything",
+           callNamed(L"FeedPaper", {flag, reference(VT_VARIANT, also), reference(VT_VARIANT, held),
+                                    reference(VT_I2, lines)}) == S_OK &&
+               held.vt == VT_I2 && held.iVal == 100 && also.vt == VT_BSTR);
+  }
+  expect(
+      "a number beyond Result's type",
+      callNamed(L"FeedPaper", {flag, outcome, reference(VT_I4, wide), reference(VT_I2, lines)}) == S_OK && wide == 100);
+  VARIANT empty{};
+  const VARIANT twice = reference(VT_VARIANT, empty);
+  expect("Exresult stays, in a variable that is Pass too",
+         callNamed(L"GetVersionInfo", {twice, flag, twice, reference(VT_I2, result)}) == S_OK && empty.vt == VT_BSTR &&
+             SysStringLen(empty.bstrVal) == 27);
+  // What a member does not change keeps its type.
+  VARIANT currency{}, day{};
+  currency.vt = VT_CY;
+  currency.cyVal.int64 = 30000;
+  day.vt = VT_DATE;
+  day.date = 3;
+  for (VARIANT& held : {std::ref(currency), std::ref(day)}) {
+    const VARTYPE before = held.vt;
+    expect("a currency or a date",
+           callNamed(L"FeedPaper", {flag, outcome, reference(VT_I2, result), reference(VT_VARIANT, held)}) == S_OK &&
+               held.vt == before);
+  }
+
   // A date is a text as the system writes it, and a number as the system counts.
   IDispatch* const terminal = createObject(L"clsEFT");
   VARIANT date{}, written{}, held{};

@@ -21,8 +21,12 @@ struct Subject : ObjectOf<Subject> {
     return Text(numberText(Long{required}) + u" " + numberText(Long{number}) + u" " + text + (flag ? u" yes" : u" no"));
   }
   Value record(clsStatus& status) { return ++runs, Value(status.FiscalType); }
+  void tell(Short& result, Text& text, Text& /*unused*/) {
+    if (tells) std::tie(result, text) = std::tuple(Short{5}, Text(u"told"));
+  }
 
   int runs = 0;
+  bool tells = true;
 };
 
 const ClassInfo& Subject::describe() {
@@ -38,6 +42,7 @@ const ClassInfo& Subject::describe() {
           .method("options", &Subject::options,
                   {"required", optional("number", Short{4}), optional("text"), optional("flag", true)})
           .method("record", &Subject::record, {"c"})
+          .method("tell", &Subject::tell, {output("result"), output("text"), optional("unused")})
           .build();
   return info;
 }
@@ -161,6 +166,37 @@ TEST_F(Automation, AVariableThatCannotTakeTheResultIsRefusedBeforeTheMemberRuns)
   EXPECT_EQ(callError("Short", word), kTypeMismatch);
   EXPECT_EQ(subject->runs, 0);
   EXPECT_EQ(std::tuple(number, word, object), std::tuple(7, u"word", ObjectPtr(subject)));
+}
+
+TEST_F(Automation, WhatAVariableHeldDoesNotMatterWhereItOnlyTakesAResult) {
+  for (const Value& before : {Value(), Value(Null()), Value(Text(u"abc")), Value(1e9), Value(Date{1, u"d"})}) {
+    SCOPED_TRACE(before.index());
+    Value result = before, text = before;
+    subject->call("tell", result, text, u"");
+    EXPECT_EQ(std::pair(result, text), std::pair(Value(Short{5}), Value(Text(u"told"))));
+  }
+  for (const bool tells : {true, false}) {
+    subject->tells = tells;
+    Long wide = 100000;
+    Value any = Null();
+    Text text = u"before";
+    subject->call("tell", wide, text, u"");
+    subject->call("tell", any, text, u"");
+    EXPECT_EQ(std::tuple(wide, any, text), tells ? std::tuple(5, Value(Short{5}), Text(u"told"))
+                                                 : std::tuple(100000, Value(Null()), Text(u"before")));
+  }
+}
+
+TEST_F(Automation, OfOneVariableGivenTwiceTheResultStays) {
+  Short result = 0;
+  Value any;
+  Text typed;
+  subject->call("tell", result, any, any);
+  subject->call("tell", result, typed, typed);
+  EXPECT_EQ(std::pair(any, typed), std::pair(Value(Text(u"told")), Text(u"told")));
+  Value number = Short{1};
+  subject->call("tell", number, number, u"");
+  EXPECT_EQ(number, Value(Text(u"told"))) << "of two results the latter";
 }
 
 TEST_F(Automation, RecordsOfTheWrongClassAreRefused) {

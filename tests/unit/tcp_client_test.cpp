@@ -1,3 +1,6 @@
+#include <chrono>
+#include <thread>
+
 #include "tests/fakes/component_test.h"
 
 namespace mirvane::test {
@@ -84,6 +87,50 @@ TEST_F(TcpClient, ReceivesOneDatagram) {
     EXPECT_EQ(std::tuple(data, count), std::tuple(Value(Text()), Value(Short{0})));
     EXPECT_THAT(screen.boxes, ElementsAre(kReadFailed));
   }
+}
+
+TEST_F(TcpClient, AVariableThatCannotTakeTheDataIsRefusedAndTheDataStays) {
+  open();
+  sockets.inbox.add({{"x"}});
+  Long number = 7;
+  Short count = 7;
+  Value data, empty;
+  EXPECT_EQ(errorOf([&] { client->call("ReceiveData", number, count); }), kTypeMismatch);
+  EXPECT_EQ(client->call("ReceiveData", data, empty), Value(true));
+  EXPECT_EQ(std::tuple(number, count, data, empty), std::tuple(7, 7, Value(Text(u"x")), Value(Long{1})));
+  data = empty = {};
+  EXPECT_EQ(client->call("ReceiveData", data, empty), Value(false));
+  EXPECT_EQ(std::tuple(data, empty), std::tuple(Value(), Value())) << "their types stay too";
+}
+
+// The system's own sockets: what it tells of a datagram that met nobody is no data.
+TEST(DatagramSockets, WaitForDataThoughNobodyWasThere) {
+  platform::DatagramSockets& sockets = platform::hostPlatform().sockets;
+  std::uint16_t port = 20000;
+  const auto bound = [&] {
+    sockets.startUp();
+    const std::int32_t socket = sockets.create();
+    while (!sockets.bind(socket, port)) ++port;
+    return std::pair(socket, port++);
+  };
+  const auto [device, devicePort] = bound();
+  const auto [till, tillPort] = bound();
+  sockets.shutDown(device);
+  sockets.connect(till, "127.0.0.1", devicePort);
+  sockets.send(till, "nobody hears this");
+  std::thread answer([&sockets, devicePort = devicePort, tillPort = tillPort] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    sockets.startUp();
+    const std::int32_t late = sockets.create();
+    sockets.bind(late, devicePort);
+    sockets.connect(late, "127.0.0.1", tillPort);
+    sockets.send(late, "here");
+    sockets.shutDown(late);
+  });
+  EXPECT_TRUE(sockets.waitReadable(till, 20));
+  EXPECT_EQ(sockets.receive(till, 100), "here");
+  answer.join();
+  sockets.shutDown(till);
 }
 
 TEST_F(TcpClient, WaitsForDataAsLongAsItIsTold) {
