@@ -1,18 +1,27 @@
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "campaign/machine.h"
+#include "campaign/tally.h"
 
 namespace mirvane::campaign {
 
-/// A till that saves what it does is killed at every moment, and hit by every fault at every command; the table of how
-/// its answers, at once and at its next start, agree with what the register booked.
-struct AnswersTable {
-  std::string text;
-  /// Answers that were wrong, crashes and hangs.
-  long failures = 0;
-  long states = 0;
+/// What a till that saves what it does can be made to sell: see recovery.h.
+constexpr std::size_t kScenarios = 6;
+
+/// Sells, is killed where the rules say so, is started again and asked, and holds every answer against what the
+/// register booked. The rules are the emulator's, and "killed after N": a run of the program ends at that moment, and
+/// another begins. `machine` is fresh.
+Tally runSaved(Machine& machine, std::size_t scenario, const std::vector<std::string>& rules);
+
+/// How many moments a run of the program has that nothing ends, the one that sells and the one behind it, and how many
+/// commands the first sends.
+struct Moments {
+  long selling, later;
+  std::size_t commands;
 };
-/// `shareOnly`: a few of them.
-AnswersTable proveAnswers(bool shareOnly);
+Moments countMoments(LineKind line, std::size_t scenario);
 
 }  // namespace mirvane::campaign

@@ -11,19 +11,6 @@ constexpr double kGlance = 0.0005;
 constexpr double kIdleRead = 0.01;
 constexpr double kNoon = 12 * 3600;
 
-class NoView : public platform::JournalView {
- public:
-  void beginFile(TextView) override {}
-  void append(TextView, std::size_t) override {}
-  void processEvents() override {}
-};
-
-class NoWait : public platform::WaitView {
- public:
-  void show(const platform::WaitText&) override {}
-  void repaint() override {}
-};
-
 /// Notes a frame that goes out.
 void note(Tap& tap, std::string_view bytes, double now) {
   if (!bytes.starts_with(wire::kStx)) return;
@@ -44,6 +31,11 @@ void passMoment(const Tap& tap) {
 }  // namespace
 
 void VirtualClock::advance(double seconds) {
+  constexpr double kStep = 0.02;
+  for (; seconds > kStep; seconds -= kStep) {
+    now += kStep;
+    if (passes) passes();
+  }
   now += seconds;
   if (now > limit) throw StillWaiting();
 }
@@ -60,13 +52,32 @@ platform::LocalTime VirtualClock::localTime() {
   return {2026, 11, 22, seconds / 3600, seconds / 60 % 60, seconds % 60};
 }
 
+// Any window that the operator may see.
+class Operator::Window : public platform::WaitView, public platform::JournalView {
+ public:
+  explicit Window(const Operator& whose) : whose_(whose) { whose_.letProgramRun(); }
+
+  void show(const platform::WaitText&) override { whose_.letProgramRun(); }
+  void repaint() override { whose_.letProgramRun(); }
+  void beginFile(TextView) override { whose_.letProgramRun(); }
+  void append(TextView, std::size_t) override { whose_.letProgramRun(); }
+  void processEvents() override { whose_.letProgramRun(); }
+
+ private:
+  const Operator& whose_;
+};
+
 void Operator::waitWhile(const platform::WaitText&, const std::function<bool(platform::WaitView&)>& tick) {
-  NoWait view;
+  Window window(*this);
   do clock_.advance(1);
-  while (tick(view));
+  while (tick(window));
 }
 
-std::unique_ptr<platform::JournalView> Operator::showJournal() { return std::make_unique<NoView>(); }
+std::unique_ptr<platform::WaitView> Operator::showWait(const platform::WaitText&) {
+  return std::make_unique<Window>(*this);
+}
+
+std::unique_ptr<platform::JournalView> Operator::showJournal() { return std::make_unique<Window>(*this); }
 
 std::optional<std::string> Disk::read(TextView path) {
   const auto file = files.find(Text(path));
@@ -78,15 +89,22 @@ bool Disk::replace(TextView path, std::string_view bytes) {
   return true;
 }
 
+std::int32_t TappedPort::open(TextView name) {
+  handle_ = end_->open(name);
+  if (handle_ <= 0 || !hasGone_ || !stranger_ || end_ == stranger_.get()) return handle_;
+  end_ = stranger_.get();
+  return handle_ = end_->open(name);
+}
+
 std::optional<std::size_t> TappedPort::write(std::int32_t handle, std::string_view bytes) {
   note(tap_, bytes, clock_.now);
-  if (!tap_.moment) return LoopbackPort::write(handle, bytes);
+  // Byte by byte where somebody looks on.
   std::size_t written = 0;
-  for (const char byte : bytes) {
+  for (std::size_t size = tap_.moment ? 1 : bytes.size(); written < bytes.size(); written += size) {
     passMoment(tap_);
-    const auto one = LoopbackPort::write(handle, {&byte, 1});
-    if (!one) return std::nullopt;
-    written += *one;
+    if (end_->write(handle, bytes.substr(written, size))) continue;
+    hasGone_ = true;
+    return std::nullopt;
   }
   passMoment(tap_);
   return written;
@@ -94,11 +112,18 @@ std::optional<std::size_t> TappedPort::write(std::int32_t handle, std::string_vi
 
 std::optional<std::string> TappedPort::read(std::int32_t handle, std::size_t most) {
   if (waiting(handle) == std::size_t{0}) clock_.advance(kIdleRead);
-  auto bytes = LoopbackPort::read(handle, tap_.moment ? 1 : most);
+  auto bytes = end_->read(handle, tap_.moment ? 1 : most);
+  hasGone_ = hasGone_ || !bytes;
   if (!bytes || bytes->empty()) return bytes;
   passMoment(tap_);
   if (!tap_.answered.empty()) tap_.answered.back() += bytes->size();
   return bytes;
+}
+
+std::optional<std::size_t> TappedPort::waiting(std::int32_t handle) {
+  const auto count = end_->waiting(handle);
+  hasGone_ = hasGone_ || !count;
+  return count;
 }
 
 bool TappedSockets::send(std::int32_t handle, std::string_view bytes) {
@@ -116,16 +141,17 @@ std::optional<std::string> TappedSockets::receive(std::int32_t handle, std::size
   return datagram;
 }
 
-Machine::Machine(LineKind line)
+Machine::Machine(LineKind line, Stranger stranger)
     : device(
           {}, [this] { return clock.localTime(); }, [this] { return clock.now; }),
-      platform{port_, sockets_, clock, operator_, disk},
       line_(line),
-      port_(device, faults, clock, tap),
+      port_(device, faults, clock, tap, stranger),
       sockets_(
           device, faults, clock, tap,
           line == LineKind::kNetworkEnq ? emulator::Line::Acknowledges::kEnq : emulator::Line::Acknowledges::kFrame),
-      operator_(clock) {
+      platform{port_, sockets_, clock, screen, disk} {
+  // What is on its way arrives in its time, and not when somebody looks.
+  clock.passes = [this] { sockets_.takeHeld(); };
   device.journal().options.pieceSize = 600;
   device.journal().options.keep = [this](const emulator::Journal::File& file) {
     journal_[file.name] = file.bytes + "\r\n";
@@ -135,6 +161,13 @@ Machine::Machine(LineKind line)
 
 void Machine::settleCard() {
   clock.now += device.cards().options.seconds;
+  device.settleCard();
+}
+
+void Machine::settle() {
+  constexpr double kLongestDelay = 60;
+  clock.now += kLongestDelay;
+  sockets_.takeHeld();
   device.settleCard();
 }
 
@@ -155,10 +188,12 @@ int Machine::itemsBooked(emulator::ItemKind kind, TextView description) {
   return count;
 }
 
-int Machine::paymentsBooked(TextView description) {
+int Machine::paymentsBooked(TextView description, double euros) {
   int count = 0;
   for (const emulator::Receipt* receipt : receipts()) {
-    for (const emulator::Payment& payment : receipt->payments()) count += payment.description == description;
+    for (const emulator::Payment& payment : receipt->payments()) {
+      count += payment.description == description && (euros == 0 || payment.amount == std::lround(euros * 100));
+    }
   }
   return count;
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "campaign/strangers.h"
 #include "emulator/loopback.h"
 
 // A till's machine with a register at its line, in one process and in time of its own: nothing in it waits.
@@ -32,6 +33,8 @@ class VirtualClock : public platform::Clock {
   double now = 0;
   /// Past this moment a wait throws StillWaiting.
   double limit = std::numeric_limits<double>::infinity();
+  /// Called every few milliseconds.
+  std::function<void()> passes;
 };
 
 /// An operator who closes every box and waits as long as asked.
@@ -39,15 +42,24 @@ class Operator : public platform::Screen {
  public:
   explicit Operator(VirtualClock& clock) : clock_(clock) {}
 
-  void messageBox(TextView, std::uint32_t, TextView) override {}
+  void messageBox(TextView, std::uint32_t, TextView) override { letProgramRun(); }
   void waitWhile(const platform::WaitText& text, const std::function<bool(platform::WaitView&)>& tick) override;
-  std::unique_ptr<platform::WaitView> showWait(const platform::WaitText&) override { return nullptr; }
+  std::unique_ptr<platform::WaitView> showWait(const platform::WaitText&) override;
   std::unique_ptr<platform::JournalView> showJournal() override;
-  void serveWindows() override {}
+  void serveWindows() override { letProgramRun(); }
   void showTrace(bool) override {}
   void traceLine(TextView) override {}
 
+  /// What the program does wherever its own code can run within a call: in a box, a wait, a journal, a window that is
+  /// served.
+  std::function<void()> program;
+
  private:
+  class Window;
+  void letProgramRun() const {
+    if (program) program();
+  }
+
   VirtualClock& clock_;
 };
 
@@ -80,17 +92,33 @@ struct Tap {
 };
 
 /// The serial line with a tap. An idle read takes a while longer than the line's time-outs, which saves turns.
-class TappedPort : public emulator::LoopbackPort {
+class TappedPort : public platform::SerialPort {
  public:
-  TappedPort(emulator::Device& device, emulator::Faults& faults, VirtualClock& clock, Tap& tap)
-      : LoopbackPort(device, faults, clock), clock_(clock), tap_(tap) {}
+  /// `stranger` sits behind the line from the moment on at which it is opened after it has gone.
+  TappedPort(emulator::Device& device, emulator::Faults& faults, VirtualClock& clock, Tap& tap, Stranger stranger)
+      : clock_(clock), tap_(tap), register_(device, faults, clock), stranger_(makeStranger(stranger, clock)) {}
 
+  std::int32_t open(TextView name) override;
+  bool setTimeouts(std::int32_t handle, const platform::LineTimeouts& timeouts) override {
+    return end_->setTimeouts(handle, timeouts);
+  }
+  bool configure(std::int32_t handle, std::string_view settings) override { return end_->configure(handle, settings); }
   std::optional<std::size_t> write(std::int32_t handle, std::string_view bytes) override;
   std::optional<std::string> read(std::int32_t handle, std::size_t most) override;
+  std::optional<std::size_t> waiting(std::int32_t handle) override;
+  bool close(std::int32_t handle) override { return end_->close(handle); }
+  /// The system closes what a program that was killed had open.
+  void hangUp() { end_->close(handle_); }
 
  private:
   VirtualClock& clock_;
   Tap& tap_;
+  emulator::LoopbackPort register_;
+  const std::unique_ptr<platform::SerialPort> stranger_;
+  /// Who sits behind the line.
+  platform::SerialPort* end_ = &register_;
+  bool hasGone_ = false;
+  std::int32_t handle_ = 0;
 };
 
 class TappedSockets : public emulator::LoopbackSockets {
@@ -101,6 +129,8 @@ class TappedSockets : public emulator::LoopbackSockets {
 
   bool send(std::int32_t handle, std::string_view bytes) override;
   std::optional<std::string> receive(std::int32_t handle, std::size_t most) override;
+  /// Lets what rules have held up arrive.
+  void takeHeld() { LoopbackSockets::receive(0, 0); }
 
  private:
   VirtualClock& clock_;
@@ -110,20 +140,22 @@ class TappedSockets : public emulator::LoopbackSockets {
 /// The machine, and the register as whoever stands beside it sees it.
 class Machine {
  public:
-  explicit Machine(LineKind line);
+  explicit Machine(LineKind line, Stranger stranger = Stranger::kNone);
   Machine(const Machine&) = delete;
   Machine& operator=(const Machine&) = delete;
 
   TextView portName() const { return line_ == LineKind::kSerial ? u"COM1" : u"10.0.0.5:9100"; }
   /// Lets a card payment that is with its terminal come to its end.
   void settleCard();
+  /// Lets what is on its way arrive, too.
+  void settle();
 
-  /// The system closes what a program that was killed had open.
-  void hangUp() { port_.close(1); }
+  void hangUp() { port_.hangUp(); }
 
   // What the register booked.
   int itemsBooked(emulator::ItemKind kind, TextView description);
-  int paymentsBooked(TextView description);
+  /// Of `euros`; 0 for any amount.
+  int paymentsBooked(TextView description, double euros = 0);
   int linesPrinted(TextView text);
   /// All receipts, the open one last.
   std::vector<const emulator::Receipt*> receipts();
@@ -132,19 +164,21 @@ class Machine {
   int journalsMissing();
 
   VirtualClock clock;
+  Operator screen{clock};
   emulator::Device device;
   emulator::Faults faults;
   Tap tap;
   Disk disk;
-  platform::Platform platform;
 
  private:
   const LineKind line_;
   TappedPort port_;
   TappedSockets sockets_;
-  Operator operator_;
   /// The journal files that the register handed over.
   std::map<std::string, std::string> journal_;
+
+ public:
+  platform::Platform platform;
 };
 
 }  // namespace mirvane::campaign

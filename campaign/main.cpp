@@ -2,23 +2,29 @@
 #include <iostream>
 #include <sstream>
 
-#include "campaign/day.h"
-#include "campaign/kills.h"
 #include "campaign/runner.h"
 #include "campaign/table.h"
 
-// Every fault of the emulator at every command of a day, and what a till is told against what the register booked; and
-// a till that is killed at every moment, and what it then says.
-//
-//   campaign SOURCES                writes the tables into docs/reliability.md and docs/after-a-failure.md below
-//   SOURCES,
-//                                   and the share's numbers into campaign/accepted.txt
-//   campaign SOURCES share          runs a share of both; fails when a row is worse than those numbers, or an answer
-//   wrong campaign SOURCES find FAULT     names the days of that fault's rows on which something was found campaign
-//   SOURCES LINE RULE...   one day, call by call; LINE is 0 serial, 1 or 2 network that acknowledges the frame
-//                                   or the ENQ
 namespace mirvane::campaign {
 namespace {
+
+constexpr const char* kUsage = R"(What a till is told against what the register booked.
+
+  campaign SOURCES                 runs everything; writes the tables into docs/reliability.md and
+                                   docs/after-a-failure.md below SOURCES, and what the share may find into
+                                   campaign/accepted.txt. Fails when money goes wrong where the protocol could tell
+  campaign SOURCES share           runs a share; fails for the same, and when it finds more than what is accepted
+  campaign SOURCES find [ROW]      names the days of that row, or of all, in which something was found
+  campaign SOURCES LINE WORD...    one day, call by call. LINE is 0 serial, 1 or 2 a network that acknowledges the
+                                   frame or the ENQ. A WORD is:
+    day, cards, sales, saved-1 … saved-6                     what the till does: a day, declined cards and equal lines,
+                                                             a thousand sales, a till that saves what it does
+    other-register, loop-plug, scale                         who sits on the serial line when it comes back
+    calls, calls-with-same, connects-again, lets-go          what the program does within its calls
+    "killed after N"                                         of saved-1 … saved-6: the program ends at that moment
+    "seed N"                                                 of the rules with a rate
+    anything else                                            a rule of the emulator's: "after 3 till-ack lost"
+)";
 
 constexpr const char* kAccepted = "/campaign/accepted.txt";
 
@@ -29,10 +35,7 @@ Tally only(Column column) {
 }
 
 std::vector<Tally> runPlan(const Plan& plan) {
-  const auto run = [&plan](std::size_t index) {
-    Machine machine(plan.runs[index].line);
-    return runDay(machine, plan.runs[index].rules);
-  };
+  const auto run = [&plan](std::size_t index) { return plan.runs[index].run(); };
   return runAll(plan.runs.size(), 2, run, only(kCrash), only(kHang));
 }
 
@@ -43,6 +46,13 @@ Sums sumsOf(const Plan& plan, const std::vector<Tally>& tallies, bool shareOnly)
     if (!shareOnly || run.isInShare()) add(sums[{run.row, run.line}], tallies[i]);
   }
   return sums;
+}
+
+/// 1 when something must not be so.
+int judge(const Plan& plan, const Sums& sums, const std::string& worse = {}) {
+  const std::string wrong = mistakes(plan, sums);
+  std::cout << wrong << worse;
+  return wrong.empty() && worse.empty() ? 0 : 1;
 }
 
 std::string contentsOf(const std::string& path) {
@@ -61,53 +71,39 @@ void writeInto(const std::string& path, const std::string& text) {
   std::ofstream(path) << page;
 }
 
-int runShare(Plan plan, const std::string& accepted) {
+int runShare(Plan plan, const std::string& acceptedIn) {
   std::erase_if(plan.runs, [](const Run& run) { return !run.isInShare(); });
-  const std::string worse = whatIsWorse(plan, sumsOf(plan, runPlan(plan), true), contentsOf(accepted));
-  const AnswersTable answers = proveAnswers(true);
-  std::cout << plan.runs.size() << " days, " << answers.states << " states of a till\n";
-  if (answers.failures > 0) std::cout << answers.text;
-  if (!worse.empty()) std::cout << worse << "to see it all, and to accept it: ./run campaign\n";
-  return worse.empty() && answers.failures == 0 ? 0 : 1;
+  const Sums sums = sumsOf(plan, runPlan(plan), true);
+  std::string worse = whatIsWorse(plan, sums, contentsOf(acceptedIn));
+  if (!worse.empty()) worse += "to see it all, and to accept it: ./run campaign\n";
+  std::cout << plan.runs.size() << " runs\n";
+  return judge(plan, sums, worse);
 }
 
 int runEverything(const Plan& plan, const std::string& sources) {
   const std::vector<Tally> tallies = runPlan(plan);
-  const std::string days = tables(plan, sumsOf(plan, tallies, false));
-  std::cout << days << "\n";
+  const Sums sums = sumsOf(plan, tallies, false);
+  const std::string days = tables(plan, sums, Row::Group::kOnce, Row::Group::kWithin);
+  const std::string answers = tables(plan, sums, Row::Group::kAnswers, Row::Group::kAnswers);
+  std::cout << days << answers;
   writeInto(sources + "/docs/reliability.md", days);
-  std::ofstream(sources + kAccepted) << numbers(plan, sumsOf(plan, tallies, true));
-  const AnswersTable answers = proveAnswers(false);
-  std::cout << answers.text;
-  writeInto(sources + "/docs/after-a-failure.md", "\n" + answers.text);
-  return answers.failures == 0 ? 0 : 1;
+  writeInto(sources + "/docs/after-a-failure.md", answers);
+  std::ofstream(sources + kAccepted) << accepted(plan, sumsOf(plan, tallies, true));
+  return judge(plan, sums);
 }
 
-std::string findings(const Tally& tally) {
-  std::string text;
-  for (std::size_t i = kRuns + 1; i < kColumns; ++i) {
-    if (tally[i] != 0)
-      text += (text.empty() ? "" : ", ") + std::string(kColumnNames[i]) + " " + std::to_string(tally[i]);
-  }
-  return text;
-}
-
-int find(Plan plan, const std::string& fault) {
-  std::erase_if(plan.runs, [&](const Run& run) { return plan.rows[run.row].fault != fault; });
+int find(Plan plan, const std::string& row) {
+  std::erase_if(plan.runs, [&](const Run& run) { return !row.empty() && plan.rows[run.row].name != row; });
   const std::vector<Tally> tallies = runPlan(plan);
   for (std::size_t i = 0; i < plan.runs.size(); ++i) {
     const std::string found = findings(tallies[i]);
-    if (found.empty()) continue;
-    std::cout << static_cast<int>(plan.runs[i].line);
-    for (const std::string& rule : plan.runs[i].rules) std::cout << " '" << rule << "'";
-    std::cout << ": " << found << "\n";
+    if (!found.empty()) std::cout << plan.runs[i].text() << ": " << found << "\n";
   }
   return 0;
 }
 
-int runOne(LineKind line, const std::vector<std::string>& rules) {
-  Machine machine(line);
-  const Tally tally = runDay(machine, rules, [](const std::string& call) { std::cout << call << "\n"; });
+int runOne(const Run& run) {
+  const Tally tally = run.run([](const std::string& call) { std::cout << call << "\n"; });
   std::cout << findings(tally) << "\n";
   return 0;
 }
@@ -115,19 +111,22 @@ int runOne(LineKind line, const std::vector<std::string>& rules) {
 int run(const std::vector<std::string>& arguments) {
   if (arguments.size() == 1) return runEverything(makePlan(), arguments[0]);
   if (arguments[1] == "share") return runShare(makePlan(), arguments[0] + kAccepted);
-  if (arguments[1] == "find") return find(makePlan(), arguments.at(2));
-  return runOne(kLines[std::stoul(arguments[1])], {arguments.begin() + 2, arguments.end()});
+  if (arguments[1] == "find") return find(makePlan(), arguments.size() > 2 ? arguments[2] : "");
+  return runOne({0, kLines[std::stoul(arguments[1])], {arguments.begin() + 2, arguments.end()}});
 }
 
 }  // namespace
 }  // namespace mirvane::campaign
 
 int main(int argc, char** argv) {
-  if (argc < 2) return 2;
+  if (argc < 2) {
+    std::cerr << mirvane::campaign::kUsage;
+    return 2;
+  }
   try {
     return mirvane::campaign::run({argv + 1, argv + argc});
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "campaign: %s\n", error.what());
+    std::cerr << "campaign: " << error.what() << "\n";
     return 2;
   }
 }

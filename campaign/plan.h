@@ -3,24 +3,29 @@
 #include <string>
 #include <vector>
 
-#include "campaign/machine.h"
+#include "campaign/day.h"
 
 namespace mirvane::campaign {
 
-/// A row of the table: one kind of fault, and how it comes.
+/// A row of the tables: what is done to the line, and how it comes.
 struct Row {
-  enum class Group { kOnce, kLasting, kPairs } group;
-  std::string fault;
+  enum class Group { kOnce, kLasting, kPairs, kRates, kStrangers, kWithin, kAnswers } group;
+  std::string name;
 };
 
 struct Run {
   /// In Plan::rows.
   std::size_t row;
   LineKind line;
-  std::vector<std::string> rules;
+  /// What the till does, who sits on the line, what the program does, and rules: see main.cpp.
+  std::vector<std::string> words;
 
+  /// As the command line takes it.
+  std::string text() const;
   /// Whether it is one of the few that every test runs; that depends on the run alone, not on the others.
   bool isInShare() const;
+  /// With two rules, what they do together and neither does alone.
+  Tally run(const Log& log = {}) const;
 };
 
 struct Plan {
@@ -28,10 +33,7 @@ struct Plan {
   std::vector<Run> runs;
 };
 
-/// Each fault that the emulator knows, with the arguments that are tried, as in a rule.
-std::vector<std::string> singleFaults();
-
-/// Every fault that the emulator knows, at every command of a day, over every line.
+/// Every fault that the emulator knows, at every command of a day, over every line; and what else is tried.
 Plan makePlan();
 
 }  // namespace mirvane::campaign

@@ -13,7 +13,7 @@ namespace {
 constexpr int kTries = 10;
 
 /// What the register tells, in this order; amounts in cents.
-enum Field { kReceiptsToday, kLatestNumber, kLatestTotal, kOpenNow, kRemaining, kPaid, kFields };
+enum Field { kReceiptsToday, kLatestNumber, kLatestTotal, kOpenNow, kRemaining, kFields };
 
 std::vector<std::string> splitAt(const std::string& text, char separator) {
   std::vector<std::string> pieces;
@@ -36,26 +36,15 @@ std::string Cashier::lookOnce() {
   const auto day = std::make_shared<clsDailyAcc>();
   const auto receipt = std::make_shared<clsTransTotal>();
   if (!till_.call("getDailyTotals", *day) || !till_.call("transactionTotals", *receipt)) return {};
-  long remaining = 0;
-  long paid = 0;
-  long open = 0;
   const bool isTold = till_.send(u"5/99/1/1/1/");
+  std::string look = std::to_string(day->LegalReceiptCount) + ";" + std::to_string(receipt->receiptNumber) + ";" +
+                     std::to_string(std::lround(receipt->receiptTotalAmt * 100));
   // No receipt is open, or a cash document.
-  const bool isClosed = till_.Result == 64 || till_.Result == 67 || till_.Result == 68;
-  if (!isTold && !isClosed) return {};
-  if (isTold) {
-    const std::vector<Text> fields = split(till_.Exresult, u'/');
-    if (fields.size() != 7) return {};
-    open = 1;
-    remaining = cents(fields[3]);
-    paid = cents(fields[5]);
-    if (remaining < 0 || paid < 0) return {};
-  }
-  std::string look = std::to_string(day->LegalReceiptCount) + ";" + std::to_string(receipt->receiptNumber);
-  for (const long value : {std::lround(receipt->receiptTotalAmt * 100), open, remaining, paid}) {
-    look += ";" + std::to_string(value);
-  }
-  return look;
+  if (till_.Result == 64 || till_.Result == 67 || till_.Result == 68) return look + ";0;0";
+  // Behind the result and the two status bytes stands what remains. What else stands there is the register's own.
+  const std::vector<Text> fields = split(till_.Exresult, u'/');
+  if (!isTold || fields.size() < 5 || cents(fields[3]) < 0) return {};
+  return look + ";1;" + std::to_string(cents(fields[3]));
 }
 
 std::string Cashier::takePicture() {
@@ -76,18 +65,22 @@ std::string Cashier::judge(const std::string& what, long amount, const std::stri
     b[i] = std::stol(splitAt(before, ';')[i]);
     n[i] = std::stol(splitAt(now, ';')[i]);
   }
-  const bool isBooked = n[kOpenNow] == 0 && n[kReceiptsToday] == b[kReceiptsToday] + 1;
+  const bool isClosed = n[kOpenNow] == 0 && n[kReceiptsToday] == b[kReceiptsToday] + 1;
   if (what == "receipt") {
-    if (isBooked && n[kLatestNumber] == b[kLatestNumber] + 1) return "committed";
+    if (isClosed && n[kLatestNumber] == b[kLatestNumber] + 1) return "committed";
     if (n[kReceiptsToday] == b[kReceiptsToday] && n[kLatestNumber] <= b[kLatestNumber] + 1) return "not committed";
     return "unknown";
   }
   if (now == before) return "not committed";
-  if (what == "line") return n[kLatestTotal] == b[kLatestTotal] + amount ? "committed" : "unknown";
+  const bool isStillOpen = n[kOpenNow] == 1 && n[kReceiptsToday] == b[kReceiptsToday];
+  if (what == "line") {
+    const long total = b[kOpenNow] == 1 ? b[kLatestTotal] : 0;
+    return isStillOpen && n[kLatestTotal] == total + amount ? "committed" : "unknown";
+  }
   // More than remains gives change.
   const long due = amount == 0 ? b[kRemaining] : std::min(amount, b[kRemaining]);
-  const bool isAdded = n[kOpenNow] == 1 && n[kPaid] == b[kPaid] + due;
-  return isAdded || (isBooked && due == b[kRemaining]) ? "committed" : "unknown";
+  const bool isLess = isStillOpen && n[kLatestTotal] == b[kLatestTotal] && n[kRemaining] == b[kRemaining] - due;
+  return due > 0 && (isLess || (isClosed && due == b[kRemaining])) ? "committed" : "unknown";
 }
 
 void Cashier::save(const std::string& line) {
@@ -106,11 +99,14 @@ Cashier::Answers Cashier::recover() {
     const std::vector<std::string> fields = splitAt(line, '|');
     // Cut by the end of the program; what it announces was not begun.
     if (fields.back() != ".") continue;
-    if (fields[0] == "receipt") receipt = fields;
+    if (fields[0] == "receipt") {
+      receipt = fields;
+      ++answers.receipts;
+    }
     if (fields[0] == "do") {
       act = fields;
       was.clear();
-      ++answers.act;
+      ++answers.acts;
     }
     if (fields[0] == "was") was = fields;
   }
@@ -124,14 +120,18 @@ Cashier::Answers Cashier::recover() {
     answers.last = was[1];
   }
   if (receipt.empty()) return answers;
-  const bool isPaid = !known_.empty() && splitAt(known_, ';')[kOpenNow] == "1" &&
-                      splitAt(known_, ';')[kRemaining] == "0" && splitAt(known_, ';')[kPaid] != "0";
-  if (isPaid) {
+  if (isWhollyPaid()) {
     till_.send(u"O/1/");
     known_ = takePicture();
   }
   answers.receipt = judge("receipt", 0, receipt[1], known_);
   return answers;
+}
+
+bool Cashier::isWhollyPaid() const {
+  if (known_.empty()) return false;
+  const std::vector<std::string> fields = splitAt(known_, ';');
+  return fields[kOpenNow] == "1" && fields[kRemaining] == "0" && fields[kLatestTotal] != "0";
 }
 
 void Cashier::beginReceipt() {

@@ -29,9 +29,9 @@ class Cashier {
   Cashier(Till& till, SavedFile& file) : till_(till), file_(file) {}
 
   struct Answers {
-    /// The number of the last act that was begun, from 1; 0 when none was.
-    std::size_t act = 0;
-    /// "committed", "not committed" or "unknown".
+    /// How many acts and how many receipts were begun.
+    std::size_t acts = 0, receipts = 0;
+    /// What became of the last of them: "committed", "not committed" or "unknown".
     std::string last, receipt;
   };
   /// To be called first, and again whenever the till wants to know.
@@ -45,6 +45,7 @@ class Cashier {
   std::string takePicture();
   std::string lookOnce();
   static std::string judge(const std::string& what, long amount, const std::string& before, const std::string& now);
+  bool isWhollyPaid() const;
   void save(const std::string& line);
 
   Till& till_;

@@ -1,77 +1,139 @@
 #include "campaign/table.h"
 
+#include <algorithm>
 #include <sstream>
+
+#include "campaign/limits.h"
 
 namespace mirvane::campaign {
 namespace {
 
-constexpr std::string_view kHeadings[] = {"One command is hit", "Every command from one on is hit",
-                                          "Two commands in a row are hit, the second one by any other fault"};
-constexpr std::string_view kGroupNames[] = {"once", "lasting", "pairs"};
+struct Group {
+  std::string_view name, heading, runs;
+  /// The rows without findings have their place too.
+  bool showsAll = false;
+};
+constexpr Group kGroups[] = {
+    {"once", "One thing is hit", "days"},
+    {"lasting", "Everything from one thing on is hit", "days"},
+    {"pairs", "Two in a row are hit: what neither does alone", "days"},
+    {"rates", "Everything is hit at random", "sales"},
+    {"strangers", "Somebody else is there when the serial line comes back", "days"},
+    {"within", "The program calls from within its calls", "days"},
+    {"answers", "A till that saves what it does", "states", true},
+};
 constexpr std::string_view kLineNames[] = {"serial", "frame", "enq"};
+
+/// The three lines of a row.
+struct Tallies {
+  Tallies(const Sums& sums, std::size_t row) {
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      const auto found = sums.find({row, kLines[i]});
+      if (found != sums.end()) all[i] = found->second;
+    }
+  }
+  long total(std::size_t column) const { return all[0][column] + all[1][column] + all[2][column]; }
+  bool hasFindings() const {
+    return std::ranges::any_of(all, [](const Tally& tally) { return !findings(tally).empty(); });
+  }
+  std::string cell(std::size_t column) const {
+    const long sum = total(column);
+    if (column < kFirstFinding || sum == 0) return std::to_string(sum);
+    return std::to_string(all[0][column]) + " / " + std::to_string(all[1][column]) + " / " +
+           std::to_string(all[2][column]);
+  }
+
+  std::array<Tally, std::size(kLines)> all{};
+};
 
 std::string keyOf(const Plan& plan, std::pair<std::size_t, LineKind> at) {
   const Row& row = plan.rows[at.first];
-  return std::string(kGroupNames[static_cast<std::size_t>(row.group)]) + " " + row.fault + " " +
+  return std::string(kGroups[static_cast<std::size_t>(row.group)].name) + ", " + row.name + ", " +
          std::string(kLineNames[static_cast<std::size_t>(at.second)]);
 }
 
-std::string cell(const Sums& sums, std::size_t row, std::size_t column) {
-  std::string text;
-  long total = 0;
-  for (const LineKind line : kLines) {
-    const auto found = sums.find({row, line});
-    const long value = found == sums.end() ? 0 : found->second[column];
-    total += value;
-    text += (text.empty() ? "" : " / ") + std::to_string(value);
+std::string table(const Plan& plan, const Sums& sums, std::size_t group) {
+  std::ostringstream out;
+  std::string without;
+  std::array<bool, kColumns> isShown{true};
+  Tally all{};
+  for (std::size_t row = 0; row < plan.rows.size(); ++row) {
+    if (static_cast<std::size_t>(plan.rows[row].group) != group) continue;
+    const Tallies tallies(sums, row);
+    for (std::size_t i = 0; i < kColumns; ++i) {
+      all[i] += tallies.total(i);
+      isShown[i] = isShown[i] || tallies.total(i) > 0;
+    }
+    if (!tallies.hasFindings() && !kGroups[group].showsAll)
+      without += (without.empty() ? "`" : ", `") + plan.rows[row].name + "`";
   }
-  return column == kRuns || total == 0 ? std::to_string(total) : text;
+  out << "\n### " << kGroups[group].heading << "\n\n";
+  if (kGroups[group].showsAll || !findings(all).empty()) {
+    std::string rule = "|---|";
+    out << "| |";
+    for (std::size_t i = 0; i < kColumns; ++i) {
+      if (isShown[i]) rule += "---|";
+      if (isShown[i]) out << " " << (i == kRuns ? kGroups[group].runs : kColumnNames[i]) << " |";
+    }
+    out << "\n" << rule << "\n";
+    for (std::size_t row = 0; row < plan.rows.size(); ++row) {
+      const Tallies tallies(sums, row);
+      const bool isListed = kGroups[group].showsAll || tallies.hasFindings();
+      if (static_cast<std::size_t>(plan.rows[row].group) != group || !isListed) continue;
+      out << "| `" << plan.rows[row].name << "` |";
+      for (std::size_t i = 0; i < kColumns; ++i) {
+        if (isShown[i]) out << " " << tallies.cell(i) << " |";
+      }
+      out << "\n";
+    }
+    out << "\n";
+  }
+  if (!without.empty()) out << "Nothing was found under " << without << ".\n\n";
+  out << "In all " << all[kRuns] << " " << kGroups[group].runs;
+  if (all[kVisits] > 0) out << ", " << all[kVisits] << " " << kColumnNames[kVisits];
+  out << ".\n";
+  return out.str();
 }
 
 }  // namespace
 
-std::string tables(const Plan& plan, const Sums& sums) {
+std::string tables(const Plan& plan, const Sums& sums, Row::Group first, Row::Group last) {
+  std::string all;
+  for (auto group = static_cast<std::size_t>(first); group <= static_cast<std::size_t>(last); ++group) {
+    all += table(plan, sums, group);
+  }
+  return all;
+}
+
+std::string mistakes(const Plan& plan, const Sums& sums) {
+  std::string all;
+  for (const auto& [at, tally] : sums) {
+    const std::string found = mistakes(tally, plan.rows[at.first].name, at.second);
+    if (!found.empty()) all += keyOf(plan, at) + ": " + found + ", and the protocol could tell\n";
+  }
+  return all;
+}
+
+std::string accepted(const Plan& plan, const Sums& sums) {
   std::ostringstream out;
-  for (std::size_t row = 0; row < plan.rows.size(); ++row) {
-    const auto group = static_cast<std::size_t>(plan.rows[row].group);
-    if (row == 0 || plan.rows[row - 1].group != plan.rows[row].group) {
-      out << "\n### " << kHeadings[group] << "\n\n| fault |";
-      for (const std::string_view name : kColumnNames) out << " " << name << " |";
-      out << "\n|";
-      for (std::size_t i = 0; i <= kColumns; ++i) out << "---|";
-      out << "\n";
-    }
-    out << "| `" << plan.rows[row].fault << "` |";
-    for (std::size_t column = 0; column < kColumns; ++column) out << " " << cell(sums, row, column) << " |";
-    out << "\n";
+  for (const auto& [at, tally] : sums) {
+    if (const std::string found = findings(tally); !found.empty()) out << keyOf(plan, at) << ": " << found << "\n";
   }
   return out.str();
 }
 
-std::string numbers(const Plan& plan, const Sums& sums) {
+std::string whatIsWorse(const Plan& plan, const Sums& sums, const std::string& before) {
+  std::map<std::string, std::string> known;
+  std::istringstream in(before);
+  for (std::string line; std::getline(in, line);) known[line.substr(0, line.find(": "))] = line;
   std::ostringstream out;
   for (const auto& [at, tally] : sums) {
-    out << keyOf(plan, at);
-    for (const long value : tally) out << " " << value;
-    out << "\n";
-  }
-  return out.str();
-}
-
-std::string whatIsWorse(const Plan& plan, const Sums& sums, const std::string& accepted) {
-  std::map<std::string, Tally> before;
-  std::istringstream in(accepted);
-  for (std::string group, fault, line; in >> group >> fault >> line;) {
-    Tally& tally = before[group.append(" ").append(fault).append(" ").append(line)];
-    for (long& value : tally) in >> value;
-  }
-  std::ostringstream out;
-  for (const auto& [at, tally] : sums) {
-    const Tally& known = before[keyOf(plan, at)];
-    for (std::size_t column = kRuns + 1; column < kColumns; ++column) {
-      if (tally[column] <= known[column]) continue;
-      out << keyOf(plan, at) << ": " << kColumnNames[column] << " " << tally[column] << ", accepted " << known[column]
-          << "\n";
+    const std::string& line = known[keyOf(plan, at)];
+    for (std::size_t i = kFirstFinding; i < kColumns; ++i) {
+      const std::string name = std::string(kColumnNames[i]) + " ";
+      const std::size_t found = line.find(name, line.find(": ") + 1);
+      const long most = found == std::string::npos ? 0 : std::stol(line.substr(found + name.size()));
+      if (tally[i] > most) out << keyOf(plan, at) << ": " << name << tally[i] << ", accepted " << most << "\n";
     }
   }
   return out.str();

@@ -10,7 +10,7 @@ namespace mirvane::campaign {
 /// A till program that has just started, on a machine: it makes calls and looks at what it is told.
 class Till {
  public:
-  explicit Till(Machine& machine) {
+  explicit Till(Machine& machine, bool suppress = true) : SupressError_(suppress) {
     moduleState() = ModuleState{};
     moduleState().platform = &machine.platform;
     startComponent();
@@ -27,21 +27,33 @@ class Till {
   /// no automation error, and Result 0.
   template <class... A>
   bool call(const char* member, A&&... arguments) {
-    return tell(*facade_, member, std::forward<A>(arguments)..., Result, Exresult, suppress_);
+    return tell(*facade_, member, std::forward<A>(arguments)..., Result, Exresult, SupressError_);
   }
   bool discount(double& amount) {
     bool onLastItem = false;
-    const auto adjustment = std::get<ObjectPtr>(facade_->call("adjustment", onLastItem));
-    return tell(*adjustment, "amountDiscount", u"ΕΚΠΤΩΣΗ", amount, Result, Exresult, suppress_);
+    Value adjustment;
+    try {
+      adjustment = facade_->call("adjustment", onLastItem);
+    } catch (const AutomationError&) {  // no register is connected
+      return false;
+    }
+    return tell(*std::get<ObjectPtr>(adjustment), "amountDiscount", u"ΕΚΠΤΩΣΗ", amount, Result, Exresult,
+                SupressError_);
   }
   bool send(const char16_t* command) {
     Text pass;
-    return tell(*facade_, "SendCommand_", command, Result, Exresult, suppress_, pass);
+    return tell(*facade_, "SendCommand_", command, Result, Exresult, SupressError_, pass);
+  }
+  /// Lets go of the one facade, which may be inside a call, and takes another.
+  void changeFacade() {
+    facade_ = nullptr;
+    facade_ = std::make_shared<fiscalTrevikModule>();
   }
   fiscalTrevikModule& facade() { return *facade_; }
 
   std::int16_t Result = 0;
   Text Exresult;
+  bool SupressError_;
 
  private:
   template <class... A>
@@ -60,7 +72,6 @@ class Till {
   static constexpr std::int16_t kUntouched = 32767;
 
   std::shared_ptr<fiscalTrevikModule> facade_;
-  bool suppress_ = true;
 };
 
 }  // namespace mirvane::campaign

@@ -7,7 +7,7 @@
 Option Explicit
 
 ' What a picture of the register holds, in this order; amounts in cents.
-Const ReceiptsToday = 0, LatestNumber = 1, LatestTotal = 2, OpenNow = 3, Remaining = 4, Paid = 5
+Const ReceiptsToday = 0, LatestNumber = 1, LatestTotal = 2, OpenNow = 3, Remaining = 4
 
 Dim module, files, port, savedTo, known, Result, Exresult, Suppress, Pass
 Suppress = True
@@ -97,25 +97,29 @@ End Sub
 
 ' "committed", "not committed" or "unknown", by the pictures before and now.
 Function Judge(what, amount, before, now)
-  Dim b, n, due, isBooked
+  Dim b, n, due, total, isClosed, isStillOpen
   Judge = "unknown"
   If before = "" Or now = "" Or what = "comment" Then Exit Function
   b = FieldsOf(before)
   n = FieldsOf(now)
-  isBooked = n(OpenNow) = 0 And n(ReceiptsToday) = b(ReceiptsToday) + 1
+  isClosed = n(OpenNow) = 0 And n(ReceiptsToday) = b(ReceiptsToday) + 1
+  isStillOpen = n(OpenNow) = 1 And n(ReceiptsToday) = b(ReceiptsToday)
   If what = "receipt" Then
     If n(ReceiptsToday) = b(ReceiptsToday) And n(LatestNumber) <= b(LatestNumber) + 1 Then Judge = "not committed"
-    If isBooked And n(LatestNumber) = b(LatestNumber) + 1 Then Judge = "committed"
+    If isClosed And n(LatestNumber) = b(LatestNumber) + 1 Then Judge = "committed"
   ElseIf now = before Then
     Judge = "not committed"
   ElseIf what = "line" Then
-    If n(LatestTotal) = b(LatestTotal) + amount Then Judge = "committed"
+    total = amount
+    If b(OpenNow) = 1 Then total = b(LatestTotal) + amount
+    If isStillOpen And n(LatestTotal) = total Then Judge = "committed"
   Else
     ' More than remains gives change.
     due = amount
     If due = 0 Or due > b(Remaining) Then due = b(Remaining)
-    If n(OpenNow) = 1 And n(Paid) = b(Paid) + due Then Judge = "committed"
-    If isBooked And due = b(Remaining) Then Judge = "committed"
+    If due <= 0 Then Exit Function
+    If isStillOpen And n(LatestTotal) = b(LatestTotal) And n(Remaining) = b(Remaining) - due Then Judge = "committed"
+    If isClosed And due = b(Remaining) Then Judge = "committed"
   End If
 End Function
 
@@ -148,12 +152,11 @@ Function LookOnce
   On Error GoTo 0
   totals = day.LegalReceiptCount & ";" & receipt.receiptNumber & ";" & CLng(receipt.receiptTotalAmt * 100)
   ' No receipt is open, or a cash document.
-  If Result = 64 Or Result = 67 Or Result = 68 Then LookOnce = totals & ";0;0;0"
+  If Result = 64 Or Result = 67 Or Result = 68 Then LookOnce = totals & ";0;0"
   fields = Split(Exresult, "/")
-  If Result <> 0 Or UBound(fields) <> 6 Then Exit Function
-  If Cents(fields(3)) >= 0 And Cents(fields(5)) >= 0 Then
-    LookOnce = totals & ";1;" & Cents(fields(3)) & ";" & Cents(fields(5))
-  End If
+  If Result <> 0 Or UBound(fields) < 4 Then Exit Function
+  ' Behind the result and the two status bytes stands what remains. What else stands there is the register's own.
+  If Cents(fields(3)) >= 0 Then LookOnce = totals & ";1;" & Cents(fields(3))
 End Function
 
 ' The digits of "4.00", which are cents; -1 when it is no such number.
@@ -185,7 +188,7 @@ Function IsWhollyPaid
   IsWhollyPaid = False
   If Not IsReceiptOpen Then Exit Function
   fields = FieldsOf(known)
-  IsWhollyPaid = fields(Remaining) = 0 And fields(Paid) > 0
+  IsWhollyPaid = fields(Remaining) = 0 And fields(LatestTotal) <> 0
 End Function
 
 Sub Save(line)
