@@ -123,7 +123,8 @@ void CallArguments::fill(Slot& slot, const Argument& given, const Parameter& par
     slot.writeBack = true;
   }
   Value value = given.missing() ? parameter.presetValue() : given.value();
-  if (!isRecord && kind != TypeKind::variant && std::holds_alternative<ObjectPtr>(value)) {
+  const bool isObject = !isRecord && kind != TypeKind::variant && std::holds_alternative<ObjectPtr>(value);
+  if (isObject && !parameter.isOutput) {
     value = defaultOf(std::get<ObjectPtr>(value));
     slot.given = Argument(value);  // the variable keeps its object
   }
@@ -169,7 +170,7 @@ bool CallArguments::finish(bool assigned) {
     for (const Slot& slot : slots_) {
       if (!slot.writeBack || slot.isChanged() != changed || (slot.wasUnreadable && !changed)) continue;
       const bool typeChanges = assigned && !leavesOthers_ && slot.given.isVariant();
-      if (changed || slot.isDetached || typeChanges) taken = slot.given.store(slot.copy) && taken;
+      if (changed || (slot.isDetached && assigned) || typeChanges) taken = slot.given.store(slot.copy) && taken;
     }
   }
   return taken;

@@ -104,7 +104,8 @@ class CallArguments {
   void leaveOthers() { leavesOthers_ = true; }
 
   /// Gives the caller what the member wrote; also to be called when the member failed. What it did not change is left
-  /// as the caller has it, but a variable of any type takes the member's type once the member has `assigned` them all.
+  /// as the caller has it, but once the member has `assigned` them all, a variable of any type takes the member's type,
+  /// and a detached one its content.
   /// Of one variable that was given twice, what the member changed is written last. False when a variable could not
   /// take its result.
   bool finish(bool assigned);

@@ -44,7 +44,7 @@ technician() {
   record=$WORK/record.txt
   tr -d '\r' <"$record" | cut -c32- | cut -c1-70
   shown 'open          0 COM5' 'call          0 ItemSale' 'received     11 <STX>00/00/06/<ETX>' '3/S//Τυροπιτα' \
-    'repeat        2' 'wait         -4' 'broken' 'close         0 COM5' 'open          2 COM5: ' 'open          0 COM5' \
+    'broken' 'close         0 COM5' 'wait         -4' 'open          2 COM5: ' 'open          0 COM5' 'repeat        2' \
     '3/S//Τυροπιτα' 'received     11 <STX>00/00/06/<ETX>' 'waited' 'ended         0 ItemSale' 'close         0 COM5'
 
   start_emulator device --replay "$WORK/record.txt"
