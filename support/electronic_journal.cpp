@@ -134,7 +134,7 @@ struct Download {
       const Text name(withoutEnd(reply.textAt(2)));
       const bool isPiece = state == u"1" || state == u"2";
       if (isPiece && isSame && !isCareful) {
-        const Reply again = askUntilPrepared(begin);
+        Reply again = askUntilPrepared(begin);
         if (!again.succeeded()) return again;
         isCareful = true;
         hasBegun = lacksBeginning = false;
