@@ -144,6 +144,7 @@ void CallArguments::fill(Slot& slot, const Argument& given, const Parameter& par
 void CallArguments::detach(std::size_t i) {
   Slot& slot = slots_[i];
   slot.isDetached = true;
+  slot.held = slot.given.value();
   if (std::exchange(slot.writeBack, true)) return;
   slot.copy = slot.before = slot.given.value();
   slot.variable = std::visit(
@@ -168,6 +169,8 @@ bool CallArguments::finish(bool assigned) {
   bool taken = true;
   for (const bool changed : {false, true}) {
     for (const Slot& slot : slots_) {
+      const bool isAnothers = slot.isDetached && !assigned && !slot.isChanged() && slot.given.value() != slot.held;
+      if (isAnothers) slot.given.store(slot.held);
       if (!slot.writeBack || slot.isChanged() != changed || (slot.wasUnreadable && !changed)) continue;
       const bool typeChanges = assigned && !leavesOthers_ && slot.given.isVariant();
       if (changed || (slot.isDetached && assigned) || typeChanges) taken = slot.given.store(slot.copy) && taken;

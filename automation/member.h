@@ -105,7 +105,7 @@ class CallArguments {
 
   /// Gives the caller what the member wrote; also to be called when the member failed. What it did not change is left
   /// as the caller has it, but once the member has `assigned` them all, a variable of any type takes the member's type,
-  /// and a detached one its content.
+  /// and a detached one its content; before that, a detached one gets back what it held.
   /// Of one variable that was given twice, what the member changed is written last. False when a variable could not
   /// take its result.
   bool finish(bool assigned);
@@ -119,6 +119,8 @@ class CallArguments {
     bool writeBack = false;
     /// Written whatever the variable holds.
     bool isDetached = false;
+    /// What the variable of a detached one held at the beginning.
+    Value held{};
     /// The variable of an output held nothing of its type; `before` stands for that, and is written nowhere.
     bool wasUnreadable = false;
 

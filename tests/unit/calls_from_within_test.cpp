@@ -159,6 +159,17 @@ TEST_F(CallsFromWithin, NoMomentLetsTheProgramIn) {
   }
 }
 
+TEST_F(CallsFromWithin, ACallThatRaisesGivesBackWhatItsVariablesHeld) {
+  Short result = 77;
+  Text text = u"before";
+  bool silent = false;
+  device.silence(2).answer("00/00/00/");
+  onceWithin([&] { facade->call("DrawerOpen", result, text, silent); });
+  EXPECT_THROW(facade->call("issueZReport", result, text, silent), AutomationError) << "A/ told no number";
+  EXPECT_EQ(runs, 1);
+  EXPECT_EQ(std::to_string(result) + " " + toUtf8(text), "77 before");
+}
+
 TEST_F(CallsFromWithin, WhatTalksToNobodyWorks) {
   SupressError_ = false;
   device.answer("60/00/0E/");
