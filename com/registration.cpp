@@ -35,11 +35,11 @@ struct Failure {
   HRESULT outcome;
 };
 
-void check(HRESULT outcome) {
+void must(HRESULT outcome) {
   if (FAILED(outcome)) throw Failure{outcome};
 }
 
-void checkStatus(LSTATUS status) { check(HRESULT_FROM_WIN32(static_cast<DWORD>(status))); }
+void checkStatus(LSTATUS status) { must(HRESULT_FROM_WIN32(static_cast<DWORD>(status))); }
 
 void set(HKEY root, const std::wstring& key, const wchar_t* name, const std::wstring& value) {
   const std::size_t size = (value.size() + 1) * sizeof(wchar_t);
@@ -90,9 +90,9 @@ void unregisterClass(HKEY root, const PublicClass& c) {
 // machine's.
 void registerTypeLibrary(HKEY root) {
   ComPtr<ITypeLib> library;
-  check(loadTypeLibrary(library));
+  must(loadTypeLibrary(library));
   BSTR description = nullptr;
-  check(library->GetDocumentation(MEMBERID_NIL, nullptr, &description, nullptr, nullptr));
+  must(library->GetDocumentation(MEMBERID_NIL, nullptr, &description, nullptr, nullptr));
   const std::wstring shown(description, SysStringLen(description));
   SysFreeString(description);
 

@@ -4,7 +4,7 @@ namespace mirvane::emulator {
 namespace {
 
 // 9999999.99 as an amount, 999999.999 as a quantity; the product of two such numbers still fits.
-constexpr std::int64_t kGreatest = 999'999'999;
+constexpr std::int64_t kGreatestField = 999'999'999;
 
 }  // namespace
 
@@ -32,7 +32,7 @@ Code Fields::check(const std::vector<FieldRule>& rules, bool endsOpen) {
     if (kind == FieldRule::Kind::kText || pieces_[i].empty()) continue;
     const int decimals = kind == FieldRule::Kind::kAmount ? 2 : kind == FieldRule::Kind::kQuantity ? 3 : 0;
     const auto number = parseFixed(pieces_[i], decimals);
-    if (!number || *number > kGreatest || *number < -kGreatest) return Code::kFieldRange;
+    if (!number || *number > kGreatestField || *number < -kGreatestField) return Code::kFieldRange;
     if (kind == FieldRule::Kind::kFlag && *number != 0 && *number != 1) return Code::kFieldRange;
     numbers_[i] = *number;
   }

@@ -16,7 +16,7 @@ namespace {
 using Kind = Fault::Kind;
 
 constexpr std::uint32_t kAlways = std::numeric_limits<std::uint32_t>::max();
-constexpr std::uint32_t kGreatest = 100'000'000;
+constexpr std::uint32_t kGreatestTime = 100'000'000;
 constexpr std::uint32_t kLongestUnplugging = 86'400;
 
 enum class Argument { kNone, kNumber, kNumberOrDefault, kHexByte, kHexBytesOrDefault, kBusyCode, kText };
@@ -65,7 +65,7 @@ constexpr std::pair<std::string_view, Fault::At> kSent[] = {
 std::optional<std::uint32_t> parse(std::string_view text, int base = 10) {
   std::uint32_t value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
-  if (error != std::errc() || end != text.data() + text.size() || value > kGreatest) return std::nullopt;
+  if (error != std::errc() || end != text.data() + text.size() || value > kGreatestTime) return std::nullopt;
   return value;
 }
 

@@ -11,7 +11,6 @@ namespace {
 using recorder::Event;
 using recorder::EventKind;
 using Step = Replay::Step;
-using Kind = Step::Kind;
 
 constexpr std::uint32_t kLongest = 86'400'000;  // milliseconds
 // A till on the network looks every half second for a reply that does not come at once. Sent in the middle between two
@@ -72,7 +71,7 @@ class Script {
  private:
   // The exchange is over. What was found later had been there before the till looked.
   bool isIdle() const { return lastUnit_ == kAck; }
-  bool isAway() const { return !steps.empty() && steps.back().kind == Kind::kAway; }
+  bool isAway() const { return !steps.empty() && steps.back().kind == Step::Kind::kAway; }
 
   void addSent(Event event, std::size_t line) {
     if (event.text != kAck) halveLastDelay();
@@ -80,7 +79,7 @@ class Script {
     lastSent_ = event.time;
     std::string bytes = std::move(event.text);
     const bool goesOn = !bytes.empty() && std::string_view(kBegins).find(bytes.front()) == std::string_view::npos;
-    if (goesOn && !steps.empty() && steps.back().kind == Kind::kSent && isTorn(steps.back().bytes)) {
+    if (goesOn && !steps.empty() && steps.back().kind == Step::Kind::kSent && isTorn(steps.back().bytes)) {
       bytes.insert(0, steps.back().bytes);
       line = steps.back().line;
       steps.pop_back();
@@ -88,7 +87,7 @@ class Script {
     for (std::string_view rest = bytes; !rest.empty();) {
       const std::size_t whole = unitLength(rest);
       lastUnit_ = rest.substr(0, whole == 0 ? rest.size() : whole);
-      steps.push_back({Kind::kSent, line, lastUnit_});
+      steps.push_back({Step::Kind::kSent, line, lastUnit_});
       rest.remove_prefix(lastUnit_.size());
     }
   }
@@ -96,12 +95,12 @@ class Script {
   // What nobody had asked for yet, as at the beginning of a record that goes on from another, reaches nobody.
   void addReceived(const Event& event, std::size_t line, std::int64_t delay) {
     if (steps.empty() || isAway()) return;
-    steps.push_back({Kind::kReceived, line, event.text, span(delay)});
+    steps.push_back({Step::Kind::kReceived, line, event.text, span(delay)});
   }
 
   // An answer that the till did not take for a whole one has the time at which it gave up waiting for more.
   void halveLastDelay() {
-    if (!steps.empty() && steps.back().kind == Kind::kReceived) steps.back().delay /= 2;
+    if (!steps.empty() && steps.back().kind == Step::Kind::kReceived) steps.back().delay /= 2;
   }
 
   // The till notices only when it writes again. The line is away from what it sent last; where that ended an exchange,
@@ -109,10 +108,10 @@ class Script {
   void addBroken(const Event& event, std::size_t line) {
     if (isNetwork_ || steps.empty() || isAway()) return;
     halveLastDelay();
-    const bool isAtOnce = steps.back().kind == Kind::kSent;
+    const bool isAtOnce = steps.back().kind == Step::Kind::kSent;
     const std::uint32_t delay = isAtOnce ? 0 : (steps.back().delay + span(event.time - lastSent_)) / 2;
     awaySince_ = notFoundAt_ = isIdle() ? event.time : lastSent_ + delay;
-    steps.push_back({Kind::kAway, line, {}, isIdle() ? 0 : delay, kLongest});
+    steps.push_back({Step::Kind::kAway, line, {}, isIdle() ? 0 : delay, kLongest});
   }
 
   // It came back between the last time that it was not found and the first that it was.
@@ -187,10 +186,10 @@ void Replay::feed(std::string_view bytes, Outlet& outlet) {
 void Replay::take(const std::string& unit, Outlet& outlet) {
   const std::string masked = secrets_.maskedSent(unit, holdsKey(unit));
   if (!isAsRecorded(steps_[next_].bytes, masked)) return differ(masked);
-  for (++next_; next_ < steps_.size() && steps_[next_].kind != Kind::kSent; ++next_) {
+  for (++next_; next_ < steps_.size() && steps_[next_].kind != Step::Kind::kSent; ++next_) {
     const Step& step = steps_[next_];
     lastDelay_ = step.delay;
-    if (step.kind == Kind::kReceived) {
+    if (step.kind == Step::Kind::kReceived) {
       outlet.send(step.bytes, step.delay);
     } else {
       outlet.unplug(step.delay, step.length);

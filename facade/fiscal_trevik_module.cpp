@@ -15,8 +15,8 @@ using contract::AnyMember;
 constexpr auto kPayment = method<contract::CardPayment>(
     "Payment", {"paymentNumber", "paymentDesc", "paymentAmount", "eftposNum", "eftposType", optional("paymentDesc2"),
                 optional("bReadEJ", true), optional("inPrePayment", false)});
-constexpr Described<std::shared_ptr<clsAdjust>(bool&)> kAdjustment{"adjustment", MemberKind::get,
-                                                                   std::array<Parameter, 1>{"onLastItem"}};
+constexpr Described<std::shared_ptr<clsAdjust>(bool&)> kAdjustmentProperty{"adjustment", MemberKind::get,
+                                                                           std::array<Parameter, 1>{"onLastItem"}};
 
 // What passes all arguments on, as references, to the current driver's member of the name `to`.
 Body forwardTo(std::string_view to, const Type& result) {
@@ -92,7 +92,7 @@ const ClassInfo& fiscalTrevikModule::describe() {
     ClassBuilder<Facade> table;
     table.readOnly("getFiscalType", &Facade::getFiscalType).at(2);
     table.implement<contract::Connect_>(&Facade::Connect_).implement<contract::DisConnect_>(&Facade::DisConnect_);
-    table.add(forwarded(kAdjustment)).at(10);
+    table.add(forwarded(kAdjustmentProperty)).at(10);
     table.add(forwarded(kPayment)).at(11);
     table.add(idle(contract::setDepartment)).implement<contract::StatusRead>(&Facade::StatusRead);
     table.readOnly("clsEFTpos", &Facade::clsEFTpos).at(54);

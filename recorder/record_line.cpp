@@ -22,8 +22,8 @@ constexpr std::string_view kDelete = "DEL";
 constexpr char kDeleteByte = 0x7F;
 
 std::string hex(std::uint8_t byte) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  return {'x', kDigits[byte / 16], kDigits[byte % 16]};
+  constexpr std::string_view kHexDigits = "0123456789ABCDEF";
+  return {'x', kHexDigits[byte / 16], kHexDigits[byte % 16]};
 }
 
 // The name of a character that does not stand for itself; empty for one that does.

@@ -10,8 +10,8 @@ namespace mirvane::platform {
 namespace {
 
 // Lengths for 96 dots per inch.
-constexpr int kWidth = 620;
-constexpr int kHeight = 420;
+constexpr int kJournalWidth = 620;
+constexpr int kJournalHeight = 420;
 constexpr int kMargin = 10;
 
 // A journal can have millions of lines: only the newest are kept, more than the largest screen shows.
@@ -75,8 +75,8 @@ class JournalWindow final : public JournalView, private Window, private DuringCa
                             WS_POPUP | WS_CAPTION | WS_THICKFRAME, WS_EX_DLGMODALFRAME},
                            owner_);
     if (window() == nullptr) return;
-    const int width = std::min<int>(scaled(kWidth), area.right - area.left);
-    const int height = std::min<int>(scaled(kHeight), area.bottom - area.top);
+    const int width = std::min<int>(scaled(kJournalWidth), area.right - area.left);
+    const int height = std::min<int>(scaled(kJournalHeight), area.bottom - area.top);
     SetWindowPos(window(), nullptr, (area.left + area.right - width) / 2, (area.top + area.bottom - height) / 2, width,
                  height, SWP_NOZORDER | SWP_NOACTIVATE);
     ShowWindow(window(), SW_SHOW);
@@ -106,7 +106,7 @@ class JournalWindow final : public JournalView, private Window, private DuringCa
  private:
   LRESULT handle(UINT message, WPARAM first, LPARAM second) override {
     if (message != WM_GETMINMAXINFO) return Window::handle(message, first, second);
-    reinterpret_cast<MINMAXINFO*>(second)->ptMinTrackSize = {scaled(kWidth / 2), scaled(kHeight / 2)};
+    reinterpret_cast<MINMAXINFO*>(second)->ptMinTrackSize = {scaled(kJournalWidth / 2), scaled(kJournalHeight / 2)};
     return 0;
   }
 

@@ -10,14 +10,14 @@ namespace mirvane::platform {
 namespace {
 
 // Lengths for 96 dots per inch.
-constexpr int kWidth = 560;
-constexpr int kHeight = 240;
+constexpr int kTraceWidth = 560;
+constexpr int kTraceHeight = 240;
 
 // The oldest line goes when there are more.
-constexpr LRESULT kMostLines = 500;
+constexpr LRESULT kTraceLines = 500;
 
 // Twenty pictures a second look continuous.
-constexpr UINT kPictureTime = 50;
+constexpr UINT kTraceInterval = 50;
 
 constexpr UINT kNews = WM_APP;
 
@@ -38,8 +38,8 @@ class TraceWindow final : public Window {
   explicit TraceWindow(Feed& feed) : feed_(feed) {
     const RECT area = make({L"MirvaneTrace", L"Varlen Fiscal", 0, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0}, nullptr);
     if (window() != nullptr) {
-      const int width = scaled(kWidth);
-      const int height = scaled(kHeight);
+      const int width = scaled(kTraceWidth);
+      const int height = scaled(kTraceHeight);
       SetWindowPos(window(), nullptr, area.right - width, area.bottom - height, width, height,
                    SWP_NOZORDER | SWP_NOACTIVATE);
       ShowWindow(window(), SW_SHOWNOACTIVATE);
@@ -80,7 +80,7 @@ class TraceWindow final : public Window {
         SetFocus(text_);
         return 0;
       case kNews:
-        SetTimer(window(), kNews, kPictureTime, nullptr);
+        SetTimer(window(), kNews, kTraceInterval, nullptr);
         return 0;
       case WM_TIMER:
         KillTimer(window(), kNews);
@@ -116,7 +116,7 @@ class TraceWindow final : public Window {
     const auto end = static_cast<WPARAM>(GetWindowTextLengthW(text_));
     SendMessageW(text_, EM_SETSEL, end, static_cast<LPARAM>(end));
     SendMessageW(text_, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(lines.c_str()));
-    if (const LRESULT surplus = SendMessageW(text_, EM_GETLINECOUNT, 0, 0) - kMostLines; surplus > 0) {
+    if (const LRESULT surplus = SendMessageW(text_, EM_GETLINECOUNT, 0, 0) - kTraceLines; surplus > 0) {
       SendMessageW(text_, EM_SETSEL, 0, SendMessageW(text_, EM_LINEINDEX, static_cast<WPARAM>(surplus), 0));
       SendMessageW(text_, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L""));
     }

@@ -10,8 +10,8 @@ namespace mirvane::platform {
 namespace {
 
 // Lengths for 96 dots per inch.
-constexpr int kWidth = 420;
-constexpr int kHeight = 160;
+constexpr int kWaitWidth = 420;
+constexpr int kWaitHeight = 160;
 constexpr int kMargin = 16;
 
 constexpr DWORD kSecond = 1000;
@@ -25,8 +25,8 @@ class WaitDialog final : public WaitView, private Window, private DuringCall {
                             WS_POPUP | WS_CAPTION | WS_CLIPCHILDREN, WS_EX_DLGMODALFRAME},
                            owner_);
     if (window() == nullptr) return;
-    const int width = scaled(kWidth);
-    const int height = scaled(kHeight);
+    const int width = scaled(kWaitWidth);
+    const int height = scaled(kWaitHeight);
     SetWindowPos(window(), HWND_TOPMOST, (area.left + area.right - width) / 2, (area.top + area.bottom - height) / 2,
                  width, height, SWP_NOACTIVATE);
     addLabel(kWaitStateId);

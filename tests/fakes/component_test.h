@@ -8,6 +8,7 @@
 #include "link/network_endpoint.h"
 #include "state/module_state.h"
 #include "tests/fakes/fake_line.h"
+#include "tests/fakes/strings.h"
 #include "text/text.h"
 
 namespace mirvane::test {

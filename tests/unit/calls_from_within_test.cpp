@@ -7,8 +7,6 @@
 namespace mirvane::test {
 namespace {
 
-using Strings = std::vector<std::string>;
-
 const std::string kBusy = "14 Απασχολημένο σε άλλη λειτουργία";
 
 /// A program whose timers and windows call the component while a call of its own is inside.

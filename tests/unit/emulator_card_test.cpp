@@ -6,7 +6,7 @@
 namespace mirvane::emulator {
 namespace {
 
-const std::string kSale = "3/S//A///1.000/10.00/1/24.00/1/", kCard = "5/2///4.00/1/1/";
+const std::string kCardSale = "3/S//A///1.000/10.00/1/24.00/1/", kCard = "5/2///4.00/1/1/";
 
 class EmulatorCard : public testing::Test {
  protected:
@@ -28,8 +28,8 @@ class EmulatorCard : public testing::Test {
 };
 
 TEST_F(EmulatorCard, AnApprovedPaymentIsBookedOnce) {
-  run("5/2///4.00/1/1/ 40|" + kSale + " 00|5/1///4.00/1/1/ 28|5/2///4.00/-1/1/ 05|5/2///10.01/1/1/ 70|" +
-      "5/2///4.00/2/1/ 9F|" + kCard + " 9E|?/ 9E|" + kCard + " 9E|" + kSale + " 9E|O/2/ 9E|v/ 00|+1.9|9/ 9E|+0.1");
+  run("5/2///4.00/1/1/ 40|" + kCardSale + " 00|5/1///4.00/1/1/ 28|5/2///4.00/-1/1/ 05|5/2///10.01/1/1/ 70|" +
+      "5/2///4.00/2/1/ 9F|" + kCard + " 9E|?/ 9E|" + kCard + " 9E|" + kCardSale + " 9E|O/2/ 9E|v/ 00|+1.9|9/ 9E|+0.1");
   EXPECT_EQ(device.execute("5/99/1/1/1/"), "00/00/0E/6.00/0.00/4.00/");
   run("?/ 00|?/ 00|O/1/ 45|O/2/ 59|" + kCard + " 9E|+2|?/ 00|" + kCard + " 70|5/1///0.00/// 00|O/1/ 00");
   EXPECT_EQ(device.fiscal().day.payments, (std::array<Cents, 3>{200, 800, 0}));
@@ -39,7 +39,7 @@ TEST_F(EmulatorCard, AnApprovedPaymentIsBookedOnce) {
 
 TEST_F(EmulatorCard, ARefusedPaymentIsToldOnceAndLeavesTheReceiptOpen) {
   device.cards().options = {3, {Code::kNoChange, Code::kCardFailed}, Code::kCardNotRead};
-  run(kSale + " 00");
+  run(kCardSale + " 00");
   const std::string before = kCard + " 9E|+3|9/ 00|?/ ";
   for (std::string told : {"70", "9C", "9D", "9D"}) run(told.insert(0, before).append("|?/ 00|O/1/ 5B"));
   run(kCard + " 9E|+3|5/1///10.00/// 00|?/ 00|O/1/ 00");
@@ -58,7 +58,7 @@ TEST_F(EmulatorCard, TerminalRecordsAreCheckedAndKept) {
   EXPECT_EQ(device.execute(read), "00/00/00/1/10.0.0.2/4000/KASSA/2/60/3/4/5/6/73100002/6/ACQ/T/S/1/");
   run("E/2/2/1/4000/60/10.0.0.2/A/1/0/ 00|E/2/2/0/4000/60/10.0.0.2/A/1/0/ 9F|E/2/2/1/4001/60/10.0.0.2/A/1/0/ 8A|"
       "E/2/3/1/4000/60/10.0.0.2/A/1/0/ 9F|E/1/2/6" +
-      good + " 00|E/2/2/1/4000/60/10.0.0.2/A/1/0/ 9F|" + kSale + " 00|5/2///4.00/2/1/ 9F|E/4/2/1" + good +
+      good + " 00|E/2/2/1/4000/60/10.0.0.2/A/1/0/ 9F|" + kCardSale + " 00|5/2///4.00/2/1/ 9F|E/4/2/1" + good +
       " 41|5/1///0.00/// 00|O/1/ 00|E/4/2/1" + good + " 00|" + read + " 9F");
 }
 

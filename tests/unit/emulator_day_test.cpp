@@ -1,21 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <sstream>
 
 #include "emulator/device.h"
+#include "tests/fakes/strings.h"
 
 namespace mirvane::emulator {
 namespace {
 
-const std::string kSale = "3/S//A///1.000/10.00/2/24.00/2/";
-
-std::vector<std::string> split(const std::string& text, char separator) {
-  std::vector<std::string> parts;
-  std::istringstream input(text);
-  for (std::string part; std::getline(input, part, separator);) parts.push_back(part);
-  return parts;
-}
+const std::string kDaySale = "3/S//A///1.000/10.00/2/24.00/2/";
 
 class EmulatorDay : public testing::Test {
  protected:
@@ -52,7 +45,7 @@ class EmulatorDay : public testing::Test {
 };
 
 TEST_F(EmulatorDay, TheJournalIsThePaperInPieces) {
-  run(kSale + "|5/1///0.00///|O/1/|" + kSale + "|O/2/|6/0/5.00//|O/1/|P/ΣΗΜΕΙΩΣΗ/1/|x/1/|" + kSale +
+  run(kDaySale + "|5/1///0.00///|O/1/|" + kDaySale + "|O/2/|6/0/5.00//|O/1/|P/ΣΗΜΕΙΩΣΗ/1/|x/1/|" + kDaySale +
       "|5/2///10.00///|O/1/");
   for (const std::size_t size : {1000U, 1U, 997U, 60000U}) {
     device.journal().options.pieceSize = size;
@@ -76,12 +69,12 @@ TEST_F(EmulatorDay, TheJournalIsThePaperInPieces) {
 
 TEST_F(EmulatorDay, StepsComeInTheirOrder) {
   const std::string b = "b/24.00/13.00/6.00/36.00/1.00/", vatNumber = "B/////////123456789//////////";
-  run("Q/ 3A|x/9/ 0D|x/2/2 3D|x/1/|" + kSale + "|A/ 41|#/ 41|x/1/ 41|x/9/ 41|Y/1/a/1//1// 41|" + b + " 41|" +
+  run("Q/ 3A|x/9/ 0D|x/2/2 3D|x/1/|" + kDaySale + "|A/ 41|#/ 41|x/1/ 41|x/9/ 41|Y/1/a/1//1// 41|" + b + " 41|" +
       vatNumber + " 41|5/1///0.00///|4/1/2///1.00/0/0/0/0/0/ 45|O/1/|" + b + " 0A|" + vatNumber +
       " 0A|H/1/a/1//1//1//1// 0A|6/0/5.00//|A/ 43|O/1/|#/|x/2/2 3D");
   readJournal();
   // A sale between the calls that prepare a closing still belongs to the day.
-  run("x/2/2 3D|A/ 51|" + kSale + "|A/ 41|5/1///0.00///|O/1/|A/ 51|A/|" + kSale +
+  run("x/2/2 3D|A/ 51|" + kDaySale + "|A/ 41|5/1///0.00///|O/1/|A/ 51|A/|" + kDaySale +
       " 15|6/0/5.00// 15|x/1/ 15|P/a/1/ 15|x/2/2 3D|x/9/ 3D");
   EXPECT_EQ(readJournal().at("_a.txt"), paper);
   EXPECT_EQ(device.execute("x/2/2", kPrinterPaperEnd), "19/04/02/");
@@ -93,7 +86,7 @@ TEST_F(EmulatorDay, StepsComeInTheirOrder) {
   EXPECT_TRUE(paper.ends_with(report));
   EXPECT_EQ(fields("e/"), "24.00/13.00/6.00/36.00/1.00/");
   device.journal().options.keep = [](const Journal::File&) { return false; };
-  run("A/ 51|A/ 51|A/ 86|" + kSale);
+  run("A/ 51|A/ 51|A/ 86|" + kDaySale);
 }
 
 TEST_F(EmulatorDay, ARefusedCommandChangesNothing) {
@@ -124,7 +117,7 @@ TEST_F(EmulatorDay, WhatIsSetIsToldAndTakesEffect) {
   for (const auto& [settings, shown, openings] : cases) {
     paper.clear();
     run(settings);
-    run(kSale);
+    run(kDaySale);
     run("5/1///0.00///|O/1/");
     run("7/1/" + shown + "/");
     std::string found;
@@ -137,7 +130,7 @@ TEST_F(EmulatorDay, WhatIsSetIsToldAndTakesEffect) {
 }
 
 TEST_F(EmulatorDay, AdjustmentsKeepToTheReceipt) {
-  run("4/1/2///1.00/0/0/0/0/0/ 40|" + kSale +
+  run("4/1/2///1.00/0/0/0/0/0/ 40|" + kDaySale +
       "|3/S//B///1.000/5.00/1/13.00/1/|4/5/1///1.00/0/0/0/0/0/ 61|"
       "4/1/1///0.00/0/0/0/0/0/ 46|4/1/1///-1.00/0/0/0/0/0/ 05|4/1/2///1.00/0/0/0/0/0/ 62|4/1/1///5.01/0/0/0/0/0/ 6A|"
       "4/1/1///1.00/1.00/0/0/0/0/ 49|4/2/1///1.00/0.50/0.49/0/0/0/ 49|4/2/1///1.00/2.00/-1.00/0/0/0/ 05|"

@@ -2,20 +2,13 @@
 
 #include <cmath>
 #include <random>
-#include <sstream>
 
 #include "emulator/device.h"
 #include "emulator/money.h"
+#include "tests/fakes/strings.h"
 
 namespace mirvane::emulator {
 namespace {
-
-std::vector<std::string> split(const std::string& text, char separator = '/') {
-  std::vector<std::string> parts;
-  std::istringstream input(text);
-  for (std::string part; std::getline(input, part, separator);) parts.push_back(part);
-  return parts;
-}
 
 std::string item(char kind, Thousandths quantity, Cents price, const std::string& rate) {
   return std::string("3/") + kind + "//ITEM///" + formatFixed(quantity, 3) + "/" + formatCents(price) + "/1/" + rate +
@@ -89,7 +82,7 @@ TEST(EmulatorReceipt, TotalsOfRandomReceiptsAreRightToTheCent) {
   EXPECT_EQ(device.fiscal().departments[0].amount, sumOf(dayGross));
 }
 
-const std::string kSale = "3/S//A///1.000/2.00/1/24.00/1/", kVoid = "3/V//A///1.000/2.00/1/24.00/1/",
+const std::string kBreadSale = "3/S//A///1.000/2.00/1/24.00/1/", kVoid = "3/V//A///1.000/2.00/1/24.00/1/",
                   kBread = "3/S//B///1.000/1.00/1/13.00/1/";
 
 TEST(EmulatorReceipt, AnswersWithItsCodes) {
@@ -106,16 +99,16 @@ TEST(EmulatorReceipt, AnswersWithItsCodes) {
        "3/S//A///1.000/2.00/1/23.00/1/ 27|3/S//A///1.000/2.00/1/24.00/0/ 54|3/S//A///1000.000/1000.00/1/24.00/1/ 74|"
        "3/V//A///1.000/2.00/1/24.00/1/ 40|3/R//A///1.000/2.00/1/24.00/1/ 6D|5/1///1.00/// 40|O/1/ 40|O/3/ 05|"
        "6/0/0.00// 71"},
-      {{kSale, kBread},
+      {{kBreadSale, kBread},
        "/00/06/",
        "3/V//A///1.000/1.01/1/13.00/1/ 7C|3/R//A///1.000/1.01/1/13.00/1/ 7B|5/5///1.00/// 28|5/1///-1.00/// 05|"
        "5/2///3.01/// 70|5/2///0.00/// 71|O/1/ 5B|6/0/5.00// 41|p/2/1/ 41"},
-      {{kSale, kVoid}, "/00/06/", "5/1///1.00/// A5|O/1/ A5"},
-      {{kSale, "5/1///1.00///"}, "/00/0E/", kSale + " 45|O/1/ 45"},
-      {{kSale, "5/2///1.00///"}, "/00/0E/", "O/2/ 59"},
-      {{kSale, "5/1///0.00///"}, "/00/0E/", "5/1///1.00/// 4B|O/2/ 4B"},
-      {{"6/0/5.00//"}, "/00/06/", kSale + " 43|6/1/5.00// 43|O/2/ 43"},
-      {{"6/1/5.00//"}, "/00/06/", kSale + " 44"}};
+      {{kBreadSale, kVoid}, "/00/06/", "5/1///1.00/// A5|O/1/ A5"},
+      {{kBreadSale, "5/1///1.00///"}, "/00/0E/", kBreadSale + " 45|O/1/ 45"},
+      {{kBreadSale, "5/2///1.00///"}, "/00/0E/", "O/2/ 59"},
+      {{kBreadSale, "5/1///0.00///"}, "/00/0E/", "5/1///1.00/// 4B|O/2/ 4B"},
+      {{"6/0/5.00//"}, "/00/06/", kBreadSale + " 43|6/1/5.00// 43|O/2/ 43"},
+      {{"6/1/5.00//"}, "/00/06/", kBreadSale + " 44"}};
   for (const auto& [before, status, commands] : states) {
     for (const std::string& row : split(commands, '|')) {
       Device device;
@@ -129,10 +122,10 @@ TEST(EmulatorReceipt, AnswersWithItsCodes) {
 TEST(EmulatorReceipt, APrinterThatCannotPrintAndAFullDayBookNothing) {
   Device device;
   device.fiscal().limits.day = 399;
-  EXPECT_EQ(device.execute(kSale, kPrinterPaperEnd), "19/04/00/");
-  EXPECT_EQ(device.execute(kSale, kPrinterOffline), "1A/10/00/");
-  EXPECT_EQ(device.execute(kSale, kPrinterFlashNearFull), "00/20/06/");
-  EXPECT_EQ(device.execute(kSale), "75/00/06/");
+  EXPECT_EQ(device.execute(kBreadSale, kPrinterPaperEnd), "19/04/00/");
+  EXPECT_EQ(device.execute(kBreadSale, kPrinterOffline), "1A/10/00/");
+  EXPECT_EQ(device.execute(kBreadSale, kPrinterFlashNearFull), "00/20/06/");
+  EXPECT_EQ(device.execute(kBreadSale), "75/00/06/");
   EXPECT_EQ(device.execute("5/99/1/1/1/", kPrinterPaperEnd), "00/04/06/2.00/0.00/0.00/");
 }
 

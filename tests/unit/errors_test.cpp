@@ -83,7 +83,6 @@ TEST_F(Errors, AFailureIsShownOnceUnlessSuppressed) {
 }
 
 TEST_F(Errors, AStateThatTheDeviceEndsByItselfIsWaitedFor) {
-  using Strings = std::vector<std::string>;
   const std::string caption = "Μήνυμα Ταμειακής (Varlen Fiscal)|", ask = "?/", pay = "5/1///1.00/1//";
   const std::string busy = caption + "Κατάσταση [14]|Απασχολημένο σε άλλη λειτουργία";
   const std::string state = caption + "Κατάσταση [158]|Πληρωμή EFTPOS σε εξέλιξη..";

@@ -4,7 +4,6 @@
 namespace mirvane::test {
 namespace {
 
-using Strings = std::vector<std::string>;
 using Saved = std::map<std::string, std::string>;
 
 const std::string kText = "ABC123456780042_a.txt", kSigned = "ABC123456780042_s.txt", kDay = "ABC12345678\\0042\\";

@@ -412,7 +412,6 @@ TEST_F(Link, WhoAnswersALineThatCameBackIsAsked) {
     if (isKnown) run(*driver, "getSerialNumber", number);
     unplug();
   };
-  using Strings = std::vector<std::string>;
   const std::tuple<const char*, Strings, Strings, std::string> cases[] = {
       {"the same register", {"00/00/00/", own}, {"p/1/", "a/"}, "0 00/00/00/"},
       {"another one", {"00/00/00/", other}, {"p/1/", "a/"}, stranger},

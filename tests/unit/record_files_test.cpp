@@ -99,15 +99,15 @@ TEST_F(RecordFolder, NoClockRemovesAFile) {
       {{0, 1, 0, 1, 0, 1}, "1:25 >a 2:26 >b 3:25 >c 4:26 >d 5:25 >e 6:26 >f"},
       {{0, 400, 0, 0}, "1:25 >a 2:29 >b 3:25 >cd"},
       {{0, -400, 1}, "1:25 >a 2:19 >b 3:26 >c"}};
-  constexpr double kDay = 86400;
+  constexpr double kSecondsOfADay = 86400;
   for (const auto& [days, expected] : cases) {
     files.contents.clear();
     own = process();
     std::string text = "a";
     for (const int day : days) {
-      clock.startOfDay += kDay * day;
+      clock.startOfDay += kSecondsOfADay * day;
       tell(text);
-      clock.startOfDay -= kDay * day;
+      clock.startOfDay -= kSecondsOfADay * day;
       ++text[0];
     }
     EXPECT_EQ(told(), expected);

@@ -42,14 +42,14 @@ std::string outcomeOf(const std::string& record, const std::vector<std::string>&
   return log.text + replay.report();
 }
 
-const std::string kStart = "\x18\x18\x05", kSale = "\x02\x33/S//\xCA/15\x03", kAck = "\x06";
+const std::string kStart = "\x18\x18\x05", kRecordedSale = "\x02\x33/S//\xCA/15\x03", kAck = "\x06";
 const std::string kRecord = recordOf(
     "00.000 call 0 ItemSale\n00.100 sent 3 <CAN><CAN><ENQ>\n00.100 sent 11 <STX>3/S//Κ/15<ETX>\n"
     "00.300 received 4 <STX>00/\n00.350 received 7 00/06/<ETX>\n00.350 sent 1 <ACK>\n07.000 dropped 4 late\n"
     "07.000 sent 3 <CAN><CAN><ENQ>\n07.000 ended 0 ItemSale, 7000 ms\n");
 
 TEST(Replay, AnswersInTimeHoweverTheBytesAreCutAndUpToWhereTheRecordIsCut) {
-  const std::string bytes = kStart + kSale + kAck + kStart;
+  const std::string bytes = kStart + kRecordedSale + kAck + kStart;
   const std::string answers = "200 ms \x02\x30\x30/, 250 ms 00/06/\x03, 0 ms late, ";
   for (std::size_t size = 1; size <= bytes.size(); ++size) {
     std::vector<std::string> pieces;
@@ -97,7 +97,7 @@ TEST(Replay, TheFirstDifferenceIsToldAndNoSecretIsOne) {
 }
 
 TEST(Replay, TheLineBreaksWhereItBroke) {
-  const std::string whole = kStart + kSale,
+  const std::string whole = kStart + kRecordedSale,
                     sent = "00.000 sent 3 <CAN><CAN><ENQ>\n00.000 sent 11 <STX>3/S//Κ/15<ETX>\n";
   const std::string torn = "00.000 sent 3 <CAN><CAN><ENQ>\n00.000 sent 5 <STX>3/S/\n";
   const std::string end = "20.000 open 0 COM5\n20.001 sent 1 <ENQ>\n20.501 received 1 <ACK>\n";
