@@ -111,35 +111,23 @@ struct Download {
   // when the next begins. The reply that ended it. Without one of the pieces the journal is not whole, so a reply that
   // tells nothing ends it, and so does a piece of another file than the one that began. Pieces of a file that never
   // began are read past where files are told apart, and then the journal is not whole either.
-  // A piece that comes twice may be the device's own text, or told again because it has not heard that the first one
-  // arrived. Then `begin` has it read anew, with a question before each piece, which cannot be a repetition then.
   template <class WhenComplete, class WhenNext>
-  Reply run(TextView begin, bool tellsFilesApart, WhenComplete whenComplete, WhenNext whenNext) {
+  Reply run(bool tellsFilesApart, WhenComplete whenComplete, WhenNext whenNext) {
     bool hasBegun = false;
     bool lacksBeginning = false;
-    bool isCareful = false;
-    Text latest;
     for (;;) {
       pause(kPollMilliseconds);
       processEvents();
-      if (isCareful && askCurrentDriver(u"?/").result < 0) return lost();
       Reply reply = askCurrentDriver(u"Q/");
       processEvents();
       if (!reply.succeeded()) return lacksBeginning ? lost() : reply;
       if (!hasStatus(reply.raw())) return lost();
-      const bool isSame = reply.raw() == std::exchange(latest, reply.raw());
       // State, piece and file name; the last may be missing.
       if (reply.countAll() < 3) continue;
       const Text& state = reply.textAt(0);
       const Text name(withoutEnd(reply.textAt(2)));
       const bool isPiece = state == u"1" || state == u"2";
-      if (isPiece && isSame && !isCareful) {
-        Reply again = askUntilPrepared(begin);
-        if (!again.succeeded()) return again;
-        isCareful = true;
-        hasBegun = lacksBeginning = false;
-        forget();
-      } else if (isPiece && !hasBegun && tellsFilesApart) {
+      if (isPiece && !hasBegun && tellsFilesApart) {
         lacksBeginning = true;
       } else if (isPiece && hasBegun && hasSuffix(name, kFileSuffix) && inCapitals(name) != inCapitals(fileName)) {
         return lost();
@@ -164,11 +152,6 @@ struct Download {
     text += piece;
     count += piece.size();
     if (view) view->append(piece, count);
-  }
-  void forget() {
-    fileName.clear();
-    text.clear();
-    count = 0;
   }
   void processEvents() {
     if (view) view->processEvents();
@@ -237,8 +220,7 @@ std::int32_t FiscalJournal::eEJFileSave(Text& Filename, Text& Filedata, std::int
 }
 
 std::int32_t FiscalJournal::eMakeZreport(Text& errorDesc, bool& bExecZReport, bool& bWithForm) {
-  const TextView begin = bExecZReport ? u"A/" : u"#/";
-  const Reply day = askUntilPrepared(begin);
+  const Reply day = askUntilPrepared(bExecZReport ? u"A/" : u"#/");
   if (!day.succeeded()) return outcome(day, errorDesc);
   std::int16_t zNumber = zNumberIn(day, bExecZReport ? 0 : 1);
 
@@ -250,7 +232,7 @@ std::int32_t FiscalJournal::eMakeZreport(Text& errorDesc, bool& bExecZReport, bo
     askCurrentDriver(u"7/1/ΑΝΑΓΝΩΣΗ ΦΟΡΟΛ/");
   }
   const Reply end = journal.run(
-      begin, true,
+      true,
       [&] {
         eEJFileSave(journal.fileName, journal.text, zNumber);
         if (!withForm) askCurrentDriver(u"7/2/OK/");
@@ -275,7 +257,7 @@ std::int32_t FiscalJournal::MakeZreport(Text& errorDesc) {
   Download journal;
   journal.view = moduleState().platform->screen.showJournal();
   const Reply end = journal.run(
-      u"A/", false, [] {}, [] {});
+      false, [] {}, [] {});
   if (end.succeeded()) EJFileSave(fileName, journal.text, signature);
   return outcome(end, errorDesc);
 }

@@ -110,19 +110,6 @@ TEST_F(Journal, HowItEnds) {
   }
 }
 
-// The acknowledgement of a piece gets lost, and the device tells it again; or its text is the same twice.
-TEST_F(Journal, APieceThatCameTwiceIsReadAnewBehindQuestions) {
-  for (const Strings& twice : {Strings{"1/a/", "1/a/"}, Strings{"1/a/", kDone, kDone}}) {
-    restart({"42/", kBeginSigned});
-    answers(twice);
-    answers({"42/", "", kBeginSigned, "", "1/a/", "", "1/a/", "", kDone, "", kEnd});
-    EXPECT_EQ(journal->call("eMakeZreport", errorDesc), Value(Long{0}));
-    EXPECT_EQ(files.contents.at(u"c:\\bbox\\" + fromUtf8(kDay + kSigned)), "aa\r\n");
-    device.commands.erase(device.commands.begin(), device.commands.begin() + 2 + std::ssize(twice));
-    EXPECT_THAT(device.commands, ElementsAre("A/", "?/", "Q/", "?/", "Q/", "?/", "Q/", "?/", "Q/", "?/", "Q/"));
-  }
-}
-
 TEST_F(Journal, FilesAreSavedInBothFolders) {
   // The name's own separators and place marks mean nothing.
   const std::tuple<std::string, Short, std::string> cases[] = {{"ABC123456780042_x", 7, "ABC12345678\\0007\\"},
