@@ -4,6 +4,24 @@
 #include <cmath>
 
 namespace mirvane::emulator {
+namespace {
+
+std::unique_ptr<Receiver> lineTo(Device& device, Faults& faults, Mailbox& mailbox, Line::Acknowledges acknowledges,
+                                 platform::Clock& clock) {
+  return std::make_unique<Line>(device, faults, mailbox, acknowledges, [&clock] { return clock.elapsed(); });
+}
+
+class Recorded : public Receiver {
+ public:
+  Recorded(Replay& replay, Outlet& outlet) : replay_(replay), outlet_(outlet) {}
+  void feed(std::string_view bytes, const std::string& /*peer*/) override { replay_.feed(bytes, outlet_); }
+
+ private:
+  Replay& replay_;
+  Outlet& outlet_;
+};
+
+}  // namespace
 
 void Mailbox::send(std::string_view bytes, std::uint32_t delay) {
   latest_ = std::max(latest_, clock_.elapsed() + delay / 1000.0);
@@ -60,9 +78,10 @@ void Mailbox::add(Letter letter) {
 }
 
 LoopbackPort::LoopbackPort(Device& device, Faults& faults, platform::Clock& clock)
-    : clock_(clock),
-      mailbox_(clock),
-      line_(device, faults, mailbox_, Line::Acknowledges::kNothing, [&clock] { return clock.elapsed(); }) {}
+    : clock_(clock), mailbox_(clock), end_(lineTo(device, faults, mailbox_, Line::Acknowledges::kNothing, clock)) {}
+
+LoopbackPort::LoopbackPort(Replay& replay, platform::Clock& clock)
+    : clock_(clock), mailbox_(clock), end_(std::make_unique<Recorded>(replay, mailbox_)) {}
 
 bool LoopbackPort::isUsable(std::int32_t handle) {
   return isConfigured_ && handle == handle_ && handle > 0 && unpluggings_ == mailbox_.unpluggings();
@@ -89,7 +108,7 @@ bool LoopbackPort::configure(std::int32_t handle, std::string_view settings) {
 
 std::optional<std::size_t> LoopbackPort::write(std::int32_t handle, std::string_view bytes) {
   if (!isUsable(handle)) return std::nullopt;
-  line_.feed(bytes, {});
+  end_->feed(bytes, {});
   return bytes.size();
 }
 
@@ -118,15 +137,16 @@ bool LoopbackPort::close(std::int32_t handle) {
 }
 
 void LoopbackPort::collect() {
-  line_.takeHeld();
+  end_->takeHeld();
   for (; mailbox_.hasDue(); mailbox_.letters().pop_front()) input_ += mailbox_.letters().front().bytes;
 }
 
 LoopbackSockets::LoopbackSockets(Device& device, Faults& faults, platform::Clock& clock,
                                  Line::Acknowledges acknowledges)
-    : clock_(clock),
-      mailbox_(clock),
-      line_(device, faults, mailbox_, acknowledges, [&clock] { return clock.elapsed(); }) {}
+    : clock_(clock), mailbox_(clock), end_(lineTo(device, faults, mailbox_, acknowledges, clock)) {}
+
+LoopbackSockets::LoopbackSockets(Replay& replay, platform::Clock& clock)
+    : clock_(clock), mailbox_(clock), end_(std::make_unique<Recorded>(replay, mailbox_)) {}
 
 std::int32_t LoopbackSockets::create() {
   mailbox_.letters().clear();
@@ -144,12 +164,12 @@ bool LoopbackSockets::connect(std::int32_t handle, const std::string&, std::uint
 bool LoopbackSockets::send(std::int32_t handle, std::string_view bytes) {
   if (handle != handle_ || !isConnected_) return false;
   // A datagram to a line that is away is lost, and nobody is told.
-  if (mailbox_.isPlugged()) line_.feed(bytes, mailbox_.owner);
+  if (mailbox_.isPlugged()) end_->feed(bytes, mailbox_.owner);
   return true;
 }
 
 std::optional<std::string> LoopbackSockets::receive(std::int32_t handle, std::size_t most) {
-  line_.takeHeld();
+  end_->takeHeld();
   if (handle != handle_ || !mailbox_.hasDue()) return std::nullopt;
   const std::string datagram = std::move(mailbox_.letters().front().bytes);
   mailbox_.letters().pop_front();
@@ -158,8 +178,8 @@ std::optional<std::string> LoopbackSockets::receive(std::int32_t handle, std::si
 
 bool LoopbackSockets::waitReadable(std::int32_t handle, std::int16_t seconds) {
   if (handle != handle_) return false;
-  double toHeld = line_.takeHeld();
-  for (double left = seconds; left > 0 && !mailbox_.hasDue(); toHeld = line_.takeHeld()) {
+  double toHeld = end_->takeHeld();
+  for (double left = seconds; left > 0 && !mailbox_.hasDue(); toHeld = end_->takeHeld()) {
     const double due = mailbox_.letters().empty() ? HUGE_VAL : mailbox_.letters().front().due;
     const double wait = std::ceil(std::max(std::min({left, toHeld, due - clock_.elapsed()}), 0.0) * 1000);
     clock_.sleep(static_cast<std::uint32_t>(wait));

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <deque>
+#include <memory>
 #include <string>
 
 #include "emulator/line.h"
+#include "emulator/replay.h"
 #include "platform/ports.h"
 
 // The shortest way from a driver to the device: in process, without threads. What is written reaches the device within
@@ -56,6 +58,8 @@ class Mailbox : public Outlet {
 class LoopbackPort : public platform::SerialPort {
  public:
   LoopbackPort(Device& device, Faults& faults, platform::Clock& clock);
+  /// With the register of a record at its end.
+  LoopbackPort(Replay& replay, platform::Clock& clock);
 
   std::int32_t open(TextView name) override;
   bool setTimeouts(std::int32_t handle, const platform::LineTimeouts& timeouts) override;
@@ -72,7 +76,7 @@ class LoopbackPort : public platform::SerialPort {
 
   platform::Clock& clock_;
   Mailbox mailbox_;
-  Line line_;
+  std::unique_ptr<Receiver> end_;
   std::int32_t handle_ = 0;
   std::int32_t lastHandle_ = 0;
   /// The line has vanished so often when it was opened.
@@ -87,6 +91,7 @@ class LoopbackSockets : public platform::DatagramSockets {
  public:
   LoopbackSockets(Device& device, Faults& faults, platform::Clock& clock,
                   Line::Acknowledges acknowledges = Line::Acknowledges::kFrame);
+  LoopbackSockets(Replay& replay, platform::Clock& clock);
 
   bool startUp() override { return true; }
   std::int32_t create() override;
@@ -100,7 +105,7 @@ class LoopbackSockets : public platform::DatagramSockets {
  private:
   platform::Clock& clock_;
   Mailbox mailbox_;
-  Line line_;
+  std::unique_ptr<Receiver> end_;
   /// One socket at a time: 0 when there is none.
   std::int32_t handle_ = 0;
   std::int32_t lastHandle_ = 0;

@@ -19,7 +19,7 @@ struct Times<0, T...> {
 };
 
 template <std::size_t N>
-consteval std::array<Parameter, N> firstOf(const std::array<const char*, 10>& names, bool filled) {
+constexpr std::array<Parameter, N> firstOf(const std::array<const char*, 10>& names, bool filled) {
   std::array<Parameter, N> parameters;
   for (std::size_t i = 0; i < N; ++i) parameters[i] = filled ? output(names[i]) : Parameter(names[i]);
   return parameters;

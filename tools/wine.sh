@@ -2,7 +2,12 @@
 # The sourcing script sets `repo`, the absolute path of the checkout, and WORK, a folder for logs and papers, and has
 # `clean_up` called when it ends.
 
-export WINEPREFIX=${MIRVANE_PREFIX:-"$repo/build/wine"} WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
+# Of the tests that CTest runs side by side, each has a prefix, a display and a session of its own.
+if [[ ${CTEST_RESOURCE_GROUP_0_LANES-} =~ ^id:([0-9]+) ]]; then
+  lane=-${BASH_REMATCH[1]}
+  unset WINE_IS_UP DISPLAY
+fi
+export WINEPREFIX=${MIRVANE_PREFIX:-"$repo/build/wine${lane-}"} WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
 emulator=${MIRVANE_EMULATOR:-$repo/build/native/mirvane-emulator}
 # The plain `wine` is a 32-bit program, to which system32 is the folder of the 32-bit programs.
 wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
@@ -34,7 +39,7 @@ await() {
 # The locale decides Windows' ANSI code page: Greek, 1253. Output must not go to a pipe: Wine's own background
 # processes would hold it open.
 in_wine() {
-  LC_ALL=el_GR.UTF-8 timeout --foreground --kill-after=5 "${wine_limit:-120}" "$wine" "$@" </dev/null {wine_lock}>&-
+  LC_ALL=el_GR.UTF-8 timeout --foreground --kill-after=5 "${wine_limit:-500}" "$wine" "$@" </dev/null {wine_lock}>&-
 }
 
 # A session that is up already belongs to the script that started this one.
@@ -47,21 +52,36 @@ wine_up() {
   [[ ! ${WINE_IS_UP-} ]] || return 0
   Xvfb -displayfd 1 -screen 0 1024x768x24 -nolisten tcp >"$WORK/display" 2>"$WORK/display.log" {wine_lock}>&- &
   display_pid=$!
-  await 20 grep -q . "$WORK/display" || die "no X display: $(<"$WORK/display.log")"
+  await 300 grep -q . "$WORK/display" || die "no X display: $(<"$WORK/display.log")"
   DISPLAY=":$(<"$WORK/display")"
   export DISPLAY
 
-  # A prefix without the mark was interrupted while it was made.
-  if [[ ! -e $WINEPREFIX/made ]]; then
-    rm -rf "$WINEPREFIX"
-    in_wine wineboot -i >"$WORK/wineboot.log" 2>&1 || die "no Wine prefix: $(<"$WORK/wineboot.log")"
-    timeout 120 wineserver -w
-    touch "$WINEPREFIX/made"
-  fi
+  make_prefix
   # One Wine session for all that follows: at its start, and only then, Wine sets up the COM port links by itself.
   wineserver -p >"$WORK/wineserver.log" 2>&1 {wine_lock}>&-
   in_wine cmd /c ver >"$WORK/wine.log" 2>&1 || die "Wine does not run: $(<"$WORK/wine.log")"
   export WINE_IS_UP=1
+}
+
+# A prefix is made once and then copied. What has no mark was interrupted.
+make_prefix() {
+  [[ ! -e $WINEPREFIX/made ]] || return 0
+  local template="$repo/build/wine-template"
+  (
+    exec {template_lock}>"$template.lock"
+    flock "$template_lock"
+    if [[ ! -e $template/made ]]; then
+      rm -rf "$template"
+      WINEPREFIX=$template in_wine wineboot -i >"$WORK/wineboot.log" 2>&1 {template_lock}>&- ||
+        die "no Wine prefix: $(<"$WORK/wineboot.log")"
+      WINEPREFIX=$template timeout 120 wineserver -w
+      touch "$template/made"
+    fi
+  ) || exit 1
+  # Wine writes to no file of its own but the registry.
+  rm -rf "$WINEPREFIX"
+  cp -al "$template" "$WINEPREFIX"
+  cp --remove-destination "$template"/*.reg "$WINEPREFIX"
 }
 
 wine_down() {
@@ -97,6 +117,16 @@ register_dll() {
     >"$WORK/regsvr32.log" 2>&1
 }
 
+# registered: the DLLs of build/ are those that are registered.
+registered() {
+  local dlls=("$repo"/build/win{32,64}/com/MirvaneEFT.dll) mark="$WINEPREFIX/registered" bits
+  [[ ! $mark -nt ${dlls[0]} || ! $mark -nt ${dlls[1]} ]] || return 0
+  for bits in 32 64; do
+    register_dll "$bits" || die "regsvr32 refuses the $bits-bit DLL"
+  done
+  touch "$mark"
+}
+
 # link_com_port NUMBER DEVICE: COM<NUMBER> is that terminal from now on.
 link_com_port() {
   ln -sfn "$2" "$WINEPREFIX/dosdevices/com$1"
@@ -127,7 +157,7 @@ script_passed() {
 
 # await_window TITLE [SECONDS]: waits for a visible window whose title matches, and leaves its id in `window`.
 await_window() {
-  await "${2:-20}" find_window "$1" || die "no window \"$1\""
+  await "${2:-300}" find_window "$1" || die "no window \"$1\""
 }
 
 find_window() {
@@ -157,7 +187,7 @@ start_emulator() {
   "$emulator" --pty "$WORK/$name.pty" --paper "$WORK/$name.paper" --quiet "$@" \
     >"$WORK/$name.log" 2>&1 </dev/null {wine_lock}>&- &
   emulator_pids[$name]=$!
-  await 20 emulator_settled "$name" || true
+  await 300 emulator_settled "$name" || true
   emulator_ready "$name" || die "the emulator did not start: $(<"$WORK/$name.log")"
 }
 

@@ -2,7 +2,7 @@
 # Runs one case under Wine: a script of tests/com/scripts or examples against the registered DLL, or one of the cases
 # below. CTest has the list of them all.
 #
-#   tests/com/com_test.sh NAME.BITS      such as receipt.vbs.32, example.receipt.vbs.32, type_library.64, register
+#   tests/com/com_test.sh NAME.BITS      such as receipt.vbs.32, example.receipt.vbs.32, type_library.64
 #
 # What a case leaves behind is in build/com/NAME.BITS. A script gets the port name, the address of a device of its own on
 # the network, and the paper's path as arguments. It passes when its last line is "ok" and no line begins with "FAIL".
@@ -51,12 +51,6 @@ snapshot() {
   for hive in HKLM HKCU; do
     in_wine "$(system_program 64 reg)" export "$hive\\Software\\Classes" "$(windows_path "$WORK/utf16.reg")" /y
     iconv -f UTF-16 -t UTF-8 "$WORK/utf16.reg" >"$WORK/$1.$hive"
-  done
-}
-
-register_all() {
-  for bits in 32 64; do
-    register_dll "$bits" || die "regsvr32 refuses the $bits-bit DLL"
   done
 }
 
@@ -181,14 +175,14 @@ com_script() {
     cat "$script" "$here/expect.vbs" >"$WORK/$(basename "$script")"
     script="$WORK/$(basename "$script")"
   fi
-  wine_limit=60 run_script "$bits" "$script" COM5 "$(emulator_address device)" \
+  wine_limit=500 run_script "$bits" "$script" COM5 "$(emulator_address device)" \
     "$(windows_path "$WORK/device.paper")" >"$WORK/printed" || verdict=$?
   cat "$WORK/printed"
   if [[ ${companion-} ]]; then
     wait "$companion" || die "$(basename "$beside") failed"
     companion=
   fi
-  ((verdict == 0)) || die "the script ended with $verdict (124: its 60 seconds were over)"
+  ((verdict == 0)) || die "the script ended with $verdict (124: its 500 seconds were over)"
   script_passed "$WORK/printed" || die "the script failed or broke off: $(<"$WORK/remarks")"
 }
 
@@ -210,7 +204,7 @@ killed_at() {
   LC_ALL=el_GR.UTF-8 "$wine" "$(system_program "$bits" cscript)" "$(windows_path "$WORK/ansi-recover.vbs")" COM5 \
     </dev/null {wine_lock}>&- &
   till=$!
-  await 60 grep -qs "^do|$act" "$WORK/recover.txt" || die "the till did not come to $act"
+  await 300 grep -qs "^do|$act" "$WORK/recover.txt" || die "the till did not come to $act"
   sleep 1
   kill -KILL "$till"
   wait "$till" || true
@@ -222,8 +216,8 @@ killed_at() {
 }
 
 wine_up
+[[ $subject == registration* ]] || registered
 case $subject in
-  register) register_all ;;
   registration) registration "$bits" HKLM ;;
   registration_for_user) registration "$bits" HKCU /i:user /n ;;
   type_library | typed_caller) "$subject" "$bits" ;;

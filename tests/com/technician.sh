@@ -4,7 +4,7 @@
 # sell NAME: rings the receipt up, and leaves what the till was told in $WORK/NAME.
 sell() {
   link_com_port 5 "$WORK/device.pty"
-  wine_limit=100 run_script 32 "$here/technician.vbs" COM5 >"$WORK/$1" || die "the script ended with $?"
+  wine_limit=500 run_script 32 "$here/technician.vbs" COM5 >"$WORK/$1" || die "the script ended with $?"
   cat "$WORK/$1"
   script_passed "$WORK/$1" || die "the script failed or broke off: $(<"$WORK/remarks")"
 }
@@ -21,13 +21,16 @@ painted() {
 }
 
 technician() {
-  local records="$repo/build/win32/com/records" record window
-  rm -rf "$records"
-  mkdir "$records"
+  # A DLL of its own, for the record stands beside it.
+  local records="$WORK/dll/records" record window
+  mkdir -p "$records"
+  cp "$repo"/build/win32/com/{MirvaneEFT.dll,Lang.dat} "$WORK/dll"
+  rm "$WINEPREFIX/registered"
+  in_wine "$(system_program 32 regsvr32)" /s "$(windows_path "$WORK/dll/MirvaneEFT.dll")"
   start_emulator device --fault 'after 1 on 3/S unplug-after 14'
   {
-    await_window '^Μήνυμα Ταμειακής \(Varlen Fiscal\)$' 60
-    await 10 painted || die "nothing is written in the window"
+    await_window '^Μήνυμα Ταμειακής \(Varlen Fiscal\)$'
+    await 300 painted || die "nothing is written in the window"
     picture silence
   } &
   companion=$!

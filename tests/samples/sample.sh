@@ -73,6 +73,7 @@ csharp() {
 }
 
 wine_up
+[[ ${MIRVANE_PREFIX-} ]] || registered
 start_emulator device --udp 0
 case $name in
   vbscript) script "$repo/examples/vbscript/till.vbs" ;;

@@ -17,7 +17,7 @@ answer() {
   [[ $(icon_colour) == "$2" ]] || die "the icon of \"$4\" is not $2"
   answered=$window
   press Return
-  await 10 gone "^$3\$" || die "Return did not close \"$3\""
+  await 300 gone "^$3\$" || die "Return did not close \"$3\""
 }
 title='Φορολογικός Εκτυπωτής' device='Varlen Fiscal' failure='Λάθος Φορολ. εκτυπωτή'
 answer refusal blue "$title" 'Λάθος τύπος Φορολ. Εκτυπωτή' topmost
