@@ -258,7 +258,7 @@ std::string rememberedState(Station& station) {
   json["journal"] = write(station.device.journal());
   json["cards"] = write(station.device.cards());
   json["lines"] = write(lines);
-  json["clockOffset"] = station.clockOffset;
+  json["clockOffset"] = station.clock.offset;
   return json.dump(1);
 }
 
@@ -274,7 +274,7 @@ void recallState(Station& station, const std::string& text) {
     read(json.at("journal"), journal);
     CardPayments cards;
     read(json.at("cards"), cards);
-    station.clockOffset = json.at("clockOffset").get<std::int64_t>();
+    station.clock.offset = json.at("clockOffset").get<std::int64_t>();
     journal.rewind();
     station.device.restore(std::move(fiscal), std::move(journal), std::move(cards));
     for (const auto& [name, line] : station.lines()) line->setMemory(lines[name]);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cctype>
 #include <chrono>
-#include <ctime>
 #include <filesystem>
 
 #include "emulator/program/system.h"
@@ -13,13 +12,7 @@ namespace mirvane::emulator {
 namespace {
 
 constexpr std::size_t kMostEntries = 1000;
-
-platform::LocalTime timeAhead(std::int64_t seconds) {
-  const auto then = static_cast<std::time_t>(std::time(nullptr) + seconds);
-  const std::tm* local = std::localtime(&then);
-  if (!local) return systemTime();
-  return {local->tm_year + 1900, local->tm_mon + 1, local->tm_mday, local->tm_hour, local->tm_min, local->tm_sec};
-}
+constexpr std::size_t kMostHappenings = 5000;
 
 }  // namespace
 
@@ -46,7 +39,7 @@ class Station::Watcher : public Witness {
   const std::string name_;
 };
 
-Station::Station(Paper::Sink paper) : device(std::move(paper), [this] { return timeAhead(clockOffset); }) {}
+Station::Station(Paper::Sink paper) : device(std::move(paper), [this] { return clock.time(); }) {}
 
 Station::~Station() = default;
 
@@ -64,11 +57,43 @@ std::string Station::execute(const std::string& command) {
 void Station::record(const std::string& line, const Exchange& exchange) {
   conversation_.push_back({++lastEntry_, systemTime(), static_cast<int>(millisecondsNow() % 1000), line, exchange});
   if (conversation_.size() > kMostEntries) conversation_.pop_front();
+  happened(Happening::Kind::kExchange, lastEntry_);
+  if (!exchange.fault.rule.empty()) happened(Happening::Kind::kStruck, lastEntry_);
   changed();
+}
+
+void Station::happened(Happening::Kind kind, int subject) {
+  happenings_.push_back({++lastHappening_, kind, device.time(), subject, device.display()});
+  if (happenings_.size() > kMostHappenings) happenings_.pop_front();
+}
+
+void Station::notice() {
+  for (const Document* next = nullptr; (next = device.roll().find(lastEnded_ + 1)); ++lastEnded_) {
+    if (next->kind == Document::Kind::kNote) continue;
+    if (next->state == Document::State::kOpen) break;
+    const bool isReceipt = next->kind == Document::Kind::kReceipt;
+    const bool isReport = next->kind == Document::Kind::kReport;
+    happened(isReceipt  ? Happening::Kind::kReceipt
+             : isReport ? Happening::Kind::kReport
+                        : Happening::Kind::kCash,
+             next->id);
+  }
+  if (device.drawerOpenings() > drawerOpenings_) happened(Happening::Kind::kDrawer, device.drawerOpenings());
+  if (device.display() != display_) happened(Happening::Kind::kDisplay, 0);
+  drawerOpenings_ = device.drawerOpenings();
+  display_ = device.display();
+}
+
+void Station::tick() {
+  const bool wasUnderWay = device.cards().isUnderWay();
+  device.settleCard();
+  const bool isDecided = wasUnderWay && !device.cards().isUnderWay();
+  if (faults.forgetEnded(steadySeconds()) || isDecided) changed();
 }
 
 void Station::changed() {
   save();
+  notice();
   if (onChange) onChange();
 }
 
@@ -137,8 +162,11 @@ bool Station::reset(const std::string& preset) {
   fiscal.serialNumber = device.fiscal().serialNumber;
   device.restore(std::move(fiscal), {}, {});
   calm();
+  clearConversation();
+  happenings_.clear();
+  lastEnded_ = device.roll().firstId() - 1;
   for (const auto& [name, line] : lines_) line->setMemory({});
-  clockOffset = 0;
+  clock = {};
   return true;
 }
 

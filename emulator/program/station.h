@@ -9,6 +9,7 @@
 
 #include "emulator/device.h"
 #include "emulator/line.h"
+#include "emulator/program/clock.h"
 
 namespace mirvane::emulator {
 
@@ -33,8 +34,7 @@ class Station {
 
   Device device;
   Faults faults;
-  /// Seconds by which the register's clock is ahead of this machine's.
-  std::int64_t clockOffset = 0;
+  StationClock clock;
   /// Milliseconds of this machine's clock at the start: tells one run from another.
   const std::int64_t started = millisecondsNow();
 
@@ -54,6 +54,22 @@ class Station {
   int firstEntry() const { return conversation_.empty() ? lastEntry_ + 1 : conversation_.front().id; }
   void clearConversation() { conversation_.clear(); }
 
+  /// Something that a test may wait for.
+  struct Happening {
+    enum class Kind { kExchange, kStruck, kReceipt, kReport, kCash, kDrawer, kDisplay };
+    /// Counts from 1.
+    int id;
+    Kind kind;
+    /// Of the register.
+    platform::LocalTime time;
+    /// The id of the entry or of the document, or how often the drawer was opened.
+    int subject;
+    Display display = {};
+  };
+  /// The latest thousands, oldest first; their ids follow one another.
+  const std::deque<Happening>& happenings() const { return happenings_; }
+  int lastHappening() const { return lastHappening_; }
+
   /// Has the register remember what is said on `line`, under `name`. The line outlives the station's use.
   void attach(Line& line, const std::string& name);
 
@@ -61,6 +77,9 @@ class Station {
   std::function<void()> onChange;
   /// To be called after a change that was not made over a line. Throws StateError.
   void changed();
+  /// To be called several times a second: card payments that their terminal has decided are booked, and rules whose
+  /// time is over leave.
+  void tick();
 
   /// Keeps the register's memory in `path`, and takes over what is there unless `isAnew`. Throws StateError.
   void keepStateIn(const std::string& path, bool isAnew);
@@ -84,10 +103,18 @@ class Station {
   class Watcher;
 
   void record(const std::string& line, const Exchange& exchange);
+  /// Looks for what has happened since the last time.
+  void notice();
+  void happened(Happening::Kind kind, int subject);
   void save();
 
   std::deque<Entry> conversation_;
   int lastEntry_ = 0;
+  std::deque<Happening> happenings_;
+  int lastHappening_ = 0;
+  /// What was there when last looked.
+  int lastEnded_ = 0, drawerOpenings_ = 0;
+  Display display_{};
   std::vector<Attached> lines_;
   std::list<Watcher> watchers_;
   std::string statePath_, savedState_;

@@ -20,7 +20,7 @@ foreach(file IN LISTS FILES)
   math(EXPR number "${number} + 1")
 endforeach()
 file(WRITE ${OUTPUT} "// Made by embed.cmake from the files of emulator/page.
-#include \"emulator/program/assets.h\"
+#include \"emulator/program/web/assets.h\"
 
 namespace mirvane::emulator {
 namespace {

@@ -1,0 +1,106 @@
+'use strict';
+// The emulator's interface for tests: node interface_tests.cjs COMMAND...
+const assert = require('assert');
+const { execFileSync } = require('child_process');
+const fs = require('fs');
+const net = require('net');
+const os = require('os');
+const path = require('path');
+const { startEmulator, runCases, finish, sale } = require('./emulator.cjs');
+const { udpTill } = require('./till.cjs');
+
+let emulator;
+
+/** The whole answer to a request's own bytes, as `fetch` sets Host and Origin by itself. */
+const raw = (port, head, body = '') => new Promise((done) => {
+  const socket = net.connect(port, '127.0.0.1');
+  let text = '';
+  socket.on('data', (bytes) => { text += bytes; }).on('close', () => done(text)).on('error', () => done(text));
+  socket.write(Buffer.from(`${head}\r\nConnection: close\r\nContent-Length: ${body.length}\r\n\r\n${body}`, 'latin1'));
+});
+
+/** `value` without what `wanted` does not name. */
+function part(value, wanted) {
+  if (Array.isArray(wanted)) return Array.isArray(value) ? wanted.map((element, i) => part(value[i], element)) : value;
+  if (!wanted || typeof wanted !== 'object' || !value) return value;
+  return Object.fromEntries(Object.keys(wanted).map((name) => [name, part(value[name], wanted[name])]));
+}
+
+const cases = {
+  async theInterfaceAsItsGuideHasIt() {
+    const guide = fs.readFileSync(path.join(__dirname, '../../emulator/http.md'), 'utf8');
+    const fresh = await startEmulator();
+    let examples = 0;
+    for (const [, lines, expected] of guide.matchAll(/```sh\n([^]*?)```(?:\s*```json\n([^]*?)```)?/g)) {
+      const answer = execFileSync('bash', ['-ec', lines.replaceAll('http://127.0.0.1:8100', fresh.web)], { encoding: 'utf8' });
+      if (expected) assert.deepEqual(part(JSON.parse(answer), JSON.parse(expected)), JSON.parse(expected), lines);
+      ++examples;
+    }
+    assert.ok(examples > 15, 'the guide has lost its examples');
+    await fresh.end();
+  },
+  async requestsFromElsewhereAndBrokenOnesAreRefused() {
+    const { port } = new URL(emulator.web);
+    const post = 'POST /api/v1/faults HTTP/1.1\r\nHost: ';
+    const get = (path, host = 'localhost') => `GET ${path} HTTP/1.1\r\nHost: ${host}`;
+    const rows = [
+      [`${post}evil.example`, '', 403, 'header/host'], [`${post}localhost:${port}\r\nOrigin: http://evil.example`, '', 403],
+      [`${post}127.0.0.1:${port}\r\nOrigin: null`, '', 403], [`${post}\xff\xfe`, '', 400, 'header/host'],
+      ['GET /api/v1/state HTTP/1.0', '', 400, 'header/host'], [get('/api/v1/health', 'Kassa.LOCALHOST'), '', 200],
+      [get('/api/v1/health', `TILL.shop:${port}`), '', 200], [get('/api/v1/health', '[::1]'), '', 200],
+      [`${post}127.0.0.1:${port}\r\nOrigin: http://127.0.0.1:${port}`, '{"rule": "next lost"}', 201],
+      [`${post}[::1]`, '{"rule": 7}', 400, 'body/rule'], [`${post}localhost`, '{"rule" 7}', 400, 'body'],
+      [`${post}localhost`, '{"rule": "\xca\xe1\xf6\xdd\xf2"}', 400, 'body'], [`${post}localhost`, '{"rule": 1e999}', 400, 'body'],
+      [`${post}localhost`, '{"rule": "a", "rule": "b"}', 400, 'body'], [`${post}localhost`, '['.repeat(60000), 400, 'body'],
+      [`${post}localhost`, '"\\ud800"', 400, 'body'], [`${post}localhost`, '{"rule": "\\u0000\xc3\xa9"}', 400, 'body/rule'],
+      [`${post}localhost`, '{"rules": []}', 400, 'body/rules'], [`${post}localhost`, ' '.repeat(700000), 413],
+      ['PATCH /api/v1/faults HTTP/1.1\r\nHost: localhost', '', 405], ['nonsense', '', 400],
+      [`GET /${'x'.repeat(20000)} HTTP/1.1\r\nHost: localhost`, '', 431],
+      [get('/api/v1/receipts/x'), '', 400, 'path'], [get('/api/v1/receipts/1?wiat=5'), '', 400, 'query/wiat'],
+      [get('/api/v1/receipts/1?wait=%ff'), '', 400, 'query/wait'], [get('/api/v1/state?%ff'), '', 400],
+      [get('/../etc/passwd'), '', 404, 'path'], [get('/%00'), '', 404],
+    ];
+    for (const [head, body, status, where] of rows) {
+      const answer = await raw(port, head, body);
+      assert.equal(Number(answer.slice(9, 12)), status, head + answer);
+      if (where) assert.equal(JSON.parse(answer.split('\r\n\r\n')[1]).where, where, head + body);
+    }
+    const [head, body] = (await raw(port, 'HEAD /api/v1/state HTTP/1.1\r\nHost: localhost')).split('\r\n\r\n');
+    assert.ok(Number(/Content-Length: (\d+)/.exec(head)[1]) > 100 && body === '', head);
+    await emulator.fetch('DELETE', '/faults');
+  },
+  async aPowerCutLosesNothingAndBooksNothingTwice() {
+    const file = path.join(fs.mkdtempSync(path.join(os.tmpdir(), 'mirvane-')), 'state');
+    const options = ['--state', process.env.WINEPREFIX ? 'Z:' + file.replaceAll('/', '\\') : file];
+    let register = await startEmulator(...options, '--serial-number', 'MVE1', '--fault', 'on 3/S lost');
+    const again = async (...more) => {
+      await register.end();
+      register = await startEmulator(...options, ...more);
+      return makeTill();
+    };
+    const makeTill = () => udpTill(register.udp);
+    let cashier = await makeTill();
+    assert.equal(await cashier.ask(sale), undefined, 'booked, and the reply is lost');
+    cashier = await again();
+    assert.equal((await cashier.ask(sale))[0], '00', 'the reply only');
+    assert.equal((await register.get('/state')).receipt.total, 10);
+    cashier = await again();
+    assert.equal((await cashier.ask(sale))[0], '00', 'acknowledged before: a new one');
+    await cashier.ask('5/1///0.00///');
+    await cashier.ask('O/1/');
+    cashier = await again();
+    const { day, serialNumber } = await register.get('/state');
+    assert.deepEqual([day.total, day.cash, serialNumber], [20, 20, 'MVE1']);
+    cashier = await again('--reset', '--preset', 'kiosk');
+    assert.deepEqual([(await register.get('/state')).day.total, (await register.get('/state')).header[0].text], [0, 'ΠΕΡΙΠΤΕΡΟ']);
+    await register.end();
+  },
+  async aTakenPortIsTold() {
+    await assert.rejects(startEmulator('--web', new URL(emulator.web).port), /ended with 1/);
+  },
+};
+
+finish((async () => {
+  emulator = await startEmulator('--web-host', 'till.shop');
+  return runCases(cases);
+})());
