@@ -5,8 +5,9 @@
 #include <chrono>
 #include <filesystem>
 
+#include "emulator/program/memory.h"
+#include "emulator/program/store.h"
 #include "emulator/program/system.h"
-#include "platform/ports.h"
 
 namespace mirvane::emulator {
 namespace {
@@ -32,7 +33,9 @@ class Station::Watcher : public Witness {
   Watcher(Station& station, std::string name) : station_(station), name_(std::move(name)) {}
 
   void answered(const Exchange& exchange) override { station_.record(name_, exchange); }
-  void acknowledged() override { station_.save(); }
+  void acknowledged() override {
+    if (station_.keeper_) station_.keeper_->keepLines(station_);
+  }
 
  private:
   Station& station_;
@@ -41,7 +44,10 @@ class Station::Watcher : public Witness {
 
 Station::Station(Paper::Sink paper) : device(std::move(paper), [this] { return clock.time(); }) {}
 
-Station::~Station() = default;
+Station::~Station() {
+  // Its tapes are the store's.
+  device.journal().keepOn(nullptr, nullptr);
+}
 
 void Station::attach(Line& line, const std::string& name) {
   lines_.push_back({name, &line});
@@ -100,28 +106,15 @@ void Station::changed() {
 void Station::keepStateIn(const std::string& path, bool isAnew) {
   // An absolute one stays the same whatever folder the program works in later.
   const std::u8string absolute = std::filesystem::absolute(pathOf(path)).u8string();
-  statePath_.assign(absolute.begin(), absolute.end());
-  if (!isAnew && std::filesystem::exists(pathOf(path))) {
-    const auto text = platform::hostPlatform().files.read(fromUtf8(statePath_));
-    if (!text) throw StateError(path + ": cannot be read");
-    try {
-      recallState(*this, *text);
-    } catch (const StateError& error) {
-      throw StateError(path + ": " + error.what());
-    }
-    savedState_ = *text;
-  }
+  store_ = std::make_unique<Store>(std::string(absolute.begin(), absolute.end()), isAnew);
+  device.journal().keepOn(store_->tape(0), store_->tape(1));
+  recall(*this, *store_);
+  keeper_ = std::make_unique<Keeper>(*store_, store_->values());
   save();
 }
 
 void Station::save() {
-  if (statePath_.empty()) return;
-  std::string state = rememberedState(*this);
-  if (state == savedState_) return;
-  if (!platform::hostPlatform().files.replace(fromUtf8(statePath_), state)) {
-    throw StateError(statePath_ + ": cannot be written");
-  }
-  savedState_ = std::move(state);
+  if (keeper_) keeper_->keep(*this);
 }
 
 void Station::calm() {
@@ -160,6 +153,7 @@ bool Station::reset(const std::string& preset) {
     return false;
   }
   fiscal.serialNumber = device.fiscal().serialNumber;
+  device.journal().startAnew();
   device.restore(std::move(fiscal), {}, {});
   calm();
   clearConversation();

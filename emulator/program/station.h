@@ -3,6 +3,7 @@
 #include <deque>
 #include <functional>
 #include <list>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -17,6 +18,9 @@ namespace mirvane::emulator {
 struct StateError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
+
+class Store;
+class Keeper;
 
 /// Letters and digits, 1 to 20: it becomes part of file names.
 bool isSerialNumber(std::string_view text);
@@ -81,7 +85,8 @@ class Station {
   /// time is over leave.
   void tick();
 
-  /// Keeps the register's memory in `path`, and takes over what is there unless `isAnew`. Throws StateError.
+  /// Keeps the register's memory in `path`, and takes over what is there unless `isAnew`. Once, at the beginning. Throws
+  /// StateError.
   void keepStateIn(const std::string& path, bool isAnew);
   /// How card terminals decide when nothing else is wished.
   CardPayments::Options cardDefaults;
@@ -117,12 +122,8 @@ class Station {
   Display display_{};
   std::vector<Attached> lines_;
   std::list<Watcher> watchers_;
-  std::string statePath_, savedState_;
+  std::unique_ptr<Store> store_;
+  std::unique_ptr<Keeper> keeper_;
 };
-
-/// All that the register remembers when its power goes, as JSON.
-std::string rememberedState(Station& station);
-/// Throws StateError when `text` is no such memory; the register is then as it was.
-void recallState(Station& station, const std::string& text);
 
 }  // namespace mirvane::emulator

@@ -74,6 +74,22 @@ TEST_F(EmulatorDay, TheJournalIsThePaperInPieces) {
   EXPECT_EQ(readJournal(), files);
 }
 
+TEST_F(EmulatorDay, APaddedJournalIsTheSameInPiecesOfAnySize) {
+  run(kSale + "|O/2/");
+  for (const std::size_t more : {1U, 2U, 3U, 50U, 51U, 52U, 53U, 101U, 102U, 1234U}) {
+    device.journal().options.padding = paper.size() + more;
+    std::string whole;
+    for (const std::size_t size : {60000U, 1U, 7U}) {
+      device.journal().options.pieceSize = size;
+      fields("#/");
+      const std::string text = readJournal().at("_a.txt");
+      EXPECT_EQ(text.size(), paper.size() + (more > 1 ? more : 0)) << size;
+      EXPECT_TRUE(text.ends_with("\r\n") && (whole.empty() || whole == text)) << size << " of " << more;
+      whole = text;
+    }
+  }
+}
+
 TEST_F(EmulatorDay, StepsComeInTheirOrder) {
   const std::string b = "b/24.00/13.00/6.00/36.00/1.00/", vatNumber = "B/////////123456789//////////";
   run("Q/ 3A|x/9/ 0D|x/2/2 3D|x/1/|" + kSale + "|A/ 41|#/ 41|x/1/ 41|x/9/ 41|Y/1/a/1//1// 41|" + b + " 41|" +
