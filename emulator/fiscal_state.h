@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "emulator/card_payments.h"
@@ -111,5 +112,8 @@ struct FiscalState {
   void book(const Item& item, Cents amount, int count);
   void endReceipt();
 };
+
+/// Letters and digits, 1 to 20: it becomes part of file names.
+bool isSerialNumber(std::string_view text);
 
 }  // namespace mirvane::emulator

@@ -36,10 +36,10 @@ concept List = requires(Value& value) {
 
 using Lines = std::map<std::string, Line::Memory>;
 
-Lines linesOf(const Station& station) {
-  Lines lines;
-  for (const auto& [name, line] : station.lines()) lines[name] = line->memory();
-  return lines;
+Lines memoryOf(const std::vector<NamedLine>& lines) {
+  Lines memory;
+  for (const auto& [name, line] : lines) memory[name] = line->memory();
+  return memory;
 }
 
 /// Goes through values of all kinds, and knows the name of where it is: "register/receipt/items/0/price".
@@ -283,7 +283,7 @@ void requirePossible(const Journal::Memory& memory, const Journal& journal) {
 
 }  // namespace
 
-void recall(Station& station, Store& store) {
+void recall(Remembered remembered, Store& store) {
   const Store::Values values = store.values();
   if (values.empty()) return;
   FiscalState fiscal;
@@ -294,24 +294,24 @@ void recall(Station& station, Store& store) {
   Reader reader(values);
   visitParts(reader, fiscal, journal, cards, clockOffset, lines);
   requirePossible(fiscal);
-  requirePossible(journal, station.device.journal());
+  requirePossible(journal, remembered.device.journal());
   if (cards.underWay()) requirePossible(*cards.underWay(), "cards/payment/0");
-  station.clock.setOffset(clockOffset);
-  station.device.restore(std::move(fiscal), std::move(journal), std::move(cards));
-  for (const auto& [name, line] : station.lines()) line->setMemory(lines[name]);
+  remembered.clock.setOffset(clockOffset);
+  remembered.device.restore(std::move(fiscal), std::move(journal), std::move(cards));
+  for (const auto& [name, line] : remembered.lines) line->setMemory(lines[name]);
 }
 
-void Keeper::keep(Station& station) {
+void Keeper::keep(Remembered remembered) {
   Writer writer(known_);
-  Journal::Memory journal = station.device.journal().memory();
-  Lines lines = linesOf(station);
-  visitParts(writer, station.device.fiscal(), journal, station.device.cards(), station.clock.offset, lines);
+  Journal::Memory journal = remembered.device.journal().memory();
+  Lines lines = memoryOf(remembered.lines);
+  visitParts(writer, remembered.device.fiscal(), journal, remembered.device.cards(), remembered.clock.offset, lines);
   write(writer.changed, writer.gone);
 }
 
-void Keeper::keepLines(Station& station) {
+void Keeper::keepLines(const std::vector<NamedLine>& attached) {
   Writer writer(known_);
-  Lines lines = linesOf(station);
+  Lines lines = memoryOf(attached);
   writer.part("lines", lines);
   write(writer.changed, writer.gone);
 }

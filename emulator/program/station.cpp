@@ -1,12 +1,8 @@
 #include "emulator/program/station.h"
 
-#include <algorithm>
-#include <cctype>
 #include <chrono>
 #include <filesystem>
 
-#include "emulator/program/memory.h"
-#include "emulator/program/store.h"
 #include "emulator/program/system.h"
 
 namespace mirvane::emulator {
@@ -16,11 +12,6 @@ constexpr std::size_t kMostEntries = 1000;
 constexpr std::size_t kMostHappenings = 5000;
 
 }  // namespace
-
-bool isSerialNumber(std::string_view text) {
-  const auto isPart = [](unsigned char c) { return c < 0x80 && std::isalnum(c); };
-  return !text.empty() && text.size() <= 20 && std::all_of(text.begin(), text.end(), isPart);
-}
 
 std::int64_t millisecondsNow() {
   using namespace std::chrono;
@@ -34,7 +25,7 @@ class Station::Watcher : public Witness {
 
   void answered(const Exchange& exchange) override { station_.record(name_, exchange); }
   void acknowledged() override {
-    if (station_.keeper_) station_.keeper_->keepLines(station_);
+    if (station_.keeper_) station_.keeper_->keepLines(station_.lines_);
   }
 
  private:
@@ -108,13 +99,13 @@ void Station::keepStateIn(const std::string& path, bool isAnew) {
   const std::u8string absolute = std::filesystem::absolute(pathOf(path)).u8string();
   store_ = std::make_unique<Store>(std::string(absolute.begin(), absolute.end()), isAnew);
   device.journal().keepOn(store_->tape(0), store_->tape(1));
-  recall(*this, *store_);
+  recall(remembered(), *store_);
   keeper_ = std::make_unique<Keeper>(*store_, store_->values());
   save();
 }
 
 void Station::save() {
-  if (keeper_) keeper_->keep(*this);
+  if (keeper_) keeper_->keep(remembered());
 }
 
 void Station::calm() {

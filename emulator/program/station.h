@@ -4,26 +4,15 @@
 #include <functional>
 #include <list>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "emulator/device.h"
 #include "emulator/line.h"
 #include "emulator/program/clock.h"
+#include "emulator/program/memory.h"
 
 namespace mirvane::emulator {
-
-/// The memory on the disk cannot be written, or cannot be understood. The text tells why.
-struct StateError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
-
-class Store;
-class Keeper;
-
-/// Letters and digits, 1 to 20: it becomes part of file names.
-bool isSerialNumber(std::string_view text);
 
 /// Since 1970.
 std::int64_t millisecondsNow();
@@ -85,8 +74,8 @@ class Station {
   /// time is over leave.
   void tick();
 
-  /// Keeps the register's memory in `path`, and takes over what is there unless `isAnew`. Once, at the beginning. Throws
-  /// StateError.
+  /// Keeps the register's memory in `path`, and takes over what is there unless `isAnew`. Once, at the beginning.
+  /// Throws StateError.
   void keepStateIn(const std::string& path, bool isAnew);
   /// How card terminals decide when nothing else is wished.
   CardPayments::Options cardDefaults;
@@ -98,11 +87,7 @@ class Station {
   /// Carries out a command that came over no line, and returns the reply. Both bare.
   std::string execute(const std::string& command);
 
-  struct Attached {
-    std::string name;
-    Line* line;
-  };
-  const std::vector<Attached>& lines() const { return lines_; }
+  const std::vector<NamedLine>& lines() const { return lines_; }
 
  private:
   class Watcher;
@@ -112,6 +97,7 @@ class Station {
   void notice();
   void happened(Happening::Kind kind, int subject);
   void save();
+  Remembered remembered() { return {device, clock, lines_}; }
 
   std::deque<Entry> conversation_;
   int lastEntry_ = 0;
@@ -120,7 +106,7 @@ class Station {
   /// What was there when last looked.
   int lastEnded_ = 0, drawerOpenings_ = 0;
   Display display_{};
-  std::vector<Attached> lines_;
+  std::vector<NamedLine> lines_;
   std::list<Watcher> watchers_;
   std::unique_ptr<Store> store_;
   std::unique_ptr<Keeper> keeper_;

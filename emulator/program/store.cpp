@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "emulator/program/station.h"
 #include "emulator/program/system.h"
 
 namespace mirvane::emulator {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -12,6 +13,11 @@
 struct sqlite3;
 
 namespace mirvane::emulator {
+
+/// The memory on the disk cannot be written, or cannot be understood. The text tells why.
+struct StateError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
 
 /// A file that remembers values by name, and the journal's tapes: a database, in which what is written between `begin`
 /// and `commit` is there as a whole or not at all, whenever the program ends. Everything throws StateError.

@@ -103,7 +103,7 @@ int countPrinted(Station& station, const std::string& text) {
 
 Answer getHealth(Call& call) {
   Json::List lines;
-  for (const Station::Attached& line : call.station.lines()) lines.emplace_back(line.name);
+  for (const NamedLine& line : call.station.lines()) lines.emplace_back(line.name);
   return json(Json{{"status", "ok"}, {"lines", lines}});
 }
 
