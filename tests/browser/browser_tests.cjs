@@ -114,8 +114,10 @@ const cases = {
     await shows('#rules li', 'on ?/ 2 code 116');
     assert.equal(await code('?/'), '74');
     await shows('.mark', 'on ?/ 2 code 116');
-    await page.click('#rules button');
+    await page.focus('#rules button');
+    await page.keyboard.press('Enter');
     await page.locator('#rules li').waitFor({ state: 'detached' });
+    assert.equal(await page.evaluate(() => document.activeElement.id), 'rule', 'the focus stays near');
     assert.equal(await code('?/'), '00');
   },
   async greekAndEnglishAt360Pixels() {
@@ -131,6 +133,44 @@ const cases = {
     }
     await till.ask('O/2/');
     await freshPage('en-GB');
+  },
+  async aBurstLeavesNothingOpenAndSaysWhatItLacks() {
+    await page.evaluate(() => { document.getElementById('roll').scrollTop = 0; });
+    // While the page cannot ask, more is printed than it is told of at once.
+    await page.route('**/changes?*', (route) => setTimeout(() => route.continue(), 300));
+    for (let i = 1; i <= 300; ++i) await till.sell(`Burst ${i}`, '1.00');
+    await page.unroute('**/changes?*');
+    await till.sell('Last', '1.00');
+    await shows('.sheet', 'Last');
+    const state = () => page.evaluate(() => ({
+      ids: [...document.querySelectorAll('#roll > *')].filter((e) => !e.hidden && e.id !== 'blank' && e.id !== 'earlier').map((e) => e.dataset.id ? Number(e.dataset.id) : 'gap'),
+      open: [...document.querySelectorAll('#roll .label span')].filter((e) => e.textContent.includes('open')).length,
+    }));
+    const { ids, open } = await state();
+    assert.equal(open, 0, 'receipts that are closed look open');
+    assert.ok(ids.length <= 200 && ids.includes('gap'), `${ids}`);
+    for (let i = 1; i < ids.length; ++i) assert.ok(ids[i] === 'gap' || ids[i - 1] === 'gap' || ids[i] === ids[i - 1] + 1, `${ids}`);
+    await page.locator('.gap').first().click();
+    await page.waitForFunction((before) => document.querySelectorAll('.document').length > before, ids.length - 1);
+    await page.fill('#search', 'burst 17');
+    await shows('#found .sheet', 'Burst 17');
+    assert.ok(await page.locator('#found .document').count() >= 11);
+    await page.fill('#search', '');
+    await page.locator('#roll').waitFor();
+    await freshPage('en-GB');
+  },
+  async hiddenTabsLeaveTheirConnectionsToOthers() {
+    const tabs = [];
+    for (let i = 0; i < 8; ++i) {
+      tabs.push(await page.context().newPage());
+      await tabs[i].goto(emulator.web, { timeout: 5000 });
+      await tabs[i].locator('#link:not(:empty)').waitFor();
+      await tabs[i].evaluate(() => {
+        Object.defineProperty(document, 'hidden', { value: true });
+        document.dispatchEvent(new Event('visibilitychange'));
+      });
+    }
+    for (const tab of tabs) await tab.close();
   },
   async aThousandReceiptsAndABrowserThatDoesNotRead() {
     const deaf = net.connect(new URL(emulator.web).port, '127.0.0.1');

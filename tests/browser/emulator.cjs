@@ -7,6 +7,9 @@ const [program, ...programOptions] = process.argv.slice(2);
 const sale = '3/S//A///1.000/10.00/1/24.00/1/';
 const running = new Set();
 
+// However the tests end, nothing of them goes on.
+process.on('exit', () => { for (const child of running) child.kill('SIGKILL'); });
+
 async function startEmulator(...options) {
   const child = spawn(program, [...programOptions, '--quiet', '--udp', '0', '--web', '0', ...options],
     { stdio: ['ignore', 'pipe', 'inherit'] });
@@ -48,10 +51,9 @@ async function runCases(cases) {
   return failures;
 }
 
-/** Ends the program, and what it has started, when the promise of a number of failures is kept. */
+/** Ends the program when the promise of a number of failures is kept. */
 function finish(failing) {
   failing.catch((error) => { console.log(error.stack); return 1; }).then((failures) => {
-    for (const child of running) child.kill('SIGKILL');
     process.exit(failures ? 1 : 0);
   });
 }

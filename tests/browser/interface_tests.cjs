@@ -69,6 +69,17 @@ const cases = {
     assert.ok(Number(/Content-Length: (\d+)/.exec(head)[1]) > 100 && body === '', head);
     await emulator.fetch('DELETE', '/faults');
   },
+  async clientsThatLeaveMakeRoom() {
+    const { port } = new URL(emulator.web);
+    const waiting = await Promise.all(Array.from({ length: 250 }, () => new Promise((done) => {
+      const socket = net.connect(port, '127.0.0.1', () => socket.write(
+        'GET /api/v1/receipts/99?wait=600 HTTP/1.1\r\nHost: localhost\r\n\r\n', () => done(socket)));
+    })));
+    const full = await raw(port, 'GET /api/v1/health HTTP/1.1\r\nHost: localhost');
+    assert.equal(full.slice(9, 12), '503');
+    for (const socket of waiting) socket.destroy();
+    assert.equal((await emulator.fetch('GET', '/health')).status, 200);
+  },
   async aPowerCutLosesNothingAndBooksNothingTwice() {
     const file = path.join(fs.mkdtempSync(path.join(os.tmpdir(), 'mirvane-')), 'state');
     const options = ['--state', process.env.WINEPREFIX ? 'Z:' + file.replaceAll('/', '\\') : file];

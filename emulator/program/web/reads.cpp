@@ -46,6 +46,23 @@ Json printedView(Station& station, const Document& document, std::size_t firstLi
   return view.set("firstLine", firstLine).set("paper", paperView(document, firstLine));
 }
 
+/// Of Latin and Greek letters, without accent.
+char16_t capital(char16_t c) {
+  constexpr TextView kFrom = u"άέήίόύώϊϋΐΰςΆΈΉΊΌΎΏΪΫ", kTo = u"ΑΕΗΙΟΥΩΙΥΙΥΣΑΕΗΙΟΥΩΙΥ";
+  const std::size_t at = kFrom.find(c);
+  if (at != TextView::npos) return kTo[at];
+  const bool isSmall = (c >= u'a' && c <= u'z') || (c >= u'α' && c <= u'ω');
+  return static_cast<char16_t>(isSmall ? c - 32 : c);
+}
+
+/// The lines that hold `text`, in small or capital letters.
+std::ptrdiff_t countPrinted(const Document& document, const Text& text) {
+  return std::count_if(document.lines.begin(), document.lines.end(), [&text](const PaperLine& line) {
+    const auto isSame = [](char16_t a, char16_t b) { return capital(a) == capital(b); };
+    return std::search(line.text.begin(), line.text.end(), text.begin(), text.end(), isSame) != line.text.end();
+  });
+}
+
 /// A page of the documents that `wants` chooses, oldest first: those behind `after`, or else the latest before
 /// `before`.
 template <class Wants, class View>
@@ -54,9 +71,12 @@ Answer page(Call& call, const Wants& wants, const View& view) {
   const int before = call.query("before", kGreatestNumber, 1, kGreatestNumber);
   const auto limit = static_cast<std::size_t>(call.query("limit", 20, 1, 100));
   const bool isFromFront = call.request.query.contains("after");
+  const auto wanted = call.request.query.find("text");
+  const Text text = wanted == call.request.query.end() ? Text() : fromUtf8(wanted->second);
   std::deque<const Document*> chosen;
   for (const Document& document : call.station.device.roll().documents()) {
     if (document.id <= after || document.id >= before || !wants(document)) continue;
+    if (!text.empty() && countPrinted(document, text) == 0) continue;
     chosen.push_back(&document);
     if (chosen.size() <= limit) continue;
     isFromFront ? chosen.pop_back() : chosen.pop_front();
@@ -85,16 +105,6 @@ int countIn(Station& station, const char* list, const Json& wanted) {
     const auto& elements = *view.find(list)->as<Json::List>();
     count +=
         std::count_if(elements.begin(), elements.end(), [&](const Json& element) { return holds(element, wanted); });
-  }
-  return static_cast<int>(count);
-}
-
-int countPrinted(Station& station, const std::string& text) {
-  const Text wanted = fromUtf8(text);
-  std::ptrdiff_t count = 0;
-  for (const Document& document : station.device.roll().documents()) {
-    count += std::count_if(document.lines.begin(), document.lines.end(),
-                           [&wanted](const PaperLine& line) { return line.text.find(wanted) != Text::npos; });
   }
   return static_cast<int>(count);
 }
@@ -229,7 +239,12 @@ Answer postVerify(Call& call) {
   }
   const int times = wishes.has("times") ? wishes.whole("times", 0, kGreatestNumber) : -1;
   int count = 0;
-  if (wishes.has("printed")) count = countPrinted(call.station, wishes.text("printed", 1000));
+  if (wishes.has("printed")) {
+    const Text text = fromUtf8(wishes.text("printed", 1000));
+    for (const Document& document : call.station.device.roll().documents()) {
+      count += static_cast<int>(countPrinted(document, text));
+    }
+  }
   if (wishes.has("sold")) count = countIn(call.station, "lines", wishes.object("sold"));
   if (wishes.has("paid")) count = countIn(call.station, "tenders", wishes.object("paid"));
   if (times < 0 || count == times) return json(Json{{"count", count}});
