@@ -1,11 +1,36 @@
 'use strict';
 // What tests of the emulator share. The command that starts one stands on the command line; the outcome is told in the
 // words of the unit tests.
+const assert = require('assert');
 const { spawn } = require('child_process');
+const Ajv = require('ajv/dist/2020');
+const description = require('../../emulator/page/openapi.json');
 
 const [program, ...programOptions] = process.argv.slice(2);
 const sale = '3/S//A///1.000/10.00/1/24.00/1/';
 const running = new Set();
+
+const ajv = new Ajv({ strict: false, allErrors: true }).addSchema(description, 'api');
+const inPointer = (part) => part.replaceAll('~', '~0').replaceAll('/', '~1');
+/** The operations that were asked for. */
+const asked = new Set();
+
+/** An answer is as the interface's description has it, or the test fails. */
+async function check(method, where, response) {
+  const path = `/api/v1${where.split('?')[0]}`;
+  const known = description.paths[path] ? path : path.replace(/[^/]+$/, '{item}');
+  const operation = description.paths[known]?.[method.toLowerCase()];
+  if (!operation) return;
+  asked.add(operation.operationId);
+  const { status } = response, described = operation.responses[status];
+  assert.ok(described, `${method} ${where}: ${status} is not described`);
+  const body = await response.clone().text();
+  if (!described.content) return assert.equal(body, '', `${method} ${where}`);
+  if (!response.headers.get('content-type').includes('json')) return;
+  const schema = ['paths', known, method.toLowerCase(), 'responses', status, 'content', 'application/json', 'schema'];
+  const isValid = ajv.validate({ $ref: 'api#/' + schema.map((part) => inPointer(String(part))).join('/') }, JSON.parse(body));
+  assert.ok(isValid, `${method} ${where}: ${ajv.errorsText()}\n${body}`);
+}
 
 // However the tests end, nothing of them goes on.
 process.on('exit', () => { for (const child of running) child.kill('SIGKILL'); });
@@ -29,7 +54,11 @@ async function startEmulator(...options) {
       child.removeAllListeners('exit').on('exit', done);
       child.kill('SIGKILL');
     }),
-    fetch: (method, where, body) => fetch(`${emulator.web}/api/v1${where}`, { method, body: body && JSON.stringify(body) }),
+    fetch: async (method, where, body) => {
+      const response = await fetch(`${emulator.web}/api/v1${where}`, { method, body: body && JSON.stringify(body) });
+      await check(method, where, response);
+      return response;
+    },
   };
   emulator.get = async (where) => (await emulator.fetch('GET', where)).json();
   return emulator;
@@ -58,4 +87,4 @@ function finish(failing) {
   });
 }
 
-module.exports = { startEmulator, runCases, finish, sale };
+module.exports = { asked, description, startEmulator, runCases, finish, sale };

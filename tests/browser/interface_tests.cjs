@@ -6,7 +6,7 @@ const fs = require('fs');
 const net = require('net');
 const os = require('os');
 const path = require('path');
-const { startEmulator, runCases, finish, sale } = require('./emulator.cjs');
+const { asked, description, startEmulator, runCases, finish, sale } = require('./emulator.cjs');
 const { udpTill } = require('./till.cjs');
 
 let emulator;
@@ -68,6 +68,60 @@ const cases = {
     const [head, body] = (await raw(port, 'HEAD /api/v1/state HTTP/1.1\r\nHost: localhost')).split('\r\n\r\n');
     assert.ok(Number(/Content-Length: (\d+)/.exec(head)[1]) > 100 && body === '', head);
     await emulator.fetch('DELETE', '/faults');
+  },
+  async everyAnswerIsAsDescribed() {
+    const item = { command: sale }, total = { command: '5/1///0.00///' }, close = { command: 'O/1/' };
+    const rows = [
+      ['GET', '/health'], ['GET', '/version'], ['POST', '/reset', { preset: 'kiosk' }], ['POST', '/commands', item], ['GET', '/state'],
+      ['PATCH', '/register', { vatNumber: '123456789' }, 409], ['PATCH', '/register', { header: [{ text: 'a', size: 9 }] }, 400],
+      ['POST', '/commands', { command: '5/2///1.00/1/1/' }], ['POST', '/commands', total], ['POST', '/commands', close],
+      ['POST', '/commands', { command: '6/0/5.00//' }], ['POST', '/commands', close], ['POST', '/commands', { command: 'p/1/' }],
+      ['POST', '/commands', { command: 'x/1/' }], ['GET', '/happenings'], ['GET', '/happenings?kind=tea', , 400],
+      ['GET', '/receipts'], ['GET', '/receipts/last'], ['GET', '/receipts/7', , 404], ['GET', '/receipts/7?wait=0.05', , 204],
+      ['GET', '/documents?limit=2'], ['GET', '/documents/1'], ['GET', '/documents/0', , 400], ['GET', '/documents/999', , 404],
+      ['POST', '/verify', { sold: { description: 'A' }, times: 1 }], ['POST', '/verify', { sold: { price: 10 }, times: 2 }, 409],
+      ['POST', '/verify', { paid: { tender: 'cash' } }], ['POST', '/verify', { printed: 'συνολο' }], ['POST', '/verify', {}, 400],
+      ['POST', '/faults', { rule: 'on 5/ 5s lost' }, 201], ['GET', '/faults'], ['GET', '/faults/1'], ['GET', '/faults/9', , 404],
+      ['PATCH', '/switches', { busy: true }], ['GET', '/switches'], ['DELETE', '/faults/1', , 204], ['DELETE', '/faults', , 204],
+      ['PATCH', '/card', { seconds: 3, next: [156] }], ['GET', '/card'], ['PATCH', '/card', { outcome: 1 }, 400],
+      ['POST', '/card/decision', { outcome: 0 }, 409], ['PATCH', '/clock', { time: '2026-02-30T10:00:00' }, 400],
+      ['PATCH', '/clock', { time: '2026-02-28T10:00:00', runs: false }], ['GET', '/clock'], ['GET', '/register'],
+      ['POST', '/paper', { feed: 2, cut: 'full' }, 204], ['POST', '/paper', { feed: 2, cut: 'half' }, 400],
+      ['GET', '/conversation?after=2&limit=2'], ['GET', '/changes'], ['DELETE', '/conversation', , 204],
+    ];
+    for (const [method, where, body, status = 200] of rows) {
+      assert.equal((await emulator.fetch(method, where, body)).status, status, `${method} ${where}`);
+    }
+    asked.add('getEvents');
+    const all = Object.values(description.paths).flatMap(Object.values).map(({ operationId }) => operationId);
+    assert.deepEqual(all.filter((operation) => !asked.has(operation) && operation !== 'postDecision'), []);
+    assert.equal((await emulator.get('/clock')).time, '2026-02-28T10:00:00', 'it stands still');
+    assert.deepEqual((await (await fetch(`${emulator.web}/openapi.json`)).json()).info, description.info);
+    await emulator.fetch('POST', '/reset');
+    assert.deepEqual((await emulator.get('/happenings')), []);
+  },
+  async whatIsWaitedForComes() {
+    const rows = [
+      ['exchange', '?/'], ['display', '7/1/ΓΕΙΑ/'], ['drawer', 'p/1/'], ['report', 'x/1/'], ['struck', undefined],
+      ['cash', '6/0/5.00//', 'O/1/'], ['receipt', sale, '5/1///0.00///', 'O/1/'],
+    ];
+    const cashier = await udpTill(emulator.udp);
+    for (const [kind, ...commands] of rows) {
+      const { lastHappening } = await emulator.get('/state');
+      const waiting = emulator.fetch('GET', `/happenings?after=${lastHappening}&kind=${kind}&wait=60`);
+      if (kind === 'struck') {
+        await emulator.fetch('POST', '/faults', { rule: 'next late 1' });
+        await cashier.ask('?/');
+      }
+      for (const command of commands.filter(Boolean)) assert.equal((await cashier.ask(command))[0], '00', command);
+      const [happening] = await (await waiting).json();
+      assert.equal(happening.kind, kind);
+      if (kind === 'receipt') assert.equal(happening.document.total, 10);
+    }
+    const soon = emulator.fetch('POST', '/verify?wait=60', { sold: { description: 'A' }, times: 2 });
+    await cashier.sell('A', '3.00');
+    assert.equal((await (await soon).json()).count, 2);
+    cashier.close();
   },
   async clientsThatLeaveMakeRoom() {
     const { port } = new URL(emulator.web);

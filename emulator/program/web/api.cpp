@@ -86,6 +86,16 @@ int Call::query(const char* name, int otherwise, int least, int most) const {
                                       : parseNumber(found->second, "query/" + std::string(name), least, most);
 }
 
+double Call::wait() const {
+  const auto found = request.query.find("wait");
+  if (found == request.query.end()) return 0;
+  const std::string& text = found->second;
+  double seconds = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds, std::chars_format::fixed);
+  if (error == std::errc() && end == text.data() + text.size() && seconds >= 0 && seconds <= 600) return seconds;
+  throw Refusal(400, "seconds from 0 to 600 are expected", "query/wait");
+}
+
 int Call::number() const { return parseNumber(item, "path", 1, kGreatestNumber); }
 
 Answer answer(Station& station, http::Request& request) {

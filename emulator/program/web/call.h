@@ -23,8 +23,8 @@ struct Call {
   std::string item;
 
   int query(const char* name, int otherwise, int least, int most) const;
-  /// How long the client waits for what is not there yet.
-  int wait() const { return query("wait", 0, 0, 600); }
+  /// How many seconds the client waits for what is not there yet.
+  double wait() const;
   /// The path's item as a number.
   int number() const;
 };

@@ -1,5 +1,5 @@
 # Writes the files of the page into a C++ source: cmake -D OUTPUT=FILE -D FILES=a;b -P embed.cmake
-set(types html text/html css text/css js text/javascript svg image/svg+xml ttf font/ttf)
+set(types md text/plain json application/json html text/html css text/css js text/javascript svg image/svg+xml ttf font/ttf)
 set(arrays "")
 set(rows "")
 set(number 0)

@@ -167,6 +167,7 @@ Json registerView(Station& station) {
   view.set("display", displayView(station.device.display()));
   view.set("drawerOpenings", station.device.drawerOpenings());
   view.set("card", cardView(station));
+  view.set("lastHappening", station.lastHappening());
   return view;
 }
 
