@@ -86,6 +86,8 @@ class CommandLine {
         ->expected(0, 1);
     value("--web-host", "NAME", "serve --web under this name too; may be given several times",
           [&options](const std::string& name) { options.web.hosts.push_back(name); });
+    value("--log", "FILE", "append all that happens to FILE, a line of JSON each",
+          [&options](const std::string& path) { options.web.log = path; });
     value("--acknowledge", "WHAT", "the network: \"frame\" (each frame gets its ACK) or \"enq\" (the ENQ ahead of it)",
           [&options](const std::string& what) {
             if (what != "frame" && what != "enq") throw UsageError("--acknowledge takes frame or enq, not " + what);

@@ -8,6 +8,7 @@
 #include <map>
 
 #include "emulator/program/command_line.h"
+#include "emulator/program/console.h"
 #include "emulator/program/player.h"
 #include "emulator/program/station.h"
 #include "emulator/program/system.h"
@@ -79,9 +80,10 @@ int play(const Options& options, boost::asio::io_context& loop) {
 
 int run(const std::vector<std::string>& arguments) {
   Options options;
-  Station station([&options](TextView line) {
+  Console console;
+  Station station([&options, &console](TextView line) {
     const std::string text = toUtf8(line) + "\n";
-    if (!options.isQuiet) std::cout << text << std::flush;
+    if (!options.isQuiet) console.write(text);
     if (options.paper.is_open()) options.paper << text << std::flush;
   });
   if (const auto status = follow(arguments, options, station.faults)) return *status;
@@ -122,7 +124,7 @@ int run(const std::vector<std::string>& arguments) {
   if (!options.web.address.empty() || !options.web.log.empty()) web = openWeb(loop, station, options.web);
   if (options.webAddress) ready += " web=" + web->url();
   const Ticker ticker(loop, station);
-  std::cout << ready << std::endl;
+  console.write(ready + "\n");
   if (arguments.empty()) openBrowser(web->url());
   loop.run();
   return 0;

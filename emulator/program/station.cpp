@@ -62,6 +62,7 @@ void Station::record(const std::string& line, const Exchange& exchange) {
 void Station::happened(Happening::Kind kind, int subject) {
   happenings_.push_back({++lastHappening_, kind, device.time(), subject, device.display()});
   if (happenings_.size() > kMostHappenings) happenings_.pop_front();
+  if (onHappening) onHappening(happenings_.back());
 }
 
 void Station::notice() {

@@ -68,6 +68,8 @@ class Station {
 
   /// Whoever is told of changes: of the register, of the faults, of the conversation.
   std::function<void()> onChange;
+  /// Whoever is told of each thing that happens.
+  std::function<void(const Happening&)> onHappening;
   /// To be called after a change that was not made over a line. Throws StateError.
   void changed();
   /// To be called several times a second: card payments that their terminal has decided are booked, and rules whose

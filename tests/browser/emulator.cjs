@@ -36,7 +36,8 @@ async function check(method, where, response) {
 process.on('exit', () => { for (const child of running) child.kill('SIGKILL'); });
 
 async function startEmulator(...options) {
-  const child = spawn(program, [...programOptions, '--quiet', '--udp', '0', '--web', '0', ...options],
+  const { isLoud } = typeof options.at(-1) === 'object' ? options.pop() : {};
+  const child = spawn(program, [...programOptions, ...isLoud ? [] : ['--quiet'], '--udp', '0', '--web', '0', ...options],
     { stdio: ['ignore', 'pipe', 'inherit'] });
   running.add(child);
   const ready = await new Promise((done, fail) => {
@@ -46,6 +47,7 @@ async function startEmulator(...options) {
     setTimeout(() => fail(new Error('no ready line in 30 seconds')), 30000).unref();
   });
   const emulator = {
+    stdout: child.stdout,
     web: /web=(\S+)\//.exec(ready)[1],
     udp: Number(/udp=\S+:(\d+)/.exec(ready)[1]),
     /** As a power cut does it. */

@@ -201,6 +201,25 @@ const cases = {
     await assert.rejects(startEmulator(...options), /ended with 1/, 'one program at a time');
     await register.end();
   },
+  async outputThatNobodyReadsHoldsUpNothingAndTheLogTellsAll() {
+    const folder = fs.mkdtempSync(path.join(os.tmpdir(), 'mirvane-')), file = path.join(folder, 'log');
+    const log = process.env.WINEPREFIX ? 'Z:' + file.replaceAll('/', '\\') : file;
+    for (const closes of [false, true]) {
+      const loud = await startEmulator('--log', log, { isLoud: true });
+      closes ? loud.stdout.destroy() : loud.stdout.pause();
+      const cashier = await udpTill(loud.udp);
+      // More than a pipe holds.
+      for (let i = 0; i < 150; ++i) await cashier.sell('A', '1.00');
+      assert.equal((await loud.get('/state')).day.receipts, 150);
+      assert.equal((await loud.fetch('POST', '/faults', {})).status, 400);
+      cashier.close();
+      await loud.end();
+    }
+    const lines = fs.readFileSync(file, 'utf8').trim().split('\n').map(JSON.parse);
+    const count = (holds) => lines.filter(holds).length;
+    assert.deepEqual([count(({ started }) => started), count(({ happening }) => happening?.kind === 'receipt' && happening.document.total === 1),
+      count(({ happening }) => happening?.kind === 'exchange'), count(({ request }) => request?.status === 400)], [2, 300, 900, 2]);
+  },
   async aTakenPortIsTold() {
     await assert.rejects(startEmulator('--web', new URL(emulator.web).port), /ended with 1/);
   },
