@@ -49,6 +49,7 @@ class Device {
   /// What the customer sees.
   const Display& display() const { return machine_.display; }
   int drawerOpenings() const { return machine_.drawerOpenings; }
+  Conditions& conditions() { return machine_.conditions; }
   Roll& roll() { return machine_.roll; }
   platform::LocalTime time() const { return machine_.clock(); }
 

@@ -21,6 +21,8 @@ const words = {
     switches: {
       paperEnd: 'paper out', offline: 'printer offline', silent: 'printer silent', error: 'printer error',
       nearFull: 'memory near full', busy: 'busy', off: 'register off',
+      clockLost: 'clock lost', batteryFault: 'battery fault', memoryFull: 'fiscal memory full', cutterError: 'cutter error',
+      dailyZ: 'wants Z after 24 h', drawerLimit: 'cash out within drawer',
     },
     shots: {
       'next lost': 'lose it', 'next half': 'cut it', 'next late 3000': '3 s late', 'next nak': 'NAK', 'next unplug 5': 'unplug 5 s',
@@ -60,6 +62,8 @@ const words = {
     switches: {
       paperEnd: 'τέλος χαρτιού', offline: 'εκτυπωτής εκτός', silent: 'εκτυπωτής σιωπά', error: 'σφάλμα εκτυπωτή',
       nearFull: 'μνήμη σχεδόν πλήρης', busy: 'απασχολημένη', off: 'σβηστή',
+      clockLost: 'χαμένο ρολόι', batteryFault: 'βλάβη μπαταρίας', memoryFull: 'φορολογική μνήμη πλήρης', cutterError: 'σφάλμα κόφτη',
+      dailyZ: 'ζητά Ζ μετά 24 ώρες', drawerLimit: 'ανάληψη ως το συρτάρι',
     },
     shots: {
       'next lost': 'να χαθεί', 'next half': 'να κοπεί', 'next late 3000': 'αργεί 3 δ.', 'next nak': 'NAK', 'next unplug 5': 'χωρίς καλώδιο 5 δ.',

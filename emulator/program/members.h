@@ -174,6 +174,7 @@ void visitMembers(FiscalState& fiscal, Visitor&& visit) {
   visit("grandTotal", fiscal.grandTotal);
   visit("lastReport", fiscal.lastReport);
   visit("isDayOpen", fiscal.isDayOpen);
+  visit("dayOpened", fiscal.dayOpened);
   visit("day", fiscal.day);
   visit("lastReceiptNumber", fiscal.lastReceiptNumber);
   visit("receipt", fiscal.receipt);

@@ -112,6 +112,7 @@ void Station::save() {
 void Station::calm() {
   faults.clear();
   device.cards().options = cardDefaults;
+  device.conditions() = {};
   for (const auto& [name, line] : lines_) line->dropHeld();
 }
 

@@ -125,6 +125,41 @@ TEST_F(EmulatorDay, ARefusedCommandChangesNothing) {
   EXPECT_EQ(all(), before);
 }
 
+TEST_F(EmulatorDay, StatesOfTheMachineAreRefusedWithTheirCodes) {
+  const std::pair<bool Conditions::*, std::string> rows[] = {
+      {&Conditions::clockLost, "23"}, {&Conditions::batteryFault, "20"}, {&Conditions::memoryFull, "1D"}};
+  for (const auto& [condition, code] : rows) {
+    run(kSale);
+    device.conditions().*condition = true;
+    run(kSale + "|5/1///0.00///|O/1/|" + kSale + " " + code + "|6/0/1.00// " + code + "|A/ " + code + "|x/1/");
+    device.conditions() = {};
+  }
+  device.conditions().cutterError = true;
+  run("p/2/1/ 57|p/1/");
+  device.conditions() = {};
+  device.conditions().drawerLimit = true;
+  run("6/1/60.01// 7D|6/1/60.00//|O/1/|6/1/0.01// 7D");
+}
+
+TEST(EmulatorClock, TwentyFourHoursAfterTheFirstDocumentItWantsAZ) {
+  platform::LocalTime now{2026, 2, 28, 9, 30, 0};
+  Device device({}, [&now] { return now; });
+  device.conditions().dailyZ = true;
+  const auto sell = [&device] { return device.execute(kSale).substr(0, 2); };
+  EXPECT_EQ(sell(), "00");
+  device.execute("O/2/");
+  now = {2026, 3, 1, 9, 29, 59};
+  EXPECT_EQ(sell(), "00");
+  now = {2026, 3, 1, 9, 30, 0};
+  EXPECT_EQ(sell(), "00") << "a receipt that is open goes on";
+  device.execute("O/2/");
+  EXPECT_EQ(sell(), "14");
+  for (const char* command : {"A/", "A/", "A/"}) device.execute(command);
+  while (device.execute("Q/").substr(8, 2) != "/3") continue;
+  EXPECT_EQ(device.execute("x/2/2").substr(0, 2), "00");
+  EXPECT_EQ(sell(), "00");
+}
+
 TEST_F(EmulatorDay, WhatIsSetIsToldAndTakesEffect) {
   const std::string server = "1/http:~~a.gr~x.php/443/" + std::string(64, 'F') + "////q~r/";
   run("H/3/ΝΕΟ/1//2/Β/1//1//|Y/1/ΤΕΛΟΣ/1//4/ΓΕΙΑ/|d/2/ΨΩΜΙ/7/|K/7/ΤΡΟΦΙΜΑ/|B/////////123456789//////////|]/" + server +

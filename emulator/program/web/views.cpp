@@ -171,7 +171,7 @@ Json registerView(Station& station) {
   return view;
 }
 
-Json faultsView(const Station& station) {
+Json faultsView(Station& station) {
   Json::List rules;
   Json switches = Json::Object{};
   for (const Faults::Rule& rule : station.faults.rules()) {
@@ -181,6 +181,7 @@ Json faultsView(const Station& station) {
   for (const auto& [name, bit] : kPrinterSwitches) switches.set(name, (held.printer & bit) != 0);
   switches.set("busy", held.isBusy);
   switches.set("off", held.isOff);
+  for (const auto& [name, member] : kConditions) switches.set(name, station.device.conditions().*member);
   return Json{{"rules", rules}, {"switches", switches}};
 }
 

@@ -13,7 +13,7 @@ Json cardView(Station& station);
 Json clockView(Station& station);
 Json ruleView(const Faults::Rule& rule);
 Json happeningView(Station& station, const Station::Happening& happening);
-Json faultsView(const Station& station);
+Json faultsView(Station& station);
 /// Kind, numbers, time; of a receipt also its lines, taxes and tenders.
 Json documentView(Station& station, const Document& document);
 /// What is printed on it, from the line with index `first` on.

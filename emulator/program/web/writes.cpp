@@ -85,7 +85,9 @@ Answer deleteFault(Call& call) {
 }
 
 Answer patchSwitches(Call& call) {
-  const Wishes wishes(call.request.body, {"paperEnd", "offline", "silent", "error", "nearFull", "busy", "off"});
+  const Wishes wishes(call.request.body,
+                      {"paperEnd", "offline", "silent", "error", "nearFull", "busy", "off", "clockLost", "batteryFault",
+                       "memoryFull", "cutterError", "dailyZ", "drawerLimit"});
   Faults::Switches switches = call.station.faults.switches;
   for (const auto& [name, bit] : kPrinterSwitches) {
     if (!wishes.has(name)) continue;
@@ -93,7 +95,12 @@ Answer patchSwitches(Call& call) {
   }
   if (wishes.has("busy")) switches.isBusy = wishes.flag("busy");
   if (wishes.has("off")) switches.isOff = wishes.flag("off");
+  Conditions conditions = call.station.device.conditions();
+  for (const auto& [name, member] : kConditions) {
+    if (wishes.has(name)) conditions.*member = wishes.flag(name);
+  }
   call.station.faults.switches = switches;
+  call.station.device.conditions() = conditions;
   call.station.changed();
   return getFaults(call);
 }
