@@ -134,6 +134,43 @@ const cases = {
     await till.ask('O/2/');
     await freshPage('en-GB');
   },
+  async itIsAccessibleAndNothingHangsOut() {
+    await till.ask(sale);
+    await emulator.fetch('POST', '/faults', { rule: 'on 5/ late 800' });
+    const open = async (where, options) => {
+      const tab = await (await browser.newContext({ bypassCSP: true, ...options })).newPage();
+      await tab.goto(emulator.web + where);
+      await tab.locator('#link:not(:empty), #operations details').first().waitFor();
+      return tab;
+    };
+    for (const where of ['/', '/guide.html']) {
+      for (const locale of ['el-GR', 'en-GB']) {
+        for (const colorScheme of ['light', 'dark']) {
+          for (const width of [320, 1400]) {
+            const tab = await open(where, { locale, colorScheme, viewport: { width, height: 800 } });
+            await tab.addScriptTag({ path: require.resolve('axe-core/axe.min.js') });
+            const { violations } = await tab.evaluate(() => axe.run());
+            assert.deepEqual(violations.map(({ id, nodes }) => [id, nodes[0].target]), [], `${where} ${locale} ${colorScheme} ${width}`);
+            await tab.context().close();
+          }
+        }
+      }
+    }
+    const tab = await open('/', { locale: 'el-GR' });
+    for (const width of [300, 320, 360, 420, 761, 770, 790, 820, 1000, 1240, 1241, 1400]) {
+      await tab.setViewportSize({ width, height: 800 });
+      const hanging = await tab.evaluate(() => [...document.querySelectorAll('section *, header *')].filter((element) => {
+        // What scrolls or is cut by intention.
+        if (!element.offsetParent || element.closest('#roll, #found, #entries, .display')) return false;
+        return element.getBoundingClientRect().right > element.closest('section, header').getBoundingClientRect().right + 0.5;
+      }).map((element) => element.outerHTML.slice(0, 80)));
+      assert.deepEqual(hanging, [], `${width}`);
+      assert.ok(await tab.evaluate(() => document.documentElement.scrollWidth) <= width, `${width} scrolls`);
+    }
+    await tab.context().close();
+    await emulator.fetch('DELETE', '/faults');
+    await till.ask('O/2/');
+  },
   async aBurstLeavesNothingOpenAndSaysWhatItLacks() {
     await page.evaluate(() => { document.getElementById('roll').scrollTop = 0; });
     // While the page cannot ask, more is printed than it is told of at once.
