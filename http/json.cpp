@@ -94,6 +94,16 @@ class Builder {
 
 }  // namespace
 
+Json::Json() : value_(nullptr) {}
+Json::Json(const Json&) = default;
+Json::Json(Json&&) noexcept = default;
+Json& Json::operator=(const Json&) = default;
+Json& Json::operator=(Json&&) noexcept = default;
+Json::~Json() = default;
+Json::Json(bool value) : value_(value) {}
+Json::Json(double value) : value_(value) {}
+Json::Json(std::string value) : value_(std::move(value)) {}
+Json::Json(List value) : value_(std::move(value)) {}
 Json::Json(Object value) : value_(std::move(value)) {}
 
 Json::Json(std::initializer_list<Member> members) : value_(Object(members)) {}

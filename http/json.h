@@ -18,20 +18,27 @@ class Json {
   using List = std::vector<Json>;
   using Object = std::vector<Member>;
 
-  Json() = default;
-  Json(std::nullptr_t) {}
-  Json(bool value) : value_(value) {}
+  Json();
+  Json(const Json&);
+  Json(Json&&) noexcept;
+  Json& operator=(const Json&);
+  Json& operator=(Json&&) noexcept;
+  ~Json();
+
+  Json(std::nullptr_t) : Json() {}
+  Json(bool value);
+  Json(double value);
   template <class Number>
   requires(std::integral<Number> || std::floating_point<Number>) Json(Number value)
-      : value_(static_cast<double>(value)) {}
-  Json(std::string value) : value_(std::move(value)) {}
-  Json(std::string_view value) : value_(std::string(value)) {}
-  Json(const char* value) : value_(std::string(value)) {}
-  Json(List value) : value_(std::move(value)) {}
+      : Json(static_cast<double>(value)) {}
+  Json(std::string value);
+  Json(std::string_view value) : Json(std::string(value)) {}
+  Json(const char* value) : Json(std::string(value)) {}
+  Json(List value);
   Json(Object value);
   Json(std::initializer_list<Member> members);
 
-  bool isNull() const { return std::holds_alternative<std::nullptr_t>(value_); }
+  bool isNull() const { return as<std::nullptr_t>() != nullptr; }
   /// The value as `Value`, one of bool, double, std::string, List and Object; null when it is of another kind.
   template <class Value>
   const Value* as() const {
@@ -55,7 +62,7 @@ class Json {
   std::string dump(bool isIndented = true) const;
 
  private:
-  std::variant<std::nullptr_t, bool, double, std::string, List, Object> value_ = nullptr;
+  std::variant<std::nullptr_t, bool, double, std::string, List, Object> value_;
 };
 
 struct Json::Member {
