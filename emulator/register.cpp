@@ -5,14 +5,15 @@
 namespace mirvane::emulator {
 namespace {
 
-constexpr std::int64_t kMinutesOfADay = 24 * 60;
+constexpr std::int64_t kMinutesOfADay = 1440;
 
 /// Of the calendar, whatever the clock does in spring and in autumn.
 std::int64_t minutesOf(const platform::LocalTime& time) {
   const std::chrono::year_month_day date{std::chrono::year(time.year),
                                          std::chrono::month(static_cast<unsigned>(time.month)),
                                          std::chrono::day(static_cast<unsigned>(time.day))};
-  return std::chrono::sys_days(date).time_since_epoch().count() * kMinutesOfADay + time.hour * 60 + time.minute;
+  return std::chrono::sys_days(date).time_since_epoch().count() * kMinutesOfADay + std::int64_t{60} * time.hour +
+         time.minute;
 }
 
 }  // namespace

@@ -14,18 +14,18 @@ constexpr std::size_t kDeepest = 64;
 constexpr double kMostWhole = 1e15;
 
 Library converted(const Json& value) {
-  if (const bool* flag = value.as<bool>()) return *flag;
-  if (const double* number = value.as<double>()) {
+  if (const auto* flag = value.as<bool>()) return *flag;
+  if (const auto* number = value.as<double>()) {
     const bool isWhole = *number == std::floor(*number) && std::abs(*number) < kMostWhole;
     return isWhole ? Library(static_cast<std::int64_t>(*number)) : Library(*number);
   }
-  if (const std::string* text = value.as<std::string>()) return *text;
-  if (const Json::List* list = value.as<Json::List>()) {
+  if (const auto* text = value.as<std::string>()) return *text;
+  if (const auto* list = value.as<Json::List>()) {
     Library array = Library::array();
     for (const Json& element : *list) array.push_back(converted(element));
     return array;
   }
-  const Json::Object* members = value.as<Json::Object>();
+  const auto* members = value.as<Json::Object>();
   if (!members) return nullptr;
   Library object = Library::object();
   // The names differ, so nothing has to be looked for.
@@ -109,7 +109,7 @@ Json::Json(Object value) : value_(std::move(value)) {}
 Json::Json(std::initializer_list<Member> members) : value_(Object(members)) {}
 
 const Json* Json::find(std::string_view name) const {
-  const Object* object = as<Object>();
+  const auto* object = as<Object>();
   if (!object) return nullptr;
   const auto found = std::find_if(object->begin(), object->end(), [&](const Member& m) { return m.name == name; });
   return found == object->end() ? nullptr : &found->value;
@@ -117,7 +117,7 @@ const Json* Json::find(std::string_view name) const {
 
 Json& Json::set(std::string name, Json value) {
   if (!as<Object>()) value_ = Object{};
-  Object& object = std::get<Object>(value_);
+  auto& object = std::get<Object>(value_);
   const auto found = std::find_if(object.begin(), object.end(), [&](const Member& m) { return m.name == name; });
   if (found != object.end()) {
     found->value = std::move(value);

@@ -302,11 +302,15 @@ Server::Server(asio::io_context& loop, const Endpoint& endpoint, Options options
 }
 
 Server::~Server() {
-  Error ignored;
-  hub_->acceptor.close(ignored);
-  hub_->calm.cancel();
-  const Hub::Sessions sessions = hub_->sessions;
-  for (const auto& session : sessions) session->close();
+  try {
+    Error ignored;
+    hub_->acceptor.close(ignored);
+    hub_->calm.cancel();
+    const Hub::Sessions sessions = hub_->sessions;
+    for (const auto& session : sessions) session->close();
+  } catch (...) {
+    // The program ends: what cannot be closed goes with it.
+  }
 }
 
 std::string Server::url() const {

@@ -309,10 +309,10 @@ void Keeper::keep(Remembered remembered) {
   write(writer.changed, writer.gone);
 }
 
-void Keeper::keepLines(const std::vector<NamedLine>& attached) {
+void Keeper::keepLines(const std::vector<NamedLine>& lines) {
   Writer writer(known_);
-  Lines lines = memoryOf(attached);
-  writer.part("lines", lines);
+  Lines memory = memoryOf(lines);
+  writer.part("lines", memory);
   write(writer.changed, writer.gone);
 }
 
