@@ -36,13 +36,13 @@ const Json& Wishes::get(const char* name) const {
 }
 
 bool Wishes::flag(const char* name) const {
-  const bool* value = get(name).as<bool>();
+  const auto* value = get(name).as<bool>();
   if (!value) throw Refusal(400, "true or false is expected", placeOf(name));
   return *value;
 }
 
 std::string Wishes::text(const char* name, std::size_t longest) const {
-  const std::string* value = get(name).as<std::string>();
+  const auto* value = get(name).as<std::string>();
   if (!value || value->size() > longest) {
     throw Refusal(400, "a text of at most " + std::to_string(longest) + " bytes is expected", placeOf(name));
   }
@@ -50,7 +50,7 @@ std::string Wishes::text(const char* name, std::size_t longest) const {
 }
 
 std::string Wishes::word(const char* name, std::initializer_list<const char*> words) const {
-  const std::string* value = get(name).as<std::string>();
+  const auto* value = get(name).as<std::string>();
   if (value && std::find(words.begin(), words.end(), *value) != words.end()) return *value;
   std::string all;
   for (const char* word : words) all.append(all.empty() ? "" : ", ").append(word);
@@ -81,7 +81,7 @@ void Wishes::each(const char* name, std::size_t least, std::size_t most,
 }
 
 double Wishes::numberIn(const Json& value, const std::string& where, double least, double most) {
-  const double* number = value.as<double>();
+  const auto* number = value.as<double>();
   if (number && *number >= least && *number <= most) return *number;
   throw Refusal(400, "a number from " + Json(least).dump() + " to " + Json(most).dump() + " is expected", where);
 }
