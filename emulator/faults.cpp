@@ -238,11 +238,11 @@ void Faults::clear() {
   random_.seed(seed_);
 }
 
-void Faults::addScript(std::string_view bytes) {
+void Faults::addScript(std::string_view script) {
   // What is not UTF-8 comes from an editor that writes the code page of Greek Windows.
-  const bool isUtf8 = toUtf8(fromUtf8(bytes)) == bytes;
-  const std::string converted = isUtf8 ? "" : toUtf8(fromCodePage(bytes));
-  std::string_view script = isUtf8 ? bytes : converted;
+  const bool isUtf8 = toUtf8(fromUtf8(script)) == script;
+  const std::string converted = isUtf8 ? "" : toUtf8(fromCodePage(script));
+  if (!isUtf8) script = converted;
   for (int number = 1; !script.empty(); ++number) {
     const std::size_t end = std::min(script.find('\n'), script.size());
     const std::string_view line = script.substr(0, end);

@@ -415,6 +415,13 @@ TEST(EmulatorPeers, ShareOneMemoryAndGetTheirOwnAnswers) {
   }
 }
 
+TEST(Faults, AScriptMayBeOfGreekWindows) {
+  Faults faults;
+  faults.addScript(toCodePage(u"# βλάβη\nnext reply 00/Καφές/"));
+  EXPECT_EQ(faults.rules().front().text, toUtf8(u"next reply 00/Καφές/"));
+  EXPECT_EQ(faults.take("?/", false, 0).bytes, toCodePage(u"00/Καφές/"));
+}
+
 TEST(Faults, ThoseWhoseTimeIsOverLeave) {
   Faults faults;
   faults.add("next 5s lost");
