@@ -37,7 +37,8 @@ Code openDrawer(Register& machine, const Fields&, ReplyWriter&) {
 
 Code cut(Register& machine, const Fields& fields, ReplyWriter&) {
   // A document leaves the printer in one piece.
-  const Code code = machine.fiscal.documentProblem();
+  Code code = machine.fiscal.documentProblem();
+  if (code == Code::kOk && machine.conditions.cutterError) code = Code::kCutterError;
   if (code == Code::kOk) machine.paper.cut(fields.flag(1));
   return code;
 }

@@ -44,6 +44,7 @@ Code addItem(Register& machine, const Fields& fields, ReplyWriter&) {
   code = receiptProblem(fiscal);
   const bool opens = code == Code::kTransactionNotOpen && item.kind != ItemKind::kVoid;
   if (code != Code::kOk && !opens) return code;
+  if (opens && (code = machine.beginProblem()) != Code::kOk) return code;
 
   Receipt fresh(fiscal.lastReceiptNumber + 1);
   Receipt& receipt = opens ? fresh : *fiscal.receipt;
@@ -51,7 +52,7 @@ Code addItem(Register& machine, const Fields& fields, ReplyWriter&) {
   if (code != Code::kOk) return code;
   if (opens) {
     fiscal.receipt = std::move(fresh);
-    fiscal.isDayOpen = true;
+    machine.openDay();
     ++fiscal.lastReceiptNumber;
     machine.journal.beginReceipt();
     printReceiptStart(machine);
@@ -142,14 +143,17 @@ Code cancel(Register& machine, const Fields&, ReplyWriter&) {
 
 Code openCashDocument(Register& machine, const Fields& fields, ReplyWriter&) {
   FiscalState& fiscal = machine.fiscal;
-  const Code code = fiscal.documentProblem();
+  Code code = fiscal.documentProblem();
   if (code != Code::kOk) return code;
   if (fields.number(1) < 0) return Code::kFieldRange;
   if (fields.number(1) == 0) return Code::kPaymentAmount;
   if (fields.number(1) > fiscal.limits.receipt) return Code::kAmountLimit;
   if (machine.journal.isClosing()) return Code::kClosing;
-  fiscal.cashDocument = CashDocument{fields.bytes(0) == "0", fields.number(1)};
-  fiscal.isDayOpen = true;
+  if ((code = machine.beginProblem()) != Code::kOk) return code;
+  const bool isIn = fields.bytes(0) == "0";
+  if (machine.conditions.drawerLimit && !isIn && fields.number(1) > fiscal.day.cash()) return Code::kAmountLimit;
+  fiscal.cashDocument = CashDocument{isIn, fields.number(1)};
+  machine.openDay();
   printCashDocument(machine, fields.text(2));
   return Code::kOk;
 }

@@ -28,7 +28,8 @@ Code printX(Register& machine, const Fields&, ReplyWriter&) {
 Code prepareClosing(Register& machine, const Fields&, ReplyWriter& reply) {
   const FiscalState& fiscal = machine.fiscal;
   Journal& journal = machine.journal;
-  const Code code = fiscal.documentProblem();
+  Code code = fiscal.documentProblem();
+  if (code == Code::kOk) code = machine.machineProblem();
   if (code != Code::kOk) return code;
   if (journal.isClosing()) {
     journal.rewind();
@@ -69,6 +70,8 @@ Code readJournal(Register& machine, const Fields&, ReplyWriter& reply) {
 Code closeDay(Register& machine, const Fields& fields, ReplyWriter&) {
   if (fields.bytes(1) != "2") return Code::kFieldRange;
   if (!machine.journal.isTransferred()) return Code::kJournalNotTransferred;
+  const Code code = machine.machineProblem();
+  if (code != Code::kOk) return code;
   printZReport(machine);
   machine.fiscal.closeDay();
   machine.journal.startAnew();

@@ -78,11 +78,10 @@ void Device::settleCard() {
   if (payment && machine_.fiscal.receipt->pay(*payment) == Code::kOk) printPayment(machine_);
 }
 
-void Device::restore(FiscalState fiscal, Journal journal, CardPayments cards) {
-  journal.options = std::move(machine_.journal.options);
+void Device::restore(FiscalState fiscal, Journal::Memory journal, CardPayments cards) {
   cards.options = std::move(machine_.cards.options);
   machine_.fiscal = std::move(fiscal);
-  machine_.journal = std::move(journal);
+  machine_.journal.recall(std::move(journal));
   machine_.cards = std::move(cards);
   machine_.display = {};
   machine_.drawerOpenings = 0;

@@ -38,8 +38,9 @@ class Device {
 
   /// Books and prints a card payment that its terminal has approved meanwhile; the next command would do so too.
   void settleCard();
-  /// Goes on where another one stood, with no paper printed. How it journals and how card terminals decide stays.
-  void restore(FiscalState fiscal, Journal journal, CardPayments cards);
+  /// Goes on where another one stood, with no paper printed and what the journal's tapes hold. How it journals and how
+  /// card terminals decide stays.
+  void restore(FiscalState fiscal, Journal::Memory journal, CardPayments cards);
 
   /// For looking at the register and for preparing it.
   FiscalState& fiscal() { return machine_.fiscal; }
@@ -48,6 +49,7 @@ class Device {
   /// What the customer sees.
   const Display& display() const { return machine_.display; }
   int drawerOpenings() const { return machine_.drawerOpenings; }
+  Conditions& conditions() { return machine_.conditions; }
   Roll& roll() { return machine_.roll; }
   platform::LocalTime time() const { return machine_.clock(); }
 

@@ -227,13 +227,22 @@ bool Faults::remove(int number) {
   return std::erase_if(rules_, [number](const Rule& rule) { return rule.number == number; }) > 0;
 }
 
+bool Faults::forgetEnded(double now) {
+  return std::erase_if(rules_, [now](const Rule& rule) { return rule.end > 0 && now >= rule.end; }) > 0;
+}
+
 void Faults::clear() {
   rules_.clear();
+  lastNumber_ = 0;
   switches = {};
   random_.seed(seed_);
 }
 
 void Faults::addScript(std::string_view script) {
+  // What is not UTF-8 comes from an editor that writes the code page of Greek Windows.
+  const bool isUtf8 = toUtf8(fromUtf8(script)) == script;
+  const std::string converted = isUtf8 ? "" : toUtf8(fromCodePage(script));
+  if (!isUtf8) script = converted;
   for (int number = 1; !script.empty(); ++number) {
     const std::size_t end = std::min(script.find('\n'), script.size());
     const std::string_view line = script.substr(0, end);

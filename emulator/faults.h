@@ -80,9 +80,11 @@ class Faults {
   int add(std::string_view rule);
   /// False when no such rule stands.
   bool remove(int number);
-  /// Adds the rules of a script, one a line; blank lines and lines beginning with "#" are passed over. Throws
-  /// FaultError with the number of the line; the lines before it are in force then.
+  /// Adds the rules of a script, in UTF-8 or code page 1253, one a line; blank lines and lines beginning with "#" are
+  /// passed over. Throws FaultError with the number of the line; the lines before it are in force then.
   void addScript(std::string_view script);
+  /// Takes away the rules whose time is over. False when there is none.
+  bool forgetEnded(double now);
   /// Takes all rules away and puts the switches back. Rules with a rate begin anew.
   void clear();
   /// Which of the commands a rule with a rate strikes: the same number, the same ones.

@@ -1,5 +1,8 @@
 #include "emulator/fiscal_state.h"
 
+#include <algorithm>
+#include <cctype>
+
 namespace mirvane::emulator {
 namespace {
 
@@ -105,6 +108,11 @@ std::uint8_t FiscalState::status() const {
   if (receipt || cashDocument) status |= kTransactionOpen;
   if (receipt && receipt->inPayment()) status |= kInPayment;
   return static_cast<std::uint8_t>(status);
+}
+
+bool isSerialNumber(std::string_view text) {
+  const auto isPart = [](unsigned char c) { return c < 0x80 && std::isalnum(c); };
+  return !text.empty() && text.size() <= 20 && std::all_of(text.begin(), text.end(), isPart);
 }
 
 }  // namespace mirvane::emulator

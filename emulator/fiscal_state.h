@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "emulator/card_payments.h"
@@ -45,6 +46,9 @@ struct DayTotals {
   std::array<Cents, 3> payments{};
   Cents cashIn = 0, cashOut = 0;
   int receipts = 0, cashDocuments = 0;
+
+  /// What the drawer holds of it.
+  Cents cash() const { return payments[0] + cashIn - cashOut; }
 };
 
 /// Money put into or taken out of the drawer, booked when it is closed.
@@ -86,6 +90,8 @@ struct FiscalState {
   /// The latest closure's report, as it was printed.
   std::vector<PaperLine> lastReport;
   bool isDayOpen = false;
+  /// When the open day began, in minutes of the calendar.
+  std::int64_t dayOpened = 0;
   DayTotals day;
   /// Given to receipts when they open, anew every day; a cancelled receipt keeps its number.
   int lastReceiptNumber = 0;
@@ -111,5 +117,8 @@ struct FiscalState {
   void book(const Item& item, Cents amount, int count);
   void endReceipt();
 };
+
+/// Letters and digits, 1 to 20: it becomes part of file names.
+bool isSerialNumber(std::string_view text);
 
 }  // namespace mirvane::emulator

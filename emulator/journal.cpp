@@ -1,46 +1,74 @@
 #include "emulator/journal.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
-#include <cstdint>
 
 namespace mirvane::emulator {
 namespace {
 
 constexpr int kPreparationCalls = 2;
 
-/// Fills `text` up with numbered lines, so that a piece lost or doubled in a transfer shows.
-void pad(std::string& text, std::size_t size) {
-  constexpr std::size_t kWidth = 48;
-  for (int number = 1; text.size() + 2 <= size; ++number) {
-    const std::size_t room = size - text.size() - 2;
-    // What a whole line would leave must hold a line end.
-    std::string line = "* " + std::to_string(number) + " ";
-    line.resize(room <= kWidth + 1 ? room : kWidth, '*');
-    text.append(line).append("\r\n");
-  }
+std::uint32_t stirred(std::uint32_t lane, std::uint32_t value) {
+  return std::rotl((lane ^ value) * 0x01000193U, 13) + value;
+}
+
+/// What is read at once of a tape that is gone through.
+constexpr std::size_t kStride = 65'536;
+
+class MemoryTape : public Tape {
+ public:
+  void append(std::string_view bytes) override { bytes_ += bytes; }
+  std::size_t size() const override { return bytes_.size(); }
+  std::string read(std::size_t position, std::size_t count) const override { return bytes_.substr(position, count); }
+  void clear() override { bytes_.clear(); }
+
+ private:
+  std::string bytes_;
+};
+
+/// A line of what fills up a file, with its end.
+constexpr std::size_t kPadLine = 50;
+
+/// What fills up `room` bytes, from the byte at `position` on, some lines of it: numbered ones, so that a piece lost or
+/// doubled in a transfer shows.
+std::string padding(std::size_t room, std::size_t position) {
+  std::size_t number = position / kPadLine;
+  // The last line may be a byte longer than the others.
+  if (number > 0 && room - number * kPadLine < 2) --number;
+  const std::size_t start = number * kPadLine;
+  // What a whole line would leave must hold a line end.
+  const std::size_t width = room - start <= kPadLine + 1 ? room - start - 2 : kPadLine - 2;
+  std::string line = "* " + std::to_string(number + 1) + " ";
+  line.resize(width, '*');
+  return (line + "\r\n").substr(position - start);
 }
 
 }  // namespace
 
-std::string signatureOf(std::string_view bytes) {
-  std::array<std::uint32_t, 5> lanes{0x4D495256, 0x414E4520, 0x4A4F5552, 0x4E414C20, 0x32303235};
-  const auto stir = [](std::uint32_t& lane, std::uint32_t value) {
-    lane = std::rotl((lane ^ value) * 0x01000193U, 13) + value;
-  };
-  std::size_t lane = 0;
+void Signature::add(std::string_view bytes) {
   for (const char byte : bytes) {
-    stir(lanes[lane], static_cast<unsigned char>(byte));
-    lane = lane == 4 ? 0 : lane + 1;
+    std::uint32_t& lane = lanes_[size_++ % lanes_.size()];
+    lane = stirred(lane, static_cast<unsigned char>(byte));
   }
-  for (std::size_t i = 0; i < 40; ++i)
-    stir(lanes[i % 5], lanes[(i + 1) % 5] + static_cast<std::uint32_t>(bytes.size()));
+}
+
+std::string Signature::digits() const {
+  auto lanes = lanes_;
+  for (std::size_t i = 0; i < 40; ++i) {
+    lanes[i % 5] = stirred(lanes[i % 5], lanes[(i + 1) % 5] + static_cast<std::uint32_t>(size_));
+  }
   std::string digits;
   for (const std::uint32_t value : lanes) {
     for (int shift = 28; shift >= 0; shift -= 4) digits.push_back("0123456789ABCDEF"[value >> shift & 0x0F]);
   }
   return digits;
+}
+
+Journal::Journal() : printed_(std::make_unique<MemoryTape>()), signatures_(std::make_unique<MemoryTape>()) {}
+
+void Journal::keepOn(std::unique_ptr<Tape> printed, std::unique_ptr<Tape> signatures) {
+  printed_ = std::move(printed);
+  signatures_ = std::move(signatures);
 }
 
 void Journal::appendLine(std::string& bytes, TextView line) {
@@ -49,37 +77,77 @@ void Journal::appendLine(std::string& bytes, TextView line) {
   bytes.append(text).append("\r\n");
 }
 
+void Journal::record(TextView line) {
+  std::string bytes;
+  appendLine(bytes, line);
+  printed_->append(bytes);
+}
+
 void Journal::signReceipt(TextView particulars) {
-  const std::string signature = signatureOf(std::string_view(printed_).substr(receiptStart_));
-  appendLine(signatures_, Text(particulars).append(u" ").append(fromCodePage(signature)));
+  Signature signature;
+  signature.add(printed_->read(memory_.receiptStart, printed_->size()));
+  std::string line;
+  appendLine(line, Text(particulars).append(u" ").append(fromCodePage(signature.digits())));
+  signatures_->append(line);
 }
 
 bool Journal::advancePreparation() {
-  if (preparationCalls_ == kPreparationCalls) return true;
-  ++preparationCalls_;
+  if (memory_.preparationCalls == kPreparationCalls) return true;
+  ++memory_.preparationCalls;
   return false;
 }
 
-std::vector<Journal::File> Journal::filesNow(const std::string& name, std::string summary) const {
-  std::vector<File> files{{name + "_a.txt", {}}, {name + "_b.txt", signatures_}, {name + "_s.txt", std::move(summary)}};
-  files[0].bytes.reserve(std::max(printed_.size(), options.padding));
-  files[0].bytes = printed_;
-  pad(files[0].bytes, options.padding);
-  return files;
+const Tape& Journal::tapeOf(const Prepared& file) const {
+  return file.source == Prepared::Source::kPrinted ? *printed_ : *signatures_;
+}
+
+std::size_t Journal::sizeOf(const Prepared& file) const {
+  if (file.source == Prepared::Source::kText) return file.text.size();
+  // Less than a line end is not filled up.
+  return file.padding >= file.size + 2 ? file.padding : file.size;
+}
+
+std::string Journal::read(const Prepared& file, std::size_t position, std::size_t count) const {
+  if (file.source == Prepared::Source::kText) return file.text.substr(position, count);
+  const std::size_t end = std::min(position + count, sizeOf(file));
+  std::string bytes;
+  if (position < file.size) bytes = tapeOf(file).read(position, std::min(end, file.size) - position);
+  while (position + bytes.size() < end) {
+    bytes += padding(sizeOf(file) - file.size, position + bytes.size() - file.size);
+  }
+  bytes.resize(end - position);
+  return bytes;
+}
+
+std::vector<Journal::Prepared> Journal::filesNow(const std::string& name, std::string summary) const {
+  using Source = Prepared::Source;
+  return {{name + "_a.txt", Source::kPrinted, printed_->size(), options.padding, {}},
+          {name + "_b.txt", Source::kSignatures, signatures_->size(), 0, {}},
+          {name + "_s.txt", Source::kText, 0, 0, std::move(summary)}};
 }
 
 void Journal::prepare(const std::string& name, std::string summary) {
-  files_ = filesNow(name, std::move(summary));
+  memory_.files = filesNow(name, std::move(summary));
   rewind();
 }
 
 bool Journal::prepareClosing(const std::string& name, std::string summary) {
-  std::vector<File> files = filesNow(name, std::move(summary));
-  if (options.keep && !std::all_of(files.begin(), files.end(), options.keep)) return false;
-  signature_ = signatureOf(signatureOf(files[0].bytes) + signatureOf(files[1].bytes));
-  files_ = std::move(files);
-  isClosing_ = true;
-  isTransferred_ = false;
+  std::vector<Prepared> files = filesNow(name, std::move(summary));
+  if (options.keep && !std::all_of(files.begin(), files.end(), [this](const Prepared& file) {
+        return options.keep({file.name, read(file, 0, sizeOf(file))});
+      })) {
+    return false;
+  }
+  Signature whole;
+  for (const std::size_t i : {0U, 1U}) {
+    Signature signature;
+    for (std::size_t at = 0; at < sizeOf(files[i]); at += kStride) signature.add(read(files[i], at, kStride));
+    whole.add(signature.digits());
+  }
+  memory_.signature = whole.digits();
+  memory_.files = std::move(files);
+  memory_.isClosing = true;
+  memory_.isTransferred = false;
   rewind();
   return true;
 }
@@ -91,9 +159,22 @@ void Journal::rewind() {
 }
 
 void Journal::startAnew() {
-  Options kept = std::move(options);
-  *this = Journal();
-  options = std::move(kept);
+  printed_->clear();
+  signatures_->clear();
+  memory_ = {};
+  rewind();
+}
+
+bool Journal::holds(const Memory& memory) const {
+  return memory.receiptStart <= printed_->size() &&
+         std::all_of(memory.files.begin(), memory.files.end(), [this](const Prepared& file) {
+           return file.source == Prepared::Source::kText || file.size <= tapeOf(file).size();
+         });
+}
+
+void Journal::recall(Memory memory) {
+  memory_ = std::move(memory);
+  rewind();
 }
 
 std::optional<Journal::Step> Journal::read() {
@@ -102,21 +183,22 @@ std::optional<Journal::Step> Journal::read() {
     isRewound_ = false;
     return std::nullopt;
   }
-  if (file_ == files_.size()) return Step{State::kJournalEnds, {}, files_.back().name};
-  const File& file = files_[file_];
+  const std::vector<Prepared>& files = memory_.files;
+  if (file_ == files.size()) return Step{State::kJournalEnds, {}, files.back().name};
+  const Prepared& file = files[file_];
   if (!isInFile_) {
     isInFile_ = true;
     position_ = 0;
     return Step{State::kFileBegins, {}, file.name};
   }
-  if (position_ < file.bytes.size()) {
-    const std::string_view piece = std::string_view(file.bytes).substr(position_, options.pieceSize);
+  if (position_ < sizeOf(file)) {
+    const std::string piece = read(file, position_, options.pieceSize);
     position_ += piece.size();
     return Step{State::kPiece, piece, file.name};
   }
   isInFile_ = false;
-  if (++file_ < files_.size()) return Step{State::kFileEnds, {}, file.name};
-  isTransferred_ = true;
+  if (++file_ < files.size()) return Step{State::kFileEnds, {}, file.name};
+  memory_.isTransferred = true;
   return Step{State::kJournalEnds, {}, file.name};
 }
 

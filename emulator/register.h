@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "emulator/card_payments.h"
+#include "emulator/conditions.h"
 #include "emulator/fiscal_state.h"
 #include "emulator/journal.h"
 #include "emulator/paper.h"
@@ -30,6 +31,14 @@ struct Register {
   Journal journal{};
   Roll roll{};
   CardPayments cards{};
+  Conditions conditions{};
+
+  /// Why the machine can book nothing at all: kOk when it can.
+  Code machineProblem() const;
+  /// Why no receipt and no cash document can begin: kOk when one can.
+  Code beginProblem() const;
+  /// A receipt or a cash document has begun.
+  void openDay();
 };
 
 }  // namespace mirvane::emulator

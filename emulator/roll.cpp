@@ -27,6 +27,11 @@ void Roll::print(const PaperLine& line) {
   if (isOpen_ && isLong) end(Document::State::kClosed);
 }
 
+const Document* Roll::find(int id) const {
+  const bool isThere = !documents_.empty() && id >= documents_.front().id && id <= documents_.back().id;
+  return isThere ? &documents_[static_cast<std::size_t>(id - documents_.front().id)] : nullptr;
+}
+
 void Roll::clear() {
   documents_.clear();
   isOpen_ = false;

@@ -50,6 +50,8 @@ class Roll {
 
   /// Oldest first; their ids follow one another.
   const std::deque<Document>& documents() const { return documents_; }
+  /// The one with `id`; none when it is forgotten, or not there yet.
+  const Document* find(int id) const;
   /// Of the oldest one, or of the first one to come.
   int firstId() const { return documents_.empty() ? lastId_ + 1 : documents_.front().id; }
 

@@ -1,5 +1,6 @@
-# Compilers and runtimes of other languages for Windows, with which the samples are tried under Wine; nothing of them is
-# shipped. Sourced behind wine.sh, never run. What is made here stays in build/languages.
+# What is not in Debian: compilers and runtimes of other languages, with which the samples are tried under Wine, and of
+# which nothing is shipped; and the database that the emulator for Windows holds. Sourced, behind `repo` and `die`, never
+# run. What is made here stays in build/languages.
 
 languages="$repo/build/languages"
 mkdir -p "$languages"

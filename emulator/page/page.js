@@ -1,7 +1,7 @@
 'use strict';
 
 const api = '/api/v1';
-const mostDocuments = 60, mostEntries = 300;
+const mostDocuments = 60, mostWhileReading = 150, mostEntries = 300;
 const $ = (id) => document.getElementById(id);
 
 // ---- Words
@@ -110,15 +110,45 @@ function labelDocument(element) {
   for (const link of element.querySelectorAll('a')) link.textContent = word[link.dataset.form];
 }
 
-const shownDocuments = () => roll.querySelectorAll('.document');
+const shownDocuments = () => [...roll.querySelectorAll('.document')];
+const idOf = (element) => Number(element.dataset.id);
+
+/** Says where the roll is not complete. */
+function markGaps() {
+  for (const gap of roll.querySelectorAll('.gap')) gap.remove();
+  shownDocuments().reduce((above, below) => {
+    const missing = above ? idOf(below) - idOf(above) - 1 : 0;
+    if (missing > 0) {
+      const gap = make('button', { className: 'gap' });
+      gap.onclick = () => fillGap(idOf(above), idOf(below));
+      gap.missing = missing;
+      labelGap(gap);
+      below.before(gap);
+    }
+    return below;
+  }, undefined);
+}
+
+function labelGap(gap) {
+  gap.textContent = word.gap(gap.missing);
+}
+
+/** Drops what nobody looks at: above, when the end is shown; otherwise between what is read and the end. */
+function trim(atEnd) {
+  const shown = shownDocuments();
+  const tooMany = shown.length - (atEnd ? mostDocuments : mostWhileReading);
+  const first = atEnd ? 0 : mostWhileReading - 20;
+  for (let i = 0; i < tooMany; ++i) shown[first + i].remove();
+}
 
 function showDocuments(documents, first) {
   const atEnd = roll.scrollHeight - roll.scrollTop - roll.clientHeight < 60;
   for (const element of shownDocuments()) {
-    if (Number(element.dataset.id) < first) element.remove();
+    if (idOf(element) < first) element.remove();
   }
   for (const data of documents) {
-    let element = roll.querySelector(`[data-id="${data.id}"]`);
+    let element = roll.querySelector(`.document[data-id="${data.id}"]`);
+    if (!element && data.firstLine) continue;
     if (!element) {
       element = documentElement(data);
       element.classList.add('fresh');
@@ -128,28 +158,57 @@ function showDocuments(documents, first) {
     newest = data.id;
     newestLines = data.firstLine + data.paper.length;
   }
-  if (atEnd) {
-    const shown = shownDocuments();
-    for (let i = 0; i < shown.length - mostDocuments; ++i) shown[i].remove();
-    roll.scrollTop = roll.scrollHeight;
-  }
+  trim(atEnd);
+  markGaps();
+  if (atEnd) roll.scrollTop = roll.scrollHeight;
   const oldest = shownDocuments()[0];
-  $('earlier').hidden = !oldest || Number(oldest.dataset.id) <= first;
+  $('earlier').hidden = !oldest || idOf(oldest) <= first;
   $('blank').hidden = Boolean(oldest);
+}
+
+/** Puts documents that the register still has in front of one that is shown. */
+async function insertBefore(below, query) {
+  const response = await fetch(`${api}/documents?limit=20&${query}`);
+  const fromEnd = roll.scrollHeight - roll.scrollTop;
+  for (const data of await response.json()) {
+    const element = documentElement(data);
+    below.before(element);
+    fillDocument(element, data);
+  }
+  markGaps();
+  return fromEnd;
 }
 
 async function showEarlier() {
   const oldest = shownDocuments()[0];
-  const response = await fetch(`${api}/documents?before=${oldest.dataset.id}&limit=20`);
-  const fromEnd = roll.scrollHeight - roll.scrollTop;
-  const documents = await response.json();
-  for (const data of documents) {
-    const element = documentElement(data);
-    oldest.before(element);
-    fillDocument(element, data);
-  }
+  const fromEnd = await insertBefore(oldest, `before=${idOf(oldest)}`);
   roll.scrollTop = roll.scrollHeight - fromEnd;
-  $('earlier').hidden = documents.length === 0 || documents[0].id === 1;
+  $('earlier').hidden = shownDocuments()[0] === oldest || idOf(shownDocuments()[0]) === 1;
+}
+
+async function fillGap(above, below) {
+  const at = roll.scrollTop;
+  await insertBefore(roll.querySelector(`.document[data-id="${below}"]`), `after=${above}&before=${below}`);
+  roll.scrollTop = at;
+}
+
+// ---- The search
+
+let searching;
+async function search() {
+  const text = $('search').value.trim();
+  roll.hidden = Boolean(text);
+  $('found').hidden = !text;
+  if (!text) return;
+  const response = await fetch(`${api}/documents?limit=30&text=${encodeURIComponent(text)}`);
+  const documents = await response.json();
+  if (text !== $('search').value.trim()) return;
+  $('found').replaceChildren(...documents.reverse().map((data) => {
+    const element = documentElement(data);
+    fillDocument(element, data);
+    return element;
+  }));
+  if (!documents.length) $('found').append(make('p', { text: word.nothingFound }));
 }
 
 // ---- The register
@@ -185,11 +244,7 @@ function showRegister(register, faults) {
   $('lamp').className = 'lamp' + (faults.switches.off ? ' off' : lacks.length ? ' bad' : '');
   $('printer').textContent = faults.switches.off ? word.printerOff
     : lacks.map((name) => word.switches[name]).join(', ') || word.printerReady;
-  $('rules').replaceChildren(...faults.rules.map(({ number, rule }) => {
-    const button = make('button', { text: '×', 'aria-label': `${word.remove}: ${rule}` });
-    button.onclick = () => wish('DELETE', `/faults/${number}`);
-    return make('li', {}, make('span', { text: rule }), button);
-  }));
+  showRules(faults.rules);
 
   const { outcome, seconds, answers, running } = register.card;
   const chosen = !answers ? 'mute' : outcome ? 'declines' : seconds > 5 ? 'slow' : 'approves';
@@ -200,6 +255,19 @@ function showRegister(register, faults) {
   if (outcome) $('reason').value = outcome;
   $('payment').hidden = !running;
   if (running) $('payment-text').textContent = word.payment('€ ' + money(running.amount), running.terminal);
+}
+
+function showRules(rules) {
+  const buttons = [...$('rules').querySelectorAll('button')], focused = buttons.indexOf(document.activeElement);
+  $('rules').replaceChildren(...rules.map(({ number, rule }) => {
+    const button = make('button', { text: '×', 'aria-label': `${word.remove}: ${rule}` });
+    button.onclick = () => wish('DELETE', `/faults/${number}`);
+    return make('li', {}, make('span', { text: rule }), button);
+  }));
+  if (focused < 0) return;
+  // The one that has taken its place, or the last, or where a new one is written.
+  const left = $('rules').querySelectorAll('button');
+  (left[Math.min(focused, left.length - 1)] ?? $('rule')).focus();
 }
 
 // ---- Trouble
@@ -374,25 +442,33 @@ async function refresh() {
   }
 }
 
+let events;
+function tellLink(isLive) {
+  $('link').textContent = isLive ? word.live : word.lost;
+  $('link').classList.toggle('lost', !isLive);
+}
+
+/** A browser allows six connections to a server: a page that nobody sees leaves its own to the others. */
 function listen() {
-  const events = new EventSource(api + '/events');
-  const tell = (isLive) => {
-    $('link').textContent = isLive ? word.live : word.lost;
-    $('link').classList.toggle('lost', !isLive);
-  };
-  events.onopen = () => { tell(true); refresh(); };
+  events?.close();
+  events = undefined;
+  if (document.hidden) return;
+  events = new EventSource(api + '/events');
+  events.onopen = () => { tellLink(true); refresh(); };
   events.onmessage = refresh;
-  events.onerror = () => tell(false);
+  events.onerror = () => tellLink(false);
 }
 
 function setLanguage(chosen) {
   language = chosen;
   localStorage.setItem('language', chosen);
   speak();
-  $('link').textContent = $('link').classList.contains('lost') ? word.lost : word.live;
+  tellLink(!$('link').classList.contains('lost'));
   if (!latest) return;
   showRegister(latest.register, latest.faults);
   shownDocuments().forEach(labelDocument);
+  roll.querySelectorAll('.gap').forEach(labelGap);
+  search();
   $('entries').replaceChildren(...[...$('entries').children].map(({ about }) => entryElement(about)));
   sift();
 }
@@ -404,5 +480,7 @@ $('earlier').onclick = showEarlier;
 $('filter').oninput = () => sift();
 $('copy').onclick = copyConversation;
 $('clear').onclick = () => wish('DELETE', '/conversation');
+$('search').oninput = () => { clearTimeout(searching); searching = setTimeout(search, 150); };
+document.addEventListener('visibilitychange', listen);
 setInterval(showClock, 1000);
 listen();

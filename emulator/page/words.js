@@ -6,6 +6,8 @@ const words = {
     live: 'live', lost: 'no connection', calm: 'End all trouble', reset: 'Reset',
     resetQuestion: 'Forget everything and begin as from the factory?',
     paper: 'Paper', feed: 'Feed', cut: 'Cut', earlier: 'Earlier',
+    gap: (number) => `${number} not shown`, search: 'Search the paper', found: 'What was found', nothingFound: 'Nothing on the paper reads like that.',
+    guides: 'Guides',
     blank: 'Nothing is printed yet.\nConnect a till and sell something.',
     text: 'Text', picture: 'Picture', data: 'JSON',
     kinds: { 'receipt': 'Receipt', 'cash in': 'Cash in', 'cash out': 'Cash out', 'report': 'Report', 'note': 'Note' },
@@ -19,6 +21,8 @@ const words = {
     switches: {
       paperEnd: 'paper out', offline: 'printer offline', silent: 'printer silent', error: 'printer error',
       nearFull: 'memory near full', busy: 'busy', off: 'register off',
+      clockLost: 'clock lost', batteryFault: 'battery fault', memoryFull: 'fiscal memory full', cutterError: 'cutter error',
+      dailyZ: 'wants Z after 24 h', drawerLimit: 'cash out within drawer',
     },
     shots: {
       'next lost': 'lose it', 'next half': 'cut it', 'next late 3000': '3 s late', 'next nak': 'NAK', 'next unplug 5': 'unplug 5 s',
@@ -43,6 +47,8 @@ const words = {
     live: 'συνδεδεμένη', lost: 'χωρίς σύνδεση', calm: 'Τέλος βλαβών', reset: 'Επαναφορά',
     resetQuestion: 'Να ξεχαστούν όλα και να αρχίσει όπως από το εργοστάσιο;',
     paper: 'Χαρτί', feed: 'Προώθηση', cut: 'Κοπή', earlier: 'Προηγούμενα',
+    gap: (number) => `${number} δεν φαίνονται`, search: 'Αναζήτηση στο χαρτί', found: 'Ευρήματα', nothingFound: 'Τίποτα τέτοιο στο χαρτί.',
+    guides: 'Οδηγοί',
     blank: 'Δεν έχει τυπωθεί τίποτα ακόμη.\nΣυνδέστε ένα ταμείο και πουλήστε κάτι.',
     text: 'Κείμενο', picture: 'Εικόνα', data: 'JSON',
     kinds: { 'receipt': 'Απόδειξη', 'cash in': 'Είσπραξη', 'cash out': 'Πληρωμή', 'report': 'Αναφορά', 'note': 'Σημείωμα' },
@@ -56,6 +62,8 @@ const words = {
     switches: {
       paperEnd: 'τέλος χαρτιού', offline: 'εκτυπωτής εκτός', silent: 'εκτυπωτής σιωπά', error: 'σφάλμα εκτυπωτή',
       nearFull: 'μνήμη σχεδόν πλήρης', busy: 'απασχολημένη', off: 'σβηστή',
+      clockLost: 'χαμένο ρολόι', batteryFault: 'βλάβη μπαταρίας', memoryFull: 'φορολογική μνήμη πλήρης', cutterError: 'σφάλμα κόφτη',
+      dailyZ: 'ζητά Ζ μετά 24 ώρες', drawerLimit: 'ανάληψη ως το συρτάρι',
     },
     shots: {
       'next lost': 'να χαθεί', 'next half': 'να κοπεί', 'next late 3000': 'αργεί 3 δ.', 'next nak': 'NAK', 'next unplug 5': 'χωρίς καλώδιο 5 δ.',

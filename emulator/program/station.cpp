@@ -1,32 +1,17 @@
 #include "emulator/program/station.h"
 
-#include <algorithm>
-#include <cctype>
 #include <chrono>
-#include <ctime>
 #include <filesystem>
 
 #include "emulator/program/system.h"
-#include "platform/ports.h"
 
 namespace mirvane::emulator {
 namespace {
 
 constexpr std::size_t kMostEntries = 1000;
-
-platform::LocalTime timeAhead(std::int64_t seconds) {
-  const auto then = static_cast<std::time_t>(std::time(nullptr) + seconds);
-  const std::tm* local = std::localtime(&then);
-  if (!local) return systemTime();
-  return {local->tm_year + 1900, local->tm_mon + 1, local->tm_mday, local->tm_hour, local->tm_min, local->tm_sec};
-}
+constexpr std::size_t kMostHappenings = 5000;
 
 }  // namespace
-
-bool isSerialNumber(std::string_view text) {
-  const auto isPart = [](unsigned char c) { return c < 0x80 && std::isalnum(c); };
-  return !text.empty() && text.size() <= 20 && std::all_of(text.begin(), text.end(), isPart);
-}
 
 std::int64_t millisecondsNow() {
   using namespace std::chrono;
@@ -39,16 +24,21 @@ class Station::Watcher : public Witness {
   Watcher(Station& station, std::string name) : station_(station), name_(std::move(name)) {}
 
   void answered(const Exchange& exchange) override { station_.record(name_, exchange); }
-  void acknowledged() override { station_.save(); }
+  void acknowledged() override {
+    if (station_.keeper_) station_.keeper_->keepLines(station_.lines_);
+  }
 
  private:
   Station& station_;
   const std::string name_;
 };
 
-Station::Station(Paper::Sink paper) : device(std::move(paper), [this] { return timeAhead(clockOffset); }) {}
+Station::Station(Paper::Sink paper) : device(std::move(paper), [this] { return clock.time(); }) {}
 
-Station::~Station() = default;
+Station::~Station() {
+  // Its tapes are the store's.
+  device.journal().keepOn(nullptr, nullptr);
+}
 
 void Station::attach(Line& line, const std::string& name) {
   lines_.push_back({name, &line});
@@ -64,44 +54,65 @@ std::string Station::execute(const std::string& command) {
 void Station::record(const std::string& line, const Exchange& exchange) {
   conversation_.push_back({++lastEntry_, systemTime(), static_cast<int>(millisecondsNow() % 1000), line, exchange});
   if (conversation_.size() > kMostEntries) conversation_.pop_front();
+  happened(Happening::Kind::kExchange, lastEntry_);
+  if (!exchange.fault.rule.empty()) happened(Happening::Kind::kStruck, lastEntry_);
   changed();
+}
+
+void Station::happened(Happening::Kind kind, int subject) {
+  happenings_.push_back({++lastHappening_, kind, device.time(), subject, device.display()});
+  if (happenings_.size() > kMostHappenings) happenings_.pop_front();
+  if (onHappening) onHappening(happenings_.back());
+}
+
+void Station::notice() {
+  for (const Document* next = nullptr; (next = device.roll().find(lastEnded_ + 1)); ++lastEnded_) {
+    if (next->kind == Document::Kind::kNote) continue;
+    if (next->state == Document::State::kOpen) break;
+    const bool isReceipt = next->kind == Document::Kind::kReceipt;
+    const bool isReport = next->kind == Document::Kind::kReport;
+    happened(isReceipt  ? Happening::Kind::kReceipt
+             : isReport ? Happening::Kind::kReport
+                        : Happening::Kind::kCash,
+             next->id);
+  }
+  if (device.drawerOpenings() > drawerOpenings_) happened(Happening::Kind::kDrawer, device.drawerOpenings());
+  if (device.display() != display_) happened(Happening::Kind::kDisplay, 0);
+  drawerOpenings_ = device.drawerOpenings();
+  display_ = device.display();
+}
+
+void Station::tick() {
+  const bool wasUnderWay = device.cards().isUnderWay();
+  device.settleCard();
+  const bool isDecided = wasUnderWay && !device.cards().isUnderWay();
+  if (faults.forgetEnded(steadySeconds()) || isDecided) changed();
 }
 
 void Station::changed() {
   save();
+  notice();
   if (onChange) onChange();
 }
 
 void Station::keepStateIn(const std::string& path, bool isAnew) {
   // An absolute one stays the same whatever folder the program works in later.
   const std::u8string absolute = std::filesystem::absolute(pathOf(path)).u8string();
-  statePath_.assign(absolute.begin(), absolute.end());
-  if (!isAnew && std::filesystem::exists(pathOf(path))) {
-    const auto text = platform::hostPlatform().files.read(fromUtf8(statePath_));
-    if (!text) throw StateError(path + ": cannot be read");
-    try {
-      recallState(*this, *text);
-    } catch (const StateError& error) {
-      throw StateError(path + ": " + error.what());
-    }
-    savedState_ = *text;
-  }
+  store_ = std::make_unique<Store>(std::string(absolute.begin(), absolute.end()), isAnew);
+  device.journal().keepOn(store_->tape(0), store_->tape(1));
+  recall(remembered(), *store_);
+  keeper_ = std::make_unique<Keeper>(*store_, store_->values());
   save();
 }
 
 void Station::save() {
-  if (statePath_.empty()) return;
-  std::string state = rememberedState(*this);
-  if (state == savedState_) return;
-  if (!platform::hostPlatform().files.replace(fromUtf8(statePath_), state)) {
-    throw StateError(statePath_ + ": cannot be written");
-  }
-  savedState_ = std::move(state);
+  if (keeper_) keeper_->keep(remembered());
 }
 
 void Station::calm() {
   faults.clear();
   device.cards().options = cardDefaults;
+  device.conditions() = {};
   for (const auto& [name, line] : lines_) line->dropHeld();
 }
 
@@ -135,10 +146,14 @@ bool Station::reset(const std::string& preset) {
     return false;
   }
   fiscal.serialNumber = device.fiscal().serialNumber;
+  device.journal().startAnew();
   device.restore(std::move(fiscal), {}, {});
   calm();
+  clearConversation();
+  happenings_.clear();
+  lastEnded_ = device.roll().firstId() - 1;
   for (const auto& [name, line] : lines_) line->setMemory({});
-  clockOffset = 0;
+  clock = {};
   return true;
 }
 

@@ -3,22 +3,16 @@
 #include <deque>
 #include <functional>
 #include <list>
-#include <stdexcept>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "emulator/device.h"
 #include "emulator/line.h"
+#include "emulator/program/clock.h"
+#include "emulator/program/memory.h"
 
 namespace mirvane::emulator {
-
-/// The memory on the disk cannot be written, or cannot be understood. The text tells why.
-struct StateError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
-
-/// Letters and digits, 1 to 20: it becomes part of file names.
-bool isSerialNumber(std::string_view text);
 
 /// Since 1970.
 std::int64_t millisecondsNow();
@@ -33,8 +27,7 @@ class Station {
 
   Device device;
   Faults faults;
-  /// Seconds by which the register's clock is ahead of this machine's.
-  std::int64_t clockOffset = 0;
+  StationClock clock;
   /// Milliseconds of this machine's clock at the start: tells one run from another.
   const std::int64_t started = millisecondsNow();
 
@@ -54,15 +47,37 @@ class Station {
   int firstEntry() const { return conversation_.empty() ? lastEntry_ + 1 : conversation_.front().id; }
   void clearConversation() { conversation_.clear(); }
 
+  /// Something that a test may wait for.
+  struct Happening {
+    enum class Kind { kExchange, kStruck, kReceipt, kReport, kCash, kDrawer, kDisplay };
+    /// Counts from 1.
+    int id;
+    Kind kind;
+    /// Of the register.
+    platform::LocalTime time;
+    /// The id of the entry or of the document, or how often the drawer was opened.
+    int subject;
+    Display display = {};
+  };
+  /// The latest thousands, oldest first; their ids follow one another.
+  const std::deque<Happening>& happenings() const { return happenings_; }
+  int lastHappening() const { return lastHappening_; }
+
   /// Has the register remember what is said on `line`, under `name`. The line outlives the station's use.
   void attach(Line& line, const std::string& name);
 
   /// Whoever is told of changes: of the register, of the faults, of the conversation.
   std::function<void()> onChange;
+  /// Whoever is told of each thing that happens.
+  std::function<void(const Happening&)> onHappening;
   /// To be called after a change that was not made over a line. Throws StateError.
   void changed();
+  /// To be called several times a second: card payments that their terminal has decided are booked, and rules whose
+  /// time is over leave.
+  void tick();
 
-  /// Keeps the register's memory in `path`, and takes over what is there unless `isAnew`. Throws StateError.
+  /// Keeps the register's memory in `path`, and takes over what is there unless `isAnew`. Once, at the beginning.
+  /// Throws StateError.
   void keepStateIn(const std::string& path, bool isAnew);
   /// How card terminals decide when nothing else is wished.
   CardPayments::Options cardDefaults;
@@ -74,28 +89,29 @@ class Station {
   /// Carries out a command that came over no line, and returns the reply. Both bare.
   std::string execute(const std::string& command);
 
-  struct Attached {
-    std::string name;
-    Line* line;
-  };
-  const std::vector<Attached>& lines() const { return lines_; }
+  const std::vector<NamedLine>& lines() const { return lines_; }
 
  private:
   class Watcher;
 
   void record(const std::string& line, const Exchange& exchange);
+  /// Looks for what has happened since the last time.
+  void notice();
+  void happened(Happening::Kind kind, int subject);
   void save();
+  Remembered remembered() { return {device, clock, lines_}; }
 
   std::deque<Entry> conversation_;
   int lastEntry_ = 0;
-  std::vector<Attached> lines_;
+  std::deque<Happening> happenings_;
+  int lastHappening_ = 0;
+  /// What was there when last looked.
+  int lastEnded_ = 0, drawerOpenings_ = 0;
+  Display display_{};
+  std::vector<NamedLine> lines_;
   std::list<Watcher> watchers_;
-  std::string statePath_, savedState_;
+  std::unique_ptr<Store> store_;
+  std::unique_ptr<Keeper> keeper_;
 };
-
-/// All that the register remembers when its power goes, as JSON.
-std::string rememberedState(Station& station);
-/// Throws StateError when `text` is no such memory; the register is then as it was.
-void recallState(Station& station, const std::string& text);
 
 }  // namespace mirvane::emulator

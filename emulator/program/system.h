@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // What the program asks of the system it runs on, beside its loop.
@@ -11,8 +12,11 @@ namespace mirvane::emulator {
 std::vector<std::string> commandLine(int count, char** arguments);
 /// The file that `utf8` names.
 inline std::filesystem::path pathOf(const std::string& utf8) { return std::u8string(utf8.begin(), utf8.end()); }
-/// Has the console show UTF-8.
+/// Has the console show UTF-8, and the program outlive whoever read its output.
 void prepareConsole();
+/// Writes to standard output, past the library's own stream, whose lock a write that nobody reads would keep. What
+/// cannot be written is lost.
+void writeOut(std::string_view bytes);
 /// Shows the page to whoever started the program with a double click, where there is such a thing.
 void openBrowser(const std::string& url);
 /// Keeps a console window that would close with the program until a key is pressed.

@@ -1,8 +1,8 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/udp.hpp>
 
-#include "emulator/program/endpoint.h"
 #include "emulator/program/pump.h"
+#include "http/endpoint.h"
 
 namespace mirvane::emulator {
 namespace {
@@ -12,25 +12,26 @@ using boost::asio::ip::udp;
 class Udp : public Pump {
  public:
   Udp(const std::string& text, const Wiring& wiring)
-      : Pump(wiring), socket_(wiring.loop), endpoint_(parseEndpoint<udp::endpoint>("udp", text)) {
+      : Pump(wiring), socket_(wiring.loop), endpoint_(endpointOf("--udp", text)) {
     open();
   }
 
   std::string address() const override { return "udp=" + nameOf(endpoint_); }
 
  private:
-  /// As parseEndpoint reads it.
-  static std::string nameOf(const udp::endpoint& endpoint) {
-    return endpoint.address().to_string() + ":" + std::to_string(endpoint.port());
+  static udp::endpoint endpointOf(const std::string& option, const std::string& text) {
+    const http::Endpoint endpoint(option, text);
+    return {boost::asio::ip::make_address(endpoint.address), endpoint.port};
   }
+  static std::string nameOf(const udp::endpoint& endpoint) { return http::nameOf(endpoint.address(), endpoint.port()); }
 
   void open() {
     try {
-      socket_.open(udp::v4());
+      socket_.open(endpoint_.protocol());
       socket_.bind(endpoint_);
       endpoint_ = socket_.local_endpoint();
     } catch (const boost::system::system_error& error) {
-      throw TransportError(address() + ": " + reasonOf(error.code()));
+      throw TransportError(address() + ": " + http::reasonOf(error.code()));
     }
     receive();
   }
@@ -50,7 +51,7 @@ class Udp : public Pump {
 
   void transmit(Outbox::Piece piece) override {
     boost::system::error_code ignored;
-    const auto peer = parseEndpoint<udp::endpoint>("peer", piece.peer);
+    const auto peer = endpointOf("peer", piece.peer);
     socket_.send_to(boost::asio::buffer(piece.bytes), peer, 0, ignored);
     transmitted();
   }

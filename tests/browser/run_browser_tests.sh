@@ -1,5 +1,5 @@
 #!/bin/bash
-# Drives the emulator's page in Debian's chromium: tests/browser/run_browser_tests.sh [native|windows]. The Windows
+# Tries the emulator's interface for tests, and drives its page in Debian's chromium: tests/browser/run_browser_tests.sh [native|windows]. The Windows
 # program runs under Wine, and is sold at over the network and over a COM port.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -26,16 +26,22 @@ ports=$!
 await 300 test -e "$WORK/till.port"
 export TILL_SERIAL="$WORK/till.port"
 
+# tests COMMAND...
+tests() {
+  node "$here/interface_tests.cjs" "$@" {wine_lock}>&-
+  node "$here/browser_tests.cjs" "$@" {wine_lock}>&-
+}
+
 case ${1:-native} in
   native)
     unset WINEPREFIX
     SERIAL_OPTIONS="--serial $WORK/register.port" \
-      node "$here/browser_tests.cjs" "$repo/build/native/mirvane-emulator" {wine_lock}>&-
+      tests "$repo/build/native/mirvane-emulator"
     ;;
   windows)
     wine_up
     link_com_port 6 "$(realpath "$WORK/register.port")"
     SERIAL_OPTIONS="--serial COM6" LC_ALL=el_GR.UTF-8 \
-      node "$here/browser_tests.cjs" "$wine" "$repo/build/win32/mirvane-emulator.exe" {wine_lock}>&-
+      tests "$wine" "$repo/build/win32/mirvane-emulator.exe"
     ;;
 esac

@@ -67,6 +67,22 @@ TEST_F(EmulatorDay, TheJournalIsThePaperInPieces) {
   EXPECT_EQ(readJournal(), files);
 }
 
+TEST_F(EmulatorDay, APaddedJournalIsTheSameInPiecesOfAnySize) {
+  run(kDaySale + "|O/2/");
+  for (const std::size_t more : {1U, 2U, 3U, 50U, 51U, 52U, 53U, 101U, 102U, 1234U}) {
+    device.journal().options.padding = paper.size() + more;
+    std::string whole;
+    for (const std::size_t size : {60000U, 1U, 7U}) {
+      device.journal().options.pieceSize = size;
+      fields("#/");
+      const std::string text = readJournal().at("_a.txt");
+      EXPECT_EQ(text.size(), paper.size() + (more > 1 ? more : 0)) << size;
+      EXPECT_TRUE(text.ends_with("\r\n") && (whole.empty() || whole == text)) << size << " of " << more;
+      whole = text;
+    }
+  }
+}
+
 TEST_F(EmulatorDay, StepsComeInTheirOrder) {
   const std::string b = "b/24.00/13.00/6.00/36.00/1.00/", vatNumber = "B/////////123456789//////////";
   run("Q/ 3A|x/9/ 0D|x/2/2 3D|x/1/|" + kDaySale + "|A/ 41|#/ 41|x/1/ 41|x/9/ 41|Y/1/a/1//1// 41|" + b + " 41|" +
@@ -100,6 +116,41 @@ TEST_F(EmulatorDay, ARefusedCommandChangesNothing) {
       "]/1/u/1//////q/ 01|]/2/u/1/////q/ 05|]/1/u//////q/ 03|]/1/u/0/////q/ 05|]/1/u/65536/////q/ 05|]/1/u/1/" +
       key + "////q/ 88|]/1/" + url + "/1/////q/ 02|,/2/ 05|x/2/1 05|x/2/2/ 01|x/3/ 05|x/1 01|7/3/a/ 05");
   EXPECT_EQ(all(), before);
+}
+
+TEST_F(EmulatorDay, StatesOfTheMachineAreRefusedWithTheirCodes) {
+  const std::pair<bool Conditions::*, std::string> rows[] = {
+      {&Conditions::clockLost, "23"}, {&Conditions::batteryFault, "20"}, {&Conditions::memoryFull, "1D"}};
+  for (const auto& [condition, code] : rows) {
+    run(kDaySale);
+    device.conditions().*condition = true;
+    run(kDaySale + "|5/1///0.00///|O/1/|" + kDaySale + " " + code + "|6/0/1.00// " + code + "|A/ " + code + "|x/1/");
+    device.conditions() = {};
+  }
+  device.conditions().cutterError = true;
+  run("p/2/1/ 57|p/1/");
+  device.conditions() = {};
+  device.conditions().drawerLimit = true;
+  run("6/1/60.01// 7D|6/1/60.00//|O/1/|6/1/0.01// 7D");
+}
+
+TEST(EmulatorClock, TwentyFourHoursAfterTheFirstDocumentItWantsAZ) {
+  platform::LocalTime now{2026, 2, 28, 9, 30, 0};
+  Device device({}, [&now] { return now; });
+  device.conditions().dailyZ = true;
+  const auto sell = [&device] { return device.execute(kDaySale).substr(0, 2); };
+  EXPECT_EQ(sell(), "00");
+  device.execute("O/2/");
+  now = {2026, 3, 1, 9, 29, 59};
+  EXPECT_EQ(sell(), "00");
+  now = {2026, 3, 1, 9, 30, 0};
+  EXPECT_EQ(sell(), "00") << "a receipt that is open goes on";
+  device.execute("O/2/");
+  EXPECT_EQ(sell(), "14");
+  for (const char* command : {"A/", "A/", "A/"}) device.execute(command);
+  while (device.execute("Q/").substr(8, 2) != "/3") continue;
+  EXPECT_EQ(device.execute("x/2/2").substr(0, 2), "00");
+  EXPECT_EQ(sell(), "00");
 }
 
 TEST_F(EmulatorDay, WhatIsSetIsToldAndTakesEffect) {

@@ -415,6 +415,24 @@ TEST(EmulatorPeers, ShareOneMemoryAndGetTheirOwnAnswers) {
   }
 }
 
+TEST(Faults, AScriptMayBeOfGreekWindows) {
+  Faults faults;
+  faults.addScript(toCodePage(u"# βλάβη\nnext reply 00/Καφές/"));
+  EXPECT_EQ(faults.rules().front().text, toUtf8(u"next reply 00/Καφές/"));
+  EXPECT_EQ(faults.take("?/", false, 0).bytes, toCodePage(u"00/Καφές/"));
+}
+
+TEST(Faults, ThoseWhoseTimeIsOverLeave) {
+  Faults faults;
+  faults.add("next 5s lost");
+  faults.add("next always nak");
+  EXPECT_FALSE(faults.forgetEnded(100)) << "it has not begun";
+  EXPECT_EQ(faults.take("?/", false, 100).kind, Fault::Kind::kLost);
+  EXPECT_FALSE(faults.forgetEnded(104.9));
+  EXPECT_TRUE(faults.forgetEnded(105));
+  EXPECT_EQ(faults.rules().size(), 1U);
+}
+
 TEST_F(EmulatorLine, RulesCountAndLast) {
   faults.addScript("# a comment\n\n after 1 on t 2 code 1\r\nafter 8 always code 2\non ? 2s code 3\non P/Ω code 4");
   const auto code = [&](const std::string& command) { return onSerial(kAck + kStart + frame(command)).substr(1, 2); };

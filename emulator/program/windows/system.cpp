@@ -25,6 +25,13 @@ std::vector<std::string> commandLine(int /*count*/, char** /*arguments*/) {
 
 void prepareConsole() { SetConsoleOutputCP(CP_UTF8); }
 
+void writeOut(std::string_view bytes) {
+  const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+  for (DWORD count = 0; !bytes.empty(); bytes.remove_prefix(count)) {
+    if (!WriteFile(output, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) || count == 0) return;
+  }
+}
+
 void openBrowser(const std::string& url) {
   ShellExecuteA(nullptr, "open", url.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
 }

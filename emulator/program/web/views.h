@@ -1,22 +1,31 @@
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
-
 #include "emulator/program/station.h"
+#include "http/json.h"
 
 // What the interface shows, as JSON. emulator/http.md describes it.
 namespace mirvane::emulator {
 
-using Json = nlohmann::ordered_json;
+using http::Json;
 
 Json registerView(Station& station);
-Json faultsView(const Station& station);
+Json cardView(Station& station);
+Json clockView(Station& station);
+Json ruleView(const Faults::Rule& rule);
+Json happeningView(Station& station, const Station::Happening& happening);
+Json faultsView(Station& station);
 /// Kind, numbers, time; of a receipt also its lines, taxes and tenders.
 Json documentView(Station& station, const Document& document);
 /// What is printed on it, from the line with index `first` on.
 Json paperView(const Document& document, std::size_t first = 0);
 Json entryView(const Station::Entry& entry);
+Json displayView(const Display& display);
 Json replyView(const Exchange& exchange);
+
+/// Nothing for a name that none has.
+std::optional<Station::Happening::Kind> happeningNamed(std::string_view name);
+/// All of them, for whoever did not know.
+std::string happeningNames();
 
 /// The name of a switch and its bit in the printer status byte.
 struct PrinterSwitch {

@@ -1,8 +1,8 @@
-#include "emulator/program/picture.h"
+#include "emulator/program/web/picture.h"
 
 #include <cstdint>
 
-#include "emulator/program/assets.h"
+#include "emulator/program/web/assets.h"
 
 #define STB_TRUETYPE_IMPLEMENTATION
 #define STBTT_STATIC

@@ -1,5 +1,5 @@
 # Writes the files of the page into a C++ source: cmake -D OUTPUT=FILE -D FILES=a;b -P embed.cmake
-set(types html text/html css text/css js text/javascript svg image/svg+xml ttf font/ttf)
+set(types md text/plain json application/json html text/html css text/css js text/javascript svg image/svg+xml ttf font/ttf)
 set(arrays "")
 set(rows "")
 set(number 0)
@@ -20,7 +20,7 @@ foreach(file IN LISTS FILES)
   math(EXPR number "${number} + 1")
 endforeach()
 file(WRITE ${OUTPUT} "// Made by embed.cmake from the files of emulator/page.
-#include \"emulator/program/assets.h\"
+#include \"emulator/program/web/assets.h\"
 
 namespace mirvane::emulator {
 namespace {

@@ -1,14 +1,12 @@
-#include <map>
-#include <nlohmann/json.hpp>
+#pragma once
 
-#include "emulator/program/station.h"
+#include "emulator/device.h"
+#include "emulator/line.h"
 
+// The members of all that the register remembers, for writing and for reading.
 namespace mirvane::emulator {
-namespace {
 
-using Json = nlohmann::json;
-
-// Every class lists its members once, for writing and for reading: `visit(name, member)`.
+// Every class lists its members once: `visit(name, member)`.
 
 template <class Visitor>
 void visitMembers(PaperLine& line, Visitor&& visit) {
@@ -134,9 +132,22 @@ void visitMembers(Payment& payment, Visitor&& visit) {
 }
 
 template <class Visitor>
-void visitMembers(Journal::File& file, Visitor&& visit) {
+void visitMembers(Journal::Prepared& file, Visitor&& visit) {
   visit("name", file.name);
-  visit("bytes", file.bytes);
+  visit("source", file.source);
+  visit("size", file.size);
+  visit("padding", file.padding);
+  visit("text", file.text);
+}
+
+template <class Visitor>
+void visitMembers(Journal::Memory& memory, Visitor&& visit) {
+  visit("receiptStart", memory.receiptStart);
+  visit("preparationCalls", memory.preparationCalls);
+  visit("files", memory.files);
+  visit("signature", memory.signature);
+  visit("isClosing", memory.isClosing);
+  visit("isTransferred", memory.isTransferred);
 }
 
 template <class Visitor>
@@ -163,6 +174,7 @@ void visitMembers(FiscalState& fiscal, Visitor&& visit) {
   visit("grandTotal", fiscal.grandTotal);
   visit("lastReport", fiscal.lastReport);
   visit("isDayOpen", fiscal.isDayOpen);
+  visit("dayOpened", fiscal.dayOpened);
   visit("day", fiscal.day);
   visit("lastReceiptNumber", fiscal.lastReceiptNumber);
   visit("receipt", fiscal.receipt);
@@ -172,115 +184,6 @@ void visitMembers(FiscalState& fiscal, Visitor&& visit) {
 template <class Class, class Visitor>
 void visitMembers(Class& object, Visitor&& visit) {
   object.visitMemory(visit);
-}
-
-template <class Value>
-constexpr bool isNumber = std::is_arithmetic_v<Value> || std::is_enum_v<Value>;
-template <class Value>
-concept Optional = requires(Value& value) {
-  value.emplace();
-  value.has_value();
-};
-template <class Value>
-concept Map = requires {
-  typename Value::mapped_type;
-};
-template <class Value>
-concept List = requires(Value& value) {
-  value.begin();
-};
-
-template <class Value>
-Json write(Value& value) {
-  if constexpr (std::is_same_v<Value, Text>) {
-    return toUtf8(value);
-  } else if constexpr (std::is_same_v<std::remove_const_t<Value>, std::string>) {
-    // Bytes are code page 1253, in which every byte is a character.
-    return toUtf8(fromCodePage(value));
-  } else if constexpr (isNumber<Value>) {
-    return value;
-  } else if constexpr (Optional<Value>) {
-    return value ? write(*value) : Json();
-  } else if constexpr (Map<Value>) {
-    // As pairs, whatever the key is.
-    Json pairs = Json::array();
-    for (auto& [key, mapped] : value) pairs.push_back(Json::array({write(key), write(mapped)}));
-    return pairs;
-  } else if constexpr (List<Value>) {
-    Json list = Json::array();
-    for (auto& element : value) list.push_back(write(element));
-    return list;
-  } else {
-    Json object = Json::object();
-    visitMembers(value, [&object](const char* name, auto& member) { object[name] = write(member); });
-    return object;
-  }
-}
-
-/// Throws one of the library's exceptions for what does not fit.
-template <class Value>
-void read(const Json& json, Value& value) {
-  if constexpr (std::is_same_v<Value, Text>) {
-    value = fromUtf8(json.get<std::string>());
-  } else if constexpr (std::is_same_v<Value, std::string>) {
-    value = toCodePage(fromUtf8(json.get<std::string>()));
-  } else if constexpr (isNumber<Value>) {
-    value = json.get<Value>();
-  } else if constexpr (Optional<Value>) {
-    value.reset();
-    if (!json.is_null()) read(json, value.emplace());
-  } else if constexpr (Map<Value>) {
-    value.clear();
-    for (const Json& pair : json) {
-      typename Value::key_type key;
-      read(pair.at(0), key);
-      read(pair.at(1), value[key]);
-    }
-  } else if constexpr (requires { value.emplace_back(); }) {
-    value.clear();
-    for (const Json& element : json) read(element, value.emplace_back());
-  } else if constexpr (List<Value>) {
-    for (std::size_t i = 0; i < value.size(); ++i) read(json.at(i), value[i]);
-  } else {
-    visitMembers(value, [&json](const char* name, auto& member) { read(json.at(name), member); });
-  }
-}
-
-constexpr int kFormat = 1;
-
-}  // namespace
-
-std::string rememberedState(Station& station) {
-  std::map<std::string, Line::Memory> lines;
-  for (const auto& [name, line] : station.lines()) lines[name] = line->memory();
-  Json json{{"format", kFormat}};
-  json["register"] = write(station.device.fiscal());
-  json["journal"] = write(station.device.journal());
-  json["cards"] = write(station.device.cards());
-  json["lines"] = write(lines);
-  json["clockOffset"] = station.clockOffset;
-  return json.dump(1);
-}
-
-void recallState(Station& station, const std::string& text) {
-  try {
-    const Json json = Json::parse(text);
-    if (json.at("format") != kFormat) throw StateError("written by another version");
-    FiscalState fiscal;
-    read(json.at("register"), fiscal);
-    std::map<std::string, Line::Memory> lines;
-    read(json.at("lines"), lines);
-    Journal journal;
-    read(json.at("journal"), journal);
-    CardPayments cards;
-    read(json.at("cards"), cards);
-    station.clockOffset = json.at("clockOffset").get<std::int64_t>();
-    journal.rewind();
-    station.device.restore(std::move(fiscal), std::move(journal), std::move(cards));
-    for (const auto& [name, line] : station.lines()) line->setMemory(lines[name]);
-  } catch (const Json::exception& error) {
-    throw StateError(std::string("not the memory of a register: ") + error.what());
-  }
 }
 
 }  // namespace mirvane::emulator
