@@ -138,7 +138,7 @@ const cases = {
     await till.ask(sale);
     await emulator.fetch('POST', '/faults', { rule: 'on 5/ late 800' });
     const open = async (where, options) => {
-      const tab = await (await browser.newContext({ bypassCSP: true, ...options })).newPage();
+      const tab = await (await browser.newContext({ bypassCSP: true, reducedMotion: 'reduce', ...options })).newPage();
       await tab.goto(emulator.web + where);
       await tab.locator('#link:not(:empty), #operations details').first().waitFor();
       return tab;
@@ -150,7 +150,8 @@ const cases = {
             const tab = await open(where, { locale, colorScheme, viewport: { width, height: 800 } });
             await tab.addScriptTag({ path: require.resolve('axe-core/axe.min.js') });
             const { violations } = await tab.evaluate(() => axe.run());
-            assert.deepEqual(violations.map(({ id, nodes }) => [id, nodes[0].target]), [], `${where} ${locale} ${colorScheme} ${width}`);
+            const found = violations.map(({ id, nodes }) => `${id} ${nodes[0].target}`);
+            assert.equal(found.join(), '', `${where} ${locale} ${colorScheme} ${width}: ${found}`);
             await tab.context().close();
           }
         }
