@@ -68,7 +68,7 @@ unregistered() {
   cp "build/win$1/tests/com/host.exe" "$content/win$1/"{MirvaneEFT.dll,Lang.dat} "$folder"
   sed -n '/^   ```xml/,/^   ```$/{/```/!p}' docs/deploy.md |
     sed "s/\"x86\"/\"${architecture[$1 / 32 - 1]}\"/; s/\(\"MirvaneEFT\" version=\)\"[^\"]*/\1\"$version.0/" >"$folder/host.exe.manifest"
-  start_emulator device --udp 0 --fault "on 3/S busy 14" --fault "on ?/ 3 busy 14"
+  start_emulator device --udp 0 --fault "on 3/S//first busy 14" --fault "on 3/S//second busy 14"
   in_wine "$(windows_path "$folder/host.exe")" threads "$(emulator_address device)" >"$WORK/printed.raw" || true
   tr -d '\r' <"$WORK/printed.raw" >"$WORK/printed"
   script_passed "$WORK/printed" || die "unregistered, $1 bits: $(<"$WORK/printed")"
