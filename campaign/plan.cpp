@@ -154,7 +154,7 @@ class Planner {
           for (const char* what : {"", "till-frame ", "till-ack ", "till-enq "}) {
             words.push_back(std::string("next ").append(percent).append(" ").append(what).append(fault));
           }
-          add(Group::kRates, percent + " " + fault, line, words);
+          add(Group::kRates, std::string(percent).append(" ").append(fault), line, words);
         }
       }
     }

@@ -121,10 +121,13 @@ TEST_F(EmulatorDay, ARefusedCommandChangesNothing) {
 TEST_F(EmulatorDay, StatesOfTheMachineAreRefusedWithTheirCodes) {
   const std::pair<bool Conditions::*, std::string> rows[] = {
       {&Conditions::clockLost, "23"}, {&Conditions::batteryFault, "20"}, {&Conditions::memoryFull, "1D"}};
+  const auto goesOnAndBeginsNothing = [this](const std::string& code) {
+    run(kDaySale + "|5/1///0.00///|O/1/|" + kDaySale + " " + code + "|6/0/1.00// " + code + "|A/ " + code + "|x/1/");
+  };
   for (const auto& [condition, code] : rows) {
     run(kDaySale);
     device.conditions().*condition = true;
-    run(kDaySale + "|5/1///0.00///|O/1/|" + kDaySale + " " + code + "|6/0/1.00// " + code + "|A/ " + code + "|x/1/");
+    goesOnAndBeginsNothing(code);
     device.conditions() = {};
   }
   device.conditions().cutterError = true;

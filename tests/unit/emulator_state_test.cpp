@@ -114,8 +114,11 @@ TEST_F(EmulatorState, AnImpossibleValueIsRefusedWithItsPlace) {
       {"lines", "1.5"},
   };
   for (const auto& [name, value] : rows) {
-    change("CREATE TEMP TABLE kept AS SELECT * FROM memory; UPDATE memory SET value = " + value + " WHERE name = '" +
-           name + "'");
+    change(std::string("CREATE TEMP TABLE kept AS SELECT * FROM memory; UPDATE memory SET value = ")
+               .append(value)
+               .append(" WHERE name = '")
+               .append(name)
+               .append("'"));
     const std::string told = refusal();
     EXPECT_NE(told.find(name.substr(0, name.find("/receiptStart"))), std::string::npos) << name << ": " << told;
     start(true);
