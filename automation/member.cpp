@@ -169,11 +169,14 @@ bool CallArguments::finish(bool assigned) {
   bool taken = true;
   for (const bool changed : {false, true}) {
     for (const Slot& slot : slots_) {
-      const bool isAnothers = slot.isDetached && !assigned && !slot.isChanged() && slot.given.value() != slot.held;
-      if (isAnothers) slot.given.store(slot.held);
-      if (!slot.writeBack || slot.isChanged() != changed || (slot.wasUnreadable && !changed)) continue;
+      if (!slot.writeBack || slot.isChanged() != changed) continue;
+      if (slot.isDetached && !changed && !assigned) {
+        if (slot.given.value() != slot.held) slot.given.store(slot.held);
+        continue;
+      }
+      if (slot.wasUnreadable && !changed) continue;
       const bool typeChanges = assigned && !leavesOthers_ && slot.given.isVariant();
-      if (changed || (slot.isDetached && assigned) || typeChanges) taken = slot.given.store(slot.copy) && taken;
+      if (changed || slot.isDetached || typeChanges) taken = slot.given.store(slot.copy) && taken;
     }
   }
   return taken;

@@ -59,7 +59,7 @@ class Proof {
 
   /// One run of the program, to its end or, after so many moments, to its death. How many it had.
   long live(bool isSelling, long moments) {
-    constexpr double kPatience = 3600;
+    constexpr double kLongest = 3600;
     long left = moments;
     const auto moment = [&left] {
       if (left-- == 0) throw Killed();
@@ -67,7 +67,7 @@ class Proof {
     file_.moment = moment;
     // Nobody looks at every byte of a program that lives on.
     machine_.tap.moment = moments == kNever && !countsAll ? std::function<void()>() : moment;
-    machine_.clock.limit = machine_.clock.now + kPatience;
+    machine_.clock.limit = machine_.clock.now + kLongest;
     try {
       Till till(machine_);
       Cashier cashier(till, file_);

@@ -6,7 +6,7 @@ namespace mirvane::campaign {
 namespace {
 
 constexpr unsigned kSerial = 1, kFrame = 2, kEnq = 4;
-constexpr unsigned kNetworks = kFrame | kEnq, kAll = kSerial | kNetworks;
+constexpr unsigned kNetworks = kFrame | kEnq, kAllLines = kSerial | kNetworks;
 
 struct Limit {
   std::string_view fault;
@@ -15,13 +15,13 @@ struct Limit {
 // Of two the first counts. A rate is "% " and what is struck by it.
 constexpr Limit kLimits[] = {
     // What comes twice, or late, has no number to be known by.
-    {"till-frame duplicate", kAll},
+    {"till-frame duplicate", kAllLines},
     {"till-frame delayed", kNetworks},
     {"till-ack delayed", kNetworks},
     {"till-ack duplicate", kNetworks},
     // The register says what is not so.
-    {"reply", kAll},
-    {"code", kAll},
+    {"reply", kAllLines},
+    {"code", kAllLines},
     // An answer has none either.
     {"duplicate", kSerial | kEnq},
     {"% duplicate 100", kNetworks},
@@ -43,7 +43,7 @@ constexpr Limit kLimits[] = {
 };
 
 constexpr Column kMoney[] = {kToldDone, kBookedTwice, kChargedTwice, kWrong};
-constexpr Column kNever[] = {kLetIn, kDisturbed, kHang, kCrash};
+constexpr Column kNeverRight[] = {kLetIn, kDisturbed, kHang, kCrash};
 
 }  // namespace
 
@@ -61,7 +61,7 @@ std::string mistakes(const Tally& tally, const std::string& row, LineKind line) 
   if (limitOf(row, rate, line).empty()) {
     for (const Column column : kMoney) found[column] = tally[column];
   }
-  for (const Column column : kNever) found[column] = tally[column];
+  for (const Column column : kNeverRight) found[column] = tally[column];
   return findings(found);
 }
 

@@ -8,12 +8,12 @@
 namespace mirvane::campaign {
 namespace {
 
-struct Group {
-  std::string_view name, heading, runs;
+struct Heading {
+  std::string_view name, text, runs;
   /// The rows without findings have their place too.
   bool showsAll = false;
 };
-constexpr Group kGroups[] = {
+constexpr Heading kHeadings[] = {
     {"once", "One thing is hit", "days"},
     {"lasting", "Everything from one thing on is hit", "days"},
     {"pairs", "Two in a row are hit: what neither does alone", "days"},
@@ -48,7 +48,7 @@ struct Tallies {
 
 std::string keyOf(const Plan& plan, std::pair<std::size_t, LineKind> at) {
   const Row& row = plan.rows[at.first];
-  return std::string(kGroups[static_cast<std::size_t>(row.group)].name) + ", " + row.name + ", " +
+  return std::string(kHeadings[static_cast<std::size_t>(row.group)].name) + ", " + row.name + ", " +
          std::string(kLineNames[static_cast<std::size_t>(at.second)]);
 }
 
@@ -64,21 +64,21 @@ std::string table(const Plan& plan, const Sums& sums, std::size_t group) {
       all[i] += tallies.total(i);
       isShown[i] = isShown[i] || tallies.total(i) > 0;
     }
-    if (!tallies.hasFindings() && !kGroups[group].showsAll)
+    if (!tallies.hasFindings() && !kHeadings[group].showsAll)
       without += (without.empty() ? "`" : ", `") + plan.rows[row].name + "`";
   }
-  out << "\n### " << kGroups[group].heading << "\n\n";
-  if (kGroups[group].showsAll || !findings(all).empty()) {
+  out << "\n### " << kHeadings[group].text << "\n\n";
+  if (kHeadings[group].showsAll || !findings(all).empty()) {
     std::string rule = "|---|";
     out << "| |";
     for (std::size_t i = 0; i < kColumns; ++i) {
       if (isShown[i]) rule += "---|";
-      if (isShown[i]) out << " " << (i == kRuns ? kGroups[group].runs : kColumnNames[i]) << " |";
+      if (isShown[i]) out << " " << (i == kRuns ? kHeadings[group].runs : kColumnNames[i]) << " |";
     }
     out << "\n" << rule << "\n";
     for (std::size_t row = 0; row < plan.rows.size(); ++row) {
       const Tallies tallies(sums, row);
-      const bool isListed = kGroups[group].showsAll || tallies.hasFindings();
+      const bool isListed = kHeadings[group].showsAll || tallies.hasFindings();
       if (static_cast<std::size_t>(plan.rows[row].group) != group || !isListed) continue;
       out << "| `" << plan.rows[row].name << "` |";
       for (std::size_t i = 0; i < kColumns; ++i) {
@@ -89,7 +89,7 @@ std::string table(const Plan& plan, const Sums& sums, std::size_t group) {
     out << "\n";
   }
   if (!without.empty()) out << "Nothing was found under " << without << ".\n\n";
-  out << "In all " << all[kRuns] << " " << kGroups[group].runs;
+  out << "In all " << all[kRuns] << " " << kHeadings[group].runs;
   if (all[kVisits] > 0) out << ", " << all[kVisits] << " " << kColumnNames[kVisits];
   out << ".\n";
   return out.str();

@@ -23,7 +23,7 @@ std::size_t placeOf(std::string_view parameter, const Member& member) {
 using Operation = std::pair<ObjectPtr, const Member*>;
 
 const std::vector<Operation>& operations() {
-  static const std::vector<Operation> kAll = [] {
+  static const std::vector<Operation> kOperations = [] {
     std::vector<Operation> all;
     for (const ObjectPtr& object : {ObjectPtr(), make("clsAdjust"), make("FiscalJournal")}) {
       for (const Member& member : (object ? object->classInfo() : fiscalTrevikModule::describe()).members()) {
@@ -35,7 +35,7 @@ const std::vector<Operation>& operations() {
     }
     return all;
   }();
-  return kAll;
+  return kOperations;
 }
 
 /// The program whose code runs.

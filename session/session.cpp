@@ -21,7 +21,7 @@ Reply Session::exchangeAs(const Word& word, TextView command, bool isSilent, Out
   SilenceWindow window(outcome);
   // The device would take it for a repetition, should the acknowledgement of the one before have got lost.
   if (!word.asks && !word.movesJournal && looksRepeated(command)) {
-    const Reply between = mirvane::exchange(words_.askState, {.word = words_.of(words_.askState)}, window).reply;
+    Reply between = mirvane::exchange(words_.askState, {.word = words_.of(words_.askState)}, window).reply;
     if (between.result < 0) return between;
   }
   Answer answer = mirvane::exchange(command, {timeOut, isSilent, word}, window);
@@ -63,7 +63,7 @@ Reply Session::send(TextView command, Outcome outcome, std::int16_t timeOut) {
   Payment sent = sendAs(word, command, outcome, timeOut);
   // What remains to pay is the sender's affair; here is nobody who knows what remained before.
   if (!sent.reply.succeeded() || !word.paysByCard || sent.isTold) return sent.reply;
-  const Reply unknown{link_result::kNoAnswer, link_result::kNoAnswerText};
+  Reply unknown{link_result::kNoAnswer, link_result::kNoAnswerText};
   fail(unknown, outcome);
   return unknown;
 }

@@ -24,10 +24,9 @@ die() {
   exit 1
 }
 
-# await SECONDS COMMAND...: repeats the command until it succeeds; fails when the time is over.
+# await COMMAND...: repeats the command until it succeeds; fails after five minutes, when something hangs.
 await() {
-  local deadline=$((SECONDS + $1))
-  shift
+  local deadline=$((SECONDS + 300))
   until "$@"; do
     ((SECONDS < deadline)) || return 1
     sleep 0.05
@@ -52,7 +51,7 @@ wine_up() {
   [[ ! ${WINE_IS_UP-} ]] || return 0
   Xvfb -displayfd 1 -screen 0 1024x768x24 -nolisten tcp >"$WORK/display" 2>"$WORK/display.log" {wine_lock}>&- &
   display_pid=$!
-  await 300 grep -q . "$WORK/display" || die "no X display: $(<"$WORK/display.log")"
+  await grep -q . "$WORK/display" || die "no X display: $(<"$WORK/display.log")"
   DISPLAY=":$(<"$WORK/display")"
   export DISPLAY
 
@@ -155,9 +154,9 @@ script_passed() {
 
 # ---- Windows on the hidden display
 
-# await_window TITLE [SECONDS]: waits for a visible window whose title matches, and leaves its id in `window`.
+# await_window TITLE: waits for a visible window whose title matches, and leaves its id in `window`.
 await_window() {
-  await "${2:-300}" find_window "$1" || die "no window \"$1\""
+  await find_window "$1" || die "no window \"$1\""
 }
 
 find_window() {
@@ -187,7 +186,7 @@ start_emulator() {
   "$emulator" --pty "$WORK/$name.pty" --paper "$WORK/$name.paper" --quiet "$@" \
     >"$WORK/$name.log" 2>&1 </dev/null {wine_lock}>&- &
   emulator_pids[$name]=$!
-  await 300 emulator_settled "$name" || true
+  await emulator_settled "$name" || true
   emulator_ready "$name" || die "the emulator did not start: $(<"$WORK/$name.log")"
 }
 

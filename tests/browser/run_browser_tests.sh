@@ -23,7 +23,7 @@ fi
 rm -f "$WORK"/*.port
 socat "pty,raw,echo=0,link=$WORK/register.port" "pty,raw,echo=0,link=$WORK/till.port" {wine_lock}>&- &
 ports=$!
-await 300 test -e "$WORK/till.port"
+await test -e "$WORK/till.port"
 export TILL_SERIAL="$WORK/till.port"
 
 # tests COMMAND...

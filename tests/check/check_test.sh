@@ -91,13 +91,13 @@ begin=$SECONDS
 finds 32 2 "--port COM5" '[x]  The port opens, but nobody answers within 2 seconds' 'Switch the register on'
 ((SECONDS - begin < 15)) || die "it has waited for $((SECONDS - begin)) seconds"
 finds 64 1 "--port COM6 --slip" 'MIRVANE EMULATOR' 'MVE25000017' 'paper' '[!]  Its clock shows 01-01-2020' 'slip'
-await 300 grep -q 'PRINT TEST' "$WORK/device.paper" || die "there is no slip: $(<"$WORK/device.paper")"
+await grep -q 'PRINT TEST' "$WORK/device.paper" || die "there is no slip: $(<"$WORK/device.paper")"
 finds 64 2 "--port COM77" '[x]  There is no port COM77' 'COM6'
 finds 32 0 "--find" '[ok] COM6: A register answers' '[-]  COM5: The port opens, but nobody answers'
 # Wine opens a port for two programs at once, so the one that is taken is looked at natively.
 flock "$WORK/device.pty" sleep 60 &
 holder=$!
-await 300 eval '! flock -n "$WORK/device.pty" true' || die "the port is not taken"
+await eval '! flock -n "$WORK/device.pty" true' || die "the port is not taken"
 "$repo/build/native/check/mirvane-check" --language en --port "$WORK/device.pty" >"$WORK/said" && die "taken, and all is well"
 cat "$WORK/said"
 grep -Fq "[x]  The port $WORK/device.pty is taken by" "$WORK/said" || die "it does not say that the port is taken"

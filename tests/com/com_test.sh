@@ -204,7 +204,7 @@ killed_at() {
   LC_ALL=el_GR.UTF-8 "$wine" "$(system_program "$bits" cscript)" "$(windows_path "$WORK/ansi-recover.vbs")" COM5 \
     </dev/null {wine_lock}>&- &
   till=$!
-  await 300 grep -qs "^do|$act" "$WORK/recover.txt" || die "the till did not come to $act"
+  await grep -qs "^do|$act" "$WORK/recover.txt" || die "the till did not come to $act"
   sleep 1
   kill -KILL "$till"
   wait "$till" || true

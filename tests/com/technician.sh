@@ -30,7 +30,7 @@ technician() {
   start_emulator device --fault 'after 1 on 3/S unplug-after 14'
   {
     await_window '^Μήνυμα Ταμειακής \(Varlen Fiscal\)$'
-    await 300 painted || die "nothing is written in the window"
+    await painted || die "nothing is written in the window"
     picture silence
   } &
   companion=$!

@@ -96,7 +96,7 @@ uninstall() {
   osslsigncode verify -CAfile "$out/certificate.pem" "$1/uninstall.exe" >"$WORK/verify.log" || die "$(<"$WORK/verify.log")"
   in_wine "$1/uninstall.exe" /S >"$WORK/setup.log" 2>&1
   # A copy of it does the work.
-  await 300 is_left "$@" || die "after uninstalling there is: $(find "$1" -type f)"
+  await is_left "$@" || die "after uninstalling there is: $(find "$1" -type f)"
   snapshot after
   for hive in HKLM HKCU; do diff "$WORK/before.$hive" "$WORK/after.$hive" || die "uninstalling left keys in $hive"; done
 }
@@ -122,7 +122,7 @@ start_running() {
   in_wine "$(windows_path "$content/emulator/mirvane-emulator.exe")" --udp 0 --quiet \
     --paper 'C:\Program Files\MirvaneEFT\emulator\mirvane-emulator.exe' >"$WORK/running.log" 2>&1 &
   running=$!
-  await 300 grep -q ready "$WORK/running.log" || die "the emulator does not run: $(<"$WORK/running.log")"
+  await grep -q ready "$WORK/running.log" || die "the emulator does not run: $(<"$WORK/running.log")"
 }
 
 same_as_archive() {

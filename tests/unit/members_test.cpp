@@ -39,7 +39,8 @@ TEST(Members, KeepTheirDispatchIds) {
     std::getline(words >> owner >> id >> kind, name, '(');
     if (id.find_first_not_of("0123456789") != std::string::npos) continue;  // a class
     ++lines;
-    const std::string wanted = owner + " " + id + " " + (kind == "putref" ? "put" : kind) + name;
+    const std::string wanted =
+        (std::ostringstream() << owner << ' ' << id << ' ' << (kind == "putref" ? "put" : kind) << name).str();
     EXPECT_TRUE(all.contains(wanted)) << wanted
                                       << ": compiled programs call it so for ever; a new member gets the next "
                                       << "dispatch id of its class, in interface/members.h";

@@ -10,14 +10,14 @@ icon_colour() {
 # answer PICTURE COLOUR TITLE TEXT [topmost]: the box and the colour of its icon.
 answer() {
   local read
-  await_window "^$3\$" 30
+  await_window "^$3\$"
   read=$(in_wine "$(windows_path "$repo/build/win32/tests/com/box-text.exe")" 2>/dev/null | tr -d '\r')
   [[ $read == "$3|$4|${5-}" ]] || die "\"$read\" is not \"$3|$4|${5-}\""
   picture "$1"
   [[ $(icon_colour) == "$2" ]] || die "the icon of \"$4\" is not $2"
   answered=$window
   press Return
-  await 300 gone "^$3\$" || die "Return did not close \"$3\""
+  await gone "^$3\$" || die "Return did not close \"$3\""
 }
 title='Φορολογικός Εκτυπωτής' device='Varlen Fiscal' failure='Λάθος Φορολ. εκτυπωτή'
 answer refusal blue "$title" 'Λάθος τύπος Φορολ. Εκτυπωτή' topmost

@@ -1,8 +1,8 @@
 # Looks at the journal's window, at the paper, and at the files of both days: the device's, each with a line end behind.
 await_window '^Ηλεκτρονικό Ημερολόγιο$'
-await 300 test -e "$WINEPREFIX/drive_c/bbox/MVE25000017/0001/MVE250000170001_a.txt" || die "no journal is saved"
+await test -e "$WINEPREFIX/drive_c/bbox/MVE25000017/0001/MVE250000170001_a.txt" || die "no journal is saved"
 picture journal
-await 300 grep -q 'ΔΕΛΤΙΟ Ζ 0002 - ΛΗΞΗ$' "$WORK/device.paper" || die "the second day was not closed"
+await grep -q 'ΔΕΛΤΙΟ Ζ 0002 - ΛΗΞΗ$' "$WORK/device.paper" || die "the second day was not closed"
 for day in 1 2; do
   grep -q "^ *ΑΦΜ 12345678$day\$" "$WORK/device.paper" || die "the receipts of day $day lack its VAT number"
   (($(grep -A 8 "^VAT = 12345678$day\$" "$WORK/device.paper" | grep -c '^$') == 8)) || die "it is not confirmed"

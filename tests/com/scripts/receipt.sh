@@ -1,5 +1,5 @@
 # Looks at the paper: the receipt as the script asked for it, and that one alone.
-await 40 grep -q 'ΛΗΞΗ$' "$WORK/device.paper" || die "no receipt was closed"
+await grep -q 'ΛΗΞΗ$' "$WORK/device.paper" || die "no receipt was closed"
 sed -n '/^---/,/^ΦΠΑ Γ/p' "$WORK/device.paper" | diff - <(
   cat <<'PAPER'
 ------------------------------------------------

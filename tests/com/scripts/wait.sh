@@ -10,12 +10,12 @@ shows 'Κατάσταση [14]|Απασχολημένο σε άλλη λειτο
 picture busy
 press Return
 press Escape
-await 300 shows 'Αναμονή EFTPOS[158]|Πληρωμή EFTPOS σε εξέλιξη..' || die "the window does not tell about the card: \"$read\""
+await shows 'Αναμονή EFTPOS[158]|Πληρωμή EFTPOS σε εξέλιξη..' || die "the window does not tell about the card: \"$read\""
 (($(import -window "$window" png:- | identify -format %k -) > 2)) || die "nothing is written in the window"
 picture card
 press Return
 press alt+F4
 sleep 1
 ! gone || die "the operator has closed the window"
-await 300 gone || die "the window stays"
+await gone || die "the window stays"
 (($(grep -c '^Καφες ' "$WORK/device.paper") == 1)) || die "not sold once: $(<"$WORK/device.paper")"
