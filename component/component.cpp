@@ -1,11 +1,12 @@
 #include "component/component.h"
 
+#include <algorithm>
 #include <array>
+#include <stdexcept>
 
 #include "driver/fiscal_varlen_module2.h"
 #include "facade/fiscal_null_module.h"
 #include "facade/fiscal_trevik_module.h"
-#include "legacy/older_families.h"
 #include "link/network_endpoint.h"
 #include "records/cls_accumulator.h"
 #include "records/cls_daily_acc.h"
@@ -15,6 +16,7 @@
 #include "records/cls_trans_total.h"
 #include "records/clse_send_props.h"
 #include "records/dec2bin.h"
+#include "state/module_state.h"
 #include "support/electronic_journal.h"
 #include "support/price_adjustments.h"
 
@@ -53,10 +55,19 @@ constexpr std::array kPublicClasses = {
 
 std::span<const PublicClass> publicClasses() { return kPublicClasses; }
 
+ObjectPtr createObject(std::string_view className) {
+  const auto nameOf = [](const PublicClass& each) { return each.describe().name(); };
+  const auto* const found = std::ranges::find(kPublicClasses, className, nameOf);
+  if (found == std::end(kPublicClasses)) throw std::logic_error("no public class " + std::string(className));
+  return found->create();
+}
+
 void startComponent() {
   moduleState().createNullDriver = &create<fiscalNullModule>;
-  moduleState().candidates = {kFiscalOrnaModule,
-                              kFiscalVarlenModule,
+  // The two older families keep their places, so that a driver for one is found before the newer one; they have none
+  // yet, and probing passes over them.
+  moduleState().candidates = {{FISCAL_PALKOFISCAL, "FiscalOrnaModule", nullptr},
+                              {FISCAL_VARLENFISCAL, "FiscalVarlenModule", nullptr},
                               {FISCAL_VARLENFISCAL2, FiscalVarlenModule2::kName, &create<FiscalVarlenModule2>}};
 }
 

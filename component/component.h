@@ -18,6 +18,9 @@ struct PublicClass {
 /// The public classes in the order of the type library.
 std::span<const PublicClass> publicClasses();
 
+/// A new object of the public class of that name. Raises logic_error when there is none.
+ObjectPtr createObject(std::string_view className);
+
 inline constexpr std::string_view kTypeLibraryName = "VarlenFiscalQ7734";
 inline constexpr std::string_view kTypeLibraryId = "{1C04D316-0AAD-48FC-99CB-B11028EE0A57}";
 inline constexpr std::string_view kFiscalTypesId = "{3EB0F3A4-E7B6-4F30-A52E-7B517E4BA7B8}";

@@ -51,7 +51,7 @@ for bits in 32 64; do
   find "build/win$bits" -name mirvane-check.exe -exec install -D -m 644 -t "$content/win$bits" {} +
 done
 put build/win32/mirvane-emulator.exe emulator
-for file in build/win32/com/MirvaneEFT.idl com/base.idl; do
+for file in build/win32/com/MirvaneEFT.idl component/com/base.idl; do
   with_windows_line_ends <"$file" >"$content/$(basename "$file")"
 done
 git ls-files examples | grep -v '\.md$' | while read -r file; do put_source "$file"; done

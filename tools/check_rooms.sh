@@ -4,7 +4,9 @@
 set -euo pipefail
 cd "${1:-$(dirname "$0")/..}"
 
-includes=$(grep -rEo '^ *# *include "[^"]+/[^"]+"' --include='*.h' --include='*.cpp' --exclude-dir=build -- *)
+# The component's rooms are named without their common folder, as includes name them.
+includes=$(grep -rEo '^ *# *include "[^"]+/[^"]+"' --include='*.h' --include='*.cpp' --exclude-dir=build -- * |
+  sed 's,^component/\([^:]*/\),\1,')
 
 # A row of two columns is a room of the house, which may include the house's rooms below it; a third column says it all.
 awk '

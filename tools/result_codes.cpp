@@ -12,7 +12,7 @@
 
 namespace mirvane {
 
-/// catalogue/messages.txt, which the build puts into the program.
+/// component/catalogue/messages.txt, which the build puts into the program.
 extern const std::string_view kMessagesText;
 
 namespace {

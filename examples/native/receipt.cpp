@@ -1,0 +1,27 @@
+// Sells a receipt from a native program: ./run build native, ./run emulator, then
+//   build/native/examples/native/sell-receipt 127.0.0.1:9100
+#include <iostream>
+
+#include "embedding/component.h"
+#include "embedding/till.h"
+#include "text/text.h"
+
+int main(int count, char** arguments) {
+  using mirvane::Text;
+  if (count != 2) {
+    std::cerr << "usage: sell-receipt PORT\n";
+    return 2;
+  }
+  const mirvane::embedding::Component component;
+  mirvane::embedding::Till till;
+  const auto must = [&till](bool done) {
+    if (done) return;
+    std::cerr << till.Result << " " << mirvane::toUtf8(till.Exresult) << "\n";
+    std::exit(1);
+  };
+  must(till.call("Connect_", mirvane::fromUtf8(arguments[1])));
+  must(till.call("ItemSale", u"Καφές", 2.0, 2.5, 24.0, 1));
+  must(till.call("Payment", 1, u"", 5.0, 0, 0));
+  till.call("DisConnect_", u"");
+  std::cout << "The receipt is printed.\n";
+}
