@@ -9,7 +9,6 @@ namespace {
 
 constexpr double kGlance = 0.0005;
 constexpr double kIdleRead = 0.01;
-constexpr double kNoon = 12 * 3600;
 
 /// Notes a frame that goes out.
 void note(Tap& tap, std::string_view bytes, double now) {
@@ -29,65 +28,6 @@ void passMoment(const Tap& tap) {
 }
 
 }  // namespace
-
-void VirtualClock::advance(double seconds) {
-  constexpr double kStep = 0.02;
-  for (; seconds > kStep; seconds -= kStep) {
-    now += kStep;
-    if (passes) passes();
-  }
-  now += seconds;
-  if (now > limit) throw StillWaiting();
-}
-
-double VirtualClock::elapsed() {
-  advance(kGlance);
-  return now;
-}
-
-double VirtualClock::secondsSinceMidnight() { return std::fmod(kNoon + elapsed(), 86400.0); }
-
-platform::LocalTime VirtualClock::localTime() {
-  const int seconds = static_cast<int>(secondsSinceMidnight());
-  return {2026, 11, 22, seconds / 3600, seconds / 60 % 60, seconds % 60};
-}
-
-// Any window that the operator may see.
-class Operator::Window : public platform::WaitView, public platform::JournalView {
- public:
-  explicit Window(const Operator& whose) : whose_(whose) { whose_.letProgramRun(); }
-
-  void show(const platform::WaitText&) override { whose_.letProgramRun(); }
-  void repaint() override { whose_.letProgramRun(); }
-  void beginFile(TextView) override { whose_.letProgramRun(); }
-  void append(TextView, std::size_t) override { whose_.letProgramRun(); }
-  void processEvents() override { whose_.letProgramRun(); }
-
- private:
-  const Operator& whose_;
-};
-
-void Operator::waitWhile(const platform::WaitText&, const std::function<bool(platform::WaitView&)>& tick) {
-  Window window(*this);
-  do clock_.advance(1);
-  while (tick(window));
-}
-
-std::unique_ptr<platform::WaitView> Operator::showWait(const platform::WaitText&) {
-  return std::make_unique<Window>(*this);
-}
-
-std::unique_ptr<platform::JournalView> Operator::showJournal() { return std::make_unique<Window>(*this); }
-
-std::optional<std::string> Disk::read(TextView path) {
-  const auto file = files.find(Text(path));
-  return file == files.end() ? std::nullopt : std::optional(file->second);
-}
-
-bool Disk::replace(TextView path, std::string_view bytes) {
-  files[Text(path)] = bytes;
-  return true;
-}
 
 std::int32_t TappedPort::open(TextView name) {
   handle_ = end_->open(name);
@@ -151,6 +91,7 @@ Machine::Machine(LineKind line, Stranger stranger)
           line == LineKind::kNetworkEnq ? emulator::Line::Acknowledges::kEnq : emulator::Line::Acknowledges::kFrame),
       platform{port_, sockets_, clock, screen, disk} {
   // What is on its way arrives in its time, and not when somebody looks.
+  clock.glance = kGlance;
   clock.passes = [this] { sockets_.takeHeld(); };
   device.journal().options.pieceSize = 600;
   device.journal().options.keep = [this](const emulator::Journal::File& file) {
@@ -225,9 +166,9 @@ int Machine::journalsMissing() {
       const std::string folder = "MVE25000017\\000" + std::to_string(closure) + "\\";
       const std::string name = "MVE25000017000" + std::to_string(closure) + suffix;
       for (const char* drive : {"c:\\bbox\\", "c:\\bboxBackUp\\"}) {
-        const auto saved = disk.files.find(fromUtf8(std::string(drive).append(folder).append(name)));
+        const auto saved = disk.contents.find(fromUtf8(std::string(drive).append(folder).append(name)));
         const auto handed = journal_.find(name);
-        isWhole = isWhole && handed != journal_.end() && saved != disk.files.end() && saved->second == handed->second;
+        isWhole = isWhole && handed != journal_.end() && saved != disk.contents.end() && saved->second == handed->second;
       }
     }
     missing += isWhole ? 0 : 1;

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <functional>
-#include <limits>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "campaign/strangers.h"
+#include "embedding/virtual_machine.h"
 #include "emulator/loopback.h"
 
 // A till's machine with a register at its line, in one process and in time of its own: nothing in it waits.
@@ -15,68 +15,8 @@ namespace mirvane::campaign {
 enum class LineKind { kSerial, kNetworkFrame, kNetworkEnq };
 constexpr LineKind kLines[] = {LineKind::kSerial, LineKind::kNetworkFrame, LineKind::kNetworkEnq};
 
-/// Thrown out of a wait that has gone past the clock's limit. No exception that the component knows, so that it ends
-/// the call whatever that would catch.
-struct StillWaiting {};
-
-/// Time that passes when somebody waits, and a little whenever somebody looks.
-class VirtualClock : public platform::Clock {
- public:
-  double secondsSinceMidnight() override;
-  double elapsed() override;
-  platform::LocalTime localTime() override;
-  std::int64_t sinceEpoch() override { return static_cast<std::int64_t>(now * 1000); }
-  int zoneAt(std::int64_t) override { return 0; }
-  void sleep(std::uint32_t milliseconds) override { advance(milliseconds / 1000.0); }
-  void advance(double seconds);
-
-  double now = 0;
-  /// Past this moment a wait throws StillWaiting.
-  double limit = std::numeric_limits<double>::infinity();
-  /// Called every few milliseconds.
-  std::function<void()> passes;
-};
-
-/// An operator who closes every box and waits as long as asked.
-class Operator : public platform::Screen {
- public:
-  explicit Operator(VirtualClock& clock) : clock_(clock) {}
-
-  void messageBox(TextView, std::uint32_t, TextView) override { letProgramRun(); }
-  void waitWhile(const platform::WaitText& text, const std::function<bool(platform::WaitView&)>& tick) override;
-  std::unique_ptr<platform::WaitView> showWait(const platform::WaitText&) override;
-  std::unique_ptr<platform::JournalView> showJournal() override;
-  void serveWindows() override { letProgramRun(); }
-  void showTrace(bool) override {}
-  void traceLine(TextView) override {}
-
-  /// What the program does wherever its own code can run within a call: in a box, a wait, a journal, a window that is
-  /// served.
-  std::function<void()> program;
-
- private:
-  class Window;
-  void letProgramRun() const {
-    if (program) program();
-  }
-
-  VirtualClock& clock_;
-};
-
-class Disk : public platform::Files {
- public:
-  Text componentFolder() override { return u"C:\\till"; }
-  std::optional<std::string> read(TextView path) override;
-  bool makeFolder(TextView) override { return true; }
-  bool replace(TextView path, std::string_view bytes) override;
-  bool isFolder(TextView) override { return false; }
-  std::vector<Text> fileNames(TextView) override { return {}; }
-  std::optional<std::uint64_t> fileSize(TextView) override { return std::nullopt; }
-  std::unique_ptr<platform::GrowingFile> grow(TextView) override { return nullptr; }
-  void remove(TextView) override {}
-
-  std::map<Text, std::string> files;
-};
+using embedding::StillWaiting;
+using embedding::VirtualClock;
 
 /// Looks on at a line.
 struct Tap {
@@ -164,11 +104,11 @@ class Machine {
   int journalsMissing();
 
   VirtualClock clock;
-  Operator screen{clock};
+  embedding::VirtualOperator screen{clock};
   emulator::Device device;
   emulator::Faults faults;
   Tap tap;
-  Disk disk;
+  embedding::VirtualDisk disk;
 
  private:
   const LineKind line_;

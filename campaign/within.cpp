@@ -3,16 +3,12 @@
 #include <algorithm>
 
 #include "campaign/till.h"
+#include "facade/fiscal_trevik_module.h"
 #include "link/open_port.h"
 #include "protocol/device_codes.h"
 
 namespace mirvane::campaign {
 namespace {
-
-ObjectPtr make(std::string_view className) {
-  const auto nameOf = [](const PublicClass& entry) { return entry.describe().name(); };
-  return std::ranges::find(publicClasses(), className, nameOf)->create();
-}
 
 std::size_t placeOf(std::string_view parameter, const Member& member) {
   return static_cast<std::size_t>(std::ranges::find(member.parameters, parameter, &Parameter::name) -
@@ -25,7 +21,7 @@ using Operation = std::pair<ObjectPtr, const Member*>;
 const std::vector<Operation>& operations() {
   static const std::vector<Operation> kOperations = [] {
     std::vector<Operation> all;
-    for (const ObjectPtr& object : {ObjectPtr(), make("clsAdjust"), make("FiscalJournal")}) {
+    for (const ObjectPtr& object : {ObjectPtr(), createObject("clsAdjust"), createObject("FiscalJournal")}) {
       for (const Member& member : (object ? object->classInfo() : fiscalTrevikModule::describe()).members()) {
         const std::size_t report = std::min(placeOf("Result", member), placeOf("errorDesc", member));
         // What assigns nothing does nothing; connecting is answered.
@@ -74,7 +70,7 @@ class Visitor {
     std::vector<Argument> arguments;
     for (std::size_t i = 0; i < variables.size(); ++i) {
       const Parameter& parameter = member->parameters[i];
-      if (parameter.type.kind == TypeKind::object) variables[i] = make(parameter.type.name);
+      if (parameter.type.kind == TypeKind::object) variables[i] = createObject(parameter.type.name);
       Reference variable = &variables[i];
       if (parameter.name == "Result") variable = &result;
       if (parameter.name == "Exresult" || parameter.name == "errorDesc") variable = &text;

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "component/component.h"
+#include "embedding/till.h"
 #include "protocol/wire.h"
 #include "text/text.h"
 
@@ -18,13 +19,6 @@ bool isLinkControl(char c) {
   return c == wire::kStx || c == wire::kEtx || c == wire::kEnq || c == wire::kAck || c == wire::kNak ||
          c == wire::kCan || c == '\r';
 }
-
-class Journal : public platform::JournalView {
- public:
-  void beginFile(TextView) override {}
-  void append(TextView, std::size_t) override {}
-  void processEvents() override {}
-};
 
 bool isDevice(const Text& part) {
   Text word = part.substr(0, part.find(u'.'));
@@ -91,19 +85,13 @@ std::string Input::line() {
   return bytes;
 }
 
-std::unique_ptr<platform::JournalView> Screen::showJournal() { return std::make_unique<Journal>(); }
-
-std::optional<std::string> Files::read(TextView path) {
-  return path == u"C:\\till\\Lang.dat" ? catalogue : std::nullopt;
-}
-
-bool Files::makeFolder(TextView folder) {
+bool Disk::makeFolder(TextView folder) {
   require(folder.ends_with(u'\\'), "a folder's name ends in a separator");
   requireBelowJournals(folder);
   return true;
 }
 
-bool Files::replace(TextView path, std::string_view bytes) {
+bool Disk::replace(TextView path, std::string_view bytes) {
   requireBelowJournals(path);
   require(path.find_last_not_of(u"\\. ") + 1 == path.size(), "the name that the file gets is another one");
   written.emplace_back(bytes);
@@ -163,15 +151,10 @@ bool Line::waitReadable(std::int32_t /*handle*/, std::int16_t seconds) {
   return !datagrams_.empty();
 }
 
-Machine::Machine() {
-  moduleState() = ModuleState{};
-  liveBefore_ = Object::liveCount();
-  moduleState().platform = &platform;
-  startComponent();
-}
+Machine::Machine() { component_.emplace(platform); }
 
 Machine::~Machine() {
-  moduleState() = ModuleState{};
+  component_.reset();
   require(Object::liveCount() == liveBefore_, "objects leak");
 }
 
@@ -192,27 +175,16 @@ void Machine::script(Input replies, bool framed, std::function<void(const std::s
 }
 
 ObjectPtr Machine::connected(bool overNetwork) {
-  ObjectPtr facade = create("fiscalTrevikModule");
-  std::int16_t result = 0;
-  Text text;
-  bool silent = true;
-  facade->call("Connect_", Text(overNetwork ? u"10.0.0.5:9100" : u"COM1"), result, text, silent);
-  require(result == 0, "connected");
-  return facade;
-}
-
-ObjectPtr create(std::string_view className) {
-  for (const PublicClass& entry : publicClasses()) {
-    if (entry.describe().name() == className) return entry.create();
-  }
-  return nullptr;
+  embedding::Till till;
+  require(till.call("Connect_", overNetwork ? u"10.0.0.5:9100" : u"COM1"), "connected");
+  return till.facade().shared_from_this();
 }
 
 Variables::Variables(const Member& member, std::int16_t number, bool suppressed) : parameters_(member.parameters) {
   for (const Parameter& parameter : parameters_) {
     const bool isRecord = parameter.type.kind == TypeKind::object;
     const bool isText = parameter.type.kind == TypeKind::text || parameter.type.kind == TypeKind::variant;
-    values_.push_back(isRecord ? Value(create(parameter.type.name)) : isText ? Value(Text(u"A")) : Value(number));
+    values_.push_back(isRecord ? Value(createObject(parameter.type.name)) : isText ? Value(Text(u"A")) : Value(number));
     if (!isRecord) values_.back() = convertedTo(parameter.type, values_.back());
     if (parameter.name == "Result") values_.back() = std::int16_t{0};
     if (parameter.name == "SupressError_") values_.back() = suppressed;

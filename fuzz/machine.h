@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "automation/object.h"
-#include "platform/ports.h"
+#include "embedding/component.h"
+#include "embedding/virtual_machine.h"
 #include "protocol/reply.h"
-#include "state/module_state.h"
 
 // What the fuzz targets have in common: how an input is taken apart, and a machine of fakes for the component to run
 // on.
@@ -42,58 +42,12 @@ class Input {
   std::string_view rest_;
 };
 
-/// Time that passes only when somebody waits.
-class Clock : public platform::Clock {
- public:
-  double secondsSinceMidnight() override { return now_ < 43200 ? 43200 + now_ : now_ - 43200; }
-  double elapsed() override { return now_; }
-  platform::LocalTime localTime() override { return {2026, 11, 22, 12, 0, 0}; }
-  std::int64_t sinceEpoch() override { return static_cast<std::int64_t>(now_ * 1000); }
-  int zoneAt(std::int64_t) override { return 0; }
-  void sleep(std::uint32_t milliseconds) override { now_ += milliseconds / 1000.0; }
-
- private:
-  double now_ = 0;
-};
-
-/// An operator who closes every box.
-class Screen : public platform::Screen {
- public:
-  explicit Screen(Clock& clock) : clock_(clock) {}
-
-  void messageBox(TextView, std::uint32_t, TextView) override {}
-  void waitWhile(const platform::WaitText&, const std::function<bool(platform::WaitView&)>& tick) override {
-    struct View : platform::WaitView {
-      void show(const platform::WaitText&) override {}
-      void repaint() override {}
-    } view;
-    do clock_.sleep(1000);
-    while (tick(view));
-  }
-  std::unique_ptr<platform::WaitView> showWait(const platform::WaitText&) override { return nullptr; }
-  std::unique_ptr<platform::JournalView> showJournal() override;
-  void serveWindows() override {}
-  void showTrace(bool) override {}
-  void traceLine(TextView) override {}
-
- private:
-  Clock& clock_;
-};
-
 /// A disk on which only journals may be written, in folders below their own two.
-class Files : public platform::Files {
+class Disk : public embedding::VirtualDisk {
  public:
-  Text componentFolder() override { return u"C:\\till"; }
-  std::optional<std::string> read(TextView path) override;
   bool makeFolder(TextView folder) override;
   bool replace(TextView path, std::string_view bytes) override;
-  bool isFolder(TextView) override { return false; }
-  std::vector<Text> fileNames(TextView) override { return {}; }
-  std::optional<std::uint64_t> fileSize(TextView) override { return std::nullopt; }
-  std::unique_ptr<platform::GrowingFile> grow(TextView) override { return nullptr; }
-  void remove(TextView) override {}
 
-  std::optional<std::string> catalogue;
   /// Everything that was ever written, the latest last.
   std::vector<std::string> written;
 };
@@ -104,7 +58,7 @@ class Line : public platform::SerialPort, public platform::DatagramSockets {
  public:
   using Answer = std::function<std::string(const std::string& command)>;
 
-  explicit Line(Clock& clock) : clock_(clock) {}
+  explicit Line(embedding::VirtualClock& clock) : clock_(clock) {}
 
   Answer answer = [](const std::string&) { return std::string(); };
   /// Whether the device acknowledges a frame on the network by itself.
@@ -133,7 +87,7 @@ class Line : public platform::SerialPort, public platform::DatagramSockets {
   template <class Take>
   void takeFrames(std::string_view bytes, Take take);
 
-  Clock& clock_;
+  embedding::VirtualClock& clock_;
   std::string frame_;
   std::string serial_;
   std::vector<std::string> datagrams_;
@@ -154,18 +108,16 @@ class Machine {
   /// A facade connected to the device.
   ObjectPtr connected(bool overNetwork);
 
-  Clock clock;
-  Screen screen{clock};
-  Files files;
+  embedding::VirtualClock clock;
+  embedding::VirtualOperator screen{clock};
+  Disk disk;
   Line line{clock};
-  platform::Platform platform{line, line, clock, screen, files};
+  platform::Platform platform{line, line, clock, screen, disk};
 
  private:
-  int liveBefore_;
+  const int liveBefore_ = Object::liveCount();
+  std::optional<embedding::Component> component_;
 };
-
-/// A new object of a public class.
-ObjectPtr create(std::string_view className);
 
 /// The variables of one call of a member, in its parameters' types. Texts are "A", numbers `number`, records new ones.
 class Variables {

@@ -1,6 +1,6 @@
 // Journals of any kind. An input: a byte of how (1 network, 2 framed, 4 without the window, 8 without closing the day,
 // 16 the earlier form, 32 no device), then the device's replies, one a line; with no device a file's name in UTF-8, its
-// Z number in one byte, and its content. Where it is written is the machine's own concern: see Files.
+// Z number in one byte, and its content. Where it is written is the machine's own concern: see Disk.
 
 #include <algorithm>
 
@@ -48,7 +48,7 @@ void save(FiscalJournal& journal, Input input, Machine& machine) {
   Text data = fromCodePage(input.rest());
   Text copy = data;
   if (passes([&] { journal.EJFileSave(name, data, name); })) {
-    require(machine.files.written[0] == toCodePage(copy) + "\r\n", "the file holds the text");
+    require(machine.disk.written[0] == toCodePage(copy) + "\r\n", "the file holds the text");
   }
   if (passes([&] { journal.eEJFileSave(name, data, zNumber); })) require(data.empty(), "emptied once it is saved");
 }
@@ -72,7 +72,7 @@ void run(Input input) {
   const auto take = [&] {
     result = isEarlierForm ? journal->MakeZreport(text) : journal->eMakeZreport(text, closesDay, withForm);
   };
-  if (passes(take) && result == 0) reader.requireSaved(machine.files.written);
+  if (passes(take) && result == 0) reader.requireSaved(machine.disk.written);
 }
 
 }  // namespace

@@ -5,8 +5,9 @@
 
 #include "component/component.h"
 #include "driver/fiscal_varlen_module2.h"
+#include "embedding/component.h"
+#include "embedding/till.h"
 #include "link/network_endpoint.h"
-#include "state/module_state.h"
 #include "tests/fakes/fake_line.h"
 #include "tests/fakes/strings.h"
 #include "text/text.h"
@@ -35,11 +36,6 @@ std::uint32_t errorOf(F call) {
 constexpr std::uint32_t kMemberNotFound = 0x80020003, kTypeMismatch = 0x80020005, kOverflow = 0x8002000A,
                         kBadIndex = 0x8002000B;
 
-inline ObjectPtr create(std::string_view className) {
-  const auto nameOf = [](const PublicClass& entry) { return entry.describe().name(); };
-  return std::ranges::find(publicClasses(), className, nameOf)->create();
-}
-
 inline void put(Object& object, std::string_view property, Value value) {
   const Argument argument[] = {Argument(std::move(value))};
   object.invoke(property, ClassInfo::Access::write, argument);
@@ -55,25 +51,19 @@ class ComponentTest : public testing::Test {
  protected:
   ComponentTest() {
     files.setCatalogue(2, {{2, "Τίτλος"}, {180, "Κλειστή θύρα"}, {182, "Ρύθμιση :"}}, 92);
-    moduleState() = ModuleState{};
-    moduleState().platform = &machine;
-    startComponent();
+    component.emplace(machine);
   }
   ~ComponentTest() override {
-    moduleState() = ModuleState{};
+    component.reset();
     EXPECT_EQ(Object::liveCount(), liveBefore_) << "objects leak";
   }
 
-  /// Calls a member whose last arguments are Result, Exresult and SupressError_, and Pass where it takes one.
+  /// Calls a member that tells an outcome.
   template <class... A>
   Value run(Object& object, std::string_view member, A&&... arguments) {
     Result = 77;
     Exresult = u"before";
-    const Member* const row = object.classInfo().find(member, ClassInfo::Access::call);
-    if (row != nullptr && std::ranges::find(row->parameters, "Pass", &Parameter::name) != row->parameters.end()) {
-      return object.call(member, std::forward<A>(arguments)..., Result, Exresult, SupressError_, Pass);
-    }
-    return object.call(member, std::forward<A>(arguments)..., Result, Exresult, SupressError_);
+    return embedding::callWithOutcome(object, member, Result, Exresult, SupressError_, std::forward<A>(arguments)...);
   }
   std::string exresult() const { return toUtf8(Exresult); }
   /// Result and Exresult, as in "20 Z closure time limit".
@@ -87,9 +77,10 @@ class ComponentTest : public testing::Test {
   FakeDevice device;
   FakeSerial serial{device, clock};
   FakeSockets sockets{device, clock};
-  FakeScreen screen;
+  FakeScreen screen{clock};
   FakeFiles files;
   platform::Platform machine{serial, sockets, clock, screen, files};
+  std::optional<embedding::Component> component;
 
   Short Result = 77;
   Text Exresult = u"before";

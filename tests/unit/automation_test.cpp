@@ -201,7 +201,7 @@ TEST_F(Automation, OfOneVariableGivenTwiceTheResultStays) {
 
 TEST_F(Automation, RecordsOfTheWrongClassAreRefused) {
   EXPECT_EQ(subject->call("record", *std::make_shared<clsStatus>()), Value(Short{0}));
-  for (Value wrong : {Value(create("clsAccumulator")), Value(ObjectPtr()), Value(), Value(Text(u"3"))}) {
+  for (Value wrong : {Value(createObject("clsAccumulator")), Value(ObjectPtr()), Value(), Value(Text(u"3"))}) {
     EXPECT_EQ(callError("record", wrong), kTypeMismatch) << wrong.index();
   }
   EXPECT_EQ(subject->runs, 1);
@@ -214,7 +214,7 @@ TEST_F(Automation, CountsAndOptions) {
   EXPECT_EQ(subject->invoke("options", ClassInfo::Access::call, gap), Value(Text(u"3 4 t yes")));
   EXPECT_EQ(callError("options"), 0x8002000E);
   EXPECT_EQ(callError("options", 3, 3, u"x", true, 3), 0x8002000E);
-  EXPECT_EQ(errorOf([] { create("cTCPIP")->call("RemotePort", 3); }), kMemberNotFound) << "it can only be set";
+  EXPECT_EQ(errorOf([] { createObject("cTCPIP")->call("RemotePort", 3); }), kMemberNotFound) << "it can only be set";
   EXPECT_EQ(subject->call("OPTIONS", 3), subject->call("options", 3));
   const Argument none[] = {Argument()};
   EXPECT_NE(errorOf([&] { subject->invoke("Short", ClassInfo::Access::call, none); }), 0u);

@@ -39,7 +39,7 @@ class CallsFromWithin : public DriverTest {
   int runs = 0;
   std::shared_ptr<fiscalTrevikModule> facade = std::make_shared<fiscalTrevikModule>();
   const ObjectPtr adjustment = convertTo<ObjectPtr>(facade->call("adjustment", false));
-  const ObjectPtr journal = std::make_shared<FiscalJournal>(), null = create("fiscalNullModule");
+  const ObjectPtr journal = std::make_shared<FiscalJournal>(), null = createObject("fiscalNullModule");
 };
 
 TEST_F(CallsFromWithin, EveryOperationIsRefusedAndTouchesNothingElse) {
@@ -59,7 +59,7 @@ TEST_F(CallsFromWithin, EveryOperationIsRefusedAndTouchesNothingElse) {
       std::vector<Value> variables(member.parameters.size());
       for (std::size_t i = 0; i < variables.size(); ++i) {
         if (member.parameters[i].type.kind != TypeKind::object) continue;
-        variables[i] = create(member.parameters[i].type.name);
+        variables[i] = createObject(member.parameters[i].type.name);
       }
       std::vector<Value> expected = variables;
       expected[report] = isJournal ? Value(Text(u"14~" + fromUtf8(kBusy.substr(3)))) : Value(Short{14});

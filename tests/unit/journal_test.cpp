@@ -26,7 +26,9 @@ class Journal : public DriverTest {
  protected:
   /// Starts afresh; the device will reply so.
   void restart(const Strings& replies = {}, const std::string& behind = "00/00/00/") {
-    files = {}, screen = {};
+    files = {};
+    screen.boxes.clear(), screen.journal.clear();
+    screen.eventRounds = 0;
     device.script.clear();
     device.commands.clear();
     answers(replies, behind);

@@ -65,7 +65,7 @@ TEST_F(Link, ALineThatDiedIsOpenedAnew) {
   serial.unpluggedFrom = clock.now + 0.5;
   serial.unpluggedUntil = 1e9;
   device.silence();
-  EXPECT_THROW(transfer(u"F/3/"), std::logic_error) << "it is tried without end";
+  EXPECT_THROW(transfer(u"F/3/"), embedding::StillWaiting) << "it is tried without end";
   clock.now = 0;
   run(*driver, "DisConnect_", u"");
   EXPECT_EQ(Result, 1);

@@ -60,7 +60,7 @@ class MembersOfTheDriver : public DriverTest {};
 
 // A word that is not declared does something that must happen once: as a payment it could charge a card twice.
 TEST_F(MembersOfTheDriver, SendNoWordThatIsNotDeclared) {
-  const ObjectPtr facade = create("fiscalTrevikModule");
+  const ObjectPtr facade = createObject("fiscalTrevikModule");
   screen.expectsWaits = true;
   for (const Member& member : facade->classInfo().members()) {
     if (member.kind != MemberKind::method || member.name == "SendCommand_") continue;
@@ -68,7 +68,7 @@ TEST_F(MembersOfTheDriver, SendNoWordThatIsNotDeclared) {
     std::vector<Argument> arguments;
     for (std::size_t i = 0; i < variables.size(); ++i) {
       const Type& type = member.parameters[i].type;
-      if (type.kind == TypeKind::object) variables[i] = create(type.name);
+      if (type.kind == TypeKind::object) variables[i] = createObject(type.name);
       if (type.kind == TypeKind::text) variables[i] = Text(u"text");
       arguments.emplace_back(Reference(&variables[i]));
     }

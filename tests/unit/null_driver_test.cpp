@@ -22,7 +22,7 @@ TEST_F(NullDriver, RefusesEveryOperationAlikeAndChangesNothingElse) {
     for (const Parameter& parameter : member.parameters) {
       const auto [kind, className] = parameter.type;
       expected.push_back(kind == TypeKind::boolean ? Value(true) : Value(Short{7}));
-      if (kind == TypeKind::object) expected.back() = Value(create(className));
+      if (kind == TypeKind::object) expected.back() = Value(createObject(className));
     }
     std::vector<Value> variables = expected;
     std::vector<Argument> arguments;
@@ -45,7 +45,7 @@ TEST_F(NullDriver, LeavesNoEarlierFiguresInTheRecords) {
   for (const auto& [member, record] :
        {std::pair("transactionTotals", "clsTransTotal"), std::pair("getDailyTotals", "clsDailyAcc"),
         std::pair("getSalesPerDepartment", "clsAccumulator"), std::pair("getSalesPerCategory", "clsAccumulator")}) {
-    const ObjectPtr figures = create(record);
+    const ObjectPtr figures = createObject(record);
     for (const Member& row : figures->classInfo().members()) {
       if (row.kind == MemberKind::put) put(*figures, row.name, Short{5});
     }

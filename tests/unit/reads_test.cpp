@@ -36,7 +36,7 @@ class Reads : public DriverTest {
  protected:
   /// Reads into variables, or into a record, that hold 5 everywhere.
   std::uint32_t perform(const Read& read, const std::string& reply) {
-    const ObjectPtr record = read.record.empty() ? nullptr : create(read.record);
+    const ObjectPtr record = read.record.empty() ? nullptr : createObject(read.record);
     Value variables[10];
     std::vector<Argument> arguments;
     if (record) arguments.emplace_back(Value(record));

@@ -108,7 +108,7 @@ TEST_F(Record, TellsWhatHappensOnTheSerialLine) {
       "sent          8 <STX>F/3/15<ETX>",
       "received     11 <STX>00/00/00/<ETX>",
       "sent          1 <ACK>",
-      "ended         0 FeedPaper, 10004 ms",
+      "ended         0 FeedPaper, 11004 ms",
       "call          0 FeedPaper",
       "sent          3 <CAN><CAN><ENQ>",
       "sent          8 <STX>F/0/12<ETX>",

@@ -32,7 +32,7 @@ class ReplayedTill : public ComponentTest, public testing::WithParamInterface<Ki
     files.contents.clear();
     moduleState().recorder = std::make_unique<recorder::Recorder>(files, ticking, files.recordFolder);
     std::string outcomes;
-    const auto till = create("fiscalTrevikModule");
+    const auto till = createObject("fiscalTrevikModule");
     const auto tell = [&](std::string_view member, auto... arguments) {
       run(*till, member, arguments...);
       outcomes += outcome() + "\n";

@@ -73,7 +73,7 @@ TEST_F(Reports, AnXReportFailsAsAnyCommand) {
 }
 
 TEST_F(Reports, AReportIsSentByTheDriverThatIsCurrent) {
-  moduleState().currentDriver = create("fiscalNullModule");
+  moduleState().currentDriver = createObject("fiscalNullModule");
   for (const char* member : {"issueXReport", "issueZReprintReport"}) EXPECT_THAT(call(member), IsEmpty()) << outcome();
 }
 
