@@ -16,10 +16,9 @@
 #include <fstream>
 #include <vector>
 
-#include "component/component.h"
-#include "facade/fiscal_trevik_module.h"
+#include "embedding/component.h"
+#include "embedding/till.h"
 #include "records/cls_daily_acc.h"
-#include "state/module_state.h"
 
 namespace mirvane::bench {
 namespace {
@@ -51,7 +50,7 @@ class HurriedClock : public platform::Clock {
 class Till {
  public:
   explicit Till(const Text& port) { run("Connect_", port); }
-  ~Till() { run("DisConnect_", Text()); }
+  ~Till() { till_.call("DisConnect_", Text()); }
   Till(const Till&) = delete;
   Till& operator=(const Till&) = delete;
 
@@ -68,15 +67,11 @@ class Till {
  private:
   template <class... A>
   void run(const char* member, A&&... arguments) {
-    std::int16_t result = 77;
-    Text text;
-    bool silent = true;
-    till_->call(member, std::forward<A>(arguments)..., result, text, silent);
-    const bool isDone = result == (std::string_view(member) == "DisConnect_" ? 1 : 0);
-    if (!isDone) fail(std::string(member) + ": " + std::to_string(result) + " " + toUtf8(text));
+    if (till_.call(member, std::forward<A>(arguments)...)) return;
+    fail(std::string(member) + ": " + std::to_string(till_.Result) + " " + toUtf8(till_.Exresult));
   }
 
-  std::shared_ptr<fiscalTrevikModule> till_ = std::make_shared<fiscalTrevikModule>();
+  embedding::Till till_;
   std::shared_ptr<clsDailyAcc> totals_ = std::make_shared<clsDailyAcc>();
 };
 
@@ -129,12 +124,14 @@ void soak(const char* line, const Text& port) {
 int main(int argc, char** argv) {
   using namespace mirvane;
   if (argc != 3) bench::fail("usage: soak-bench SERIAL-PORT NETWORK-PORT");
-  startComponent();
-  bench::soak("serial", fromUtf8(argv[1]));
+  {
+    const embedding::Component component;
+    bench::soak("serial", fromUtf8(argv[1]));
+  }
   bench::HurriedClock clock;
   const platform::Platform& host = platform::hostPlatform();
   platform::Platform machine{host.serial, host.sockets, clock, host.screen, host.files};
-  moduleState().platform = &machine;
+  const embedding::Component component(machine);
   bench::soak("network", fromUtf8(argv[2]));
   return 0;
 }

@@ -168,7 +168,8 @@ int Machine::journalsMissing() {
       for (const char* drive : {"c:\\bbox\\", "c:\\bboxBackUp\\"}) {
         const auto saved = disk.contents.find(fromUtf8(std::string(drive).append(folder).append(name)));
         const auto handed = journal_.find(name);
-        isWhole = isWhole && handed != journal_.end() && saved != disk.contents.end() && saved->second == handed->second;
+        isWhole =
+            isWhole && handed != journal_.end() && saved != disk.contents.end() && saved->second == handed->second;
       }
     }
     missing += isWhole ? 0 : 1;

@@ -19,9 +19,7 @@ platform::LocalTime VirtualClock::localTime() {
 }
 
 // From the day that localTime tells, at the same hour.
-std::int64_t VirtualClock::sinceEpoch() {
-  return 1711324800000 + static_cast<std::int64_t>((startOfDay + now) * 1000);
-}
+std::int64_t VirtualClock::sinceEpoch() { return 1711324800000 + static_cast<std::int64_t>((startOfDay + now) * 1000); }
 
 void VirtualClock::sleep(std::uint32_t milliseconds) {
   ++sleeps[milliseconds];
@@ -127,7 +125,8 @@ class VirtualDisk::Growing : public platform::GrowingFile {
   std::uint64_t size() override { return disk_.fileSize(path_).value_or(0); }
   std::size_t append(std::string_view bytes) override {
     const std::size_t count = disk_.onAppend(bytes.size());
-    if (const auto file = disk_.contents.find(path_); file != disk_.contents.end()) file->second += bytes.substr(0, count);
+    if (const auto file = disk_.contents.find(path_); file != disk_.contents.end())
+      file->second += bytes.substr(0, count);
     return count;
   }
 

@@ -84,7 +84,7 @@ TEST_P(ClosingTheDay, TakesTheJournalWhilePaperIsOut) {
 TEST_P(ClosingTheDay, ComesBackToACallerWhoRunsOutOfPaper) {
   startDay({"on x/2/2 paper-end"});
   EXPECT_EQ(close(), 25U);
-  EXPECT_TRUE(facade->StatusRead()->isDayOpen);
+  EXPECT_TRUE(status()->isDayOpen);
   expectClosed();
 }
 

@@ -26,15 +26,15 @@ class Day : public Till {
 
   // A line on the register and in the books of the open receipt.
   void enter(const char* member, const Line& line, int sign = 1) {
-    facade->call(member, u"Είδος", static_cast<double>(line.thousandths) / 1000, euro(line.price), kRates[line.vat],
-                 line.department, Result, Exresult, SupressError_, u"σχόλιο", line.category);
+    till->facade().call(member, u"Είδος", static_cast<double>(line.thousandths) / 1000, euro(line.price),
+                        kRates[line.vat], line.department, Result, Exresult, till->SupressError_, u"σχόλιο",
+                        line.category);
     EXPECT_EQ(Result, 0) << member << " " << toUtf8(Exresult);
     book(line, sign * line.amount(), 100 * sign);
   }
   void adjust(bool onLastItem, const char* member, double value, const Line& line, Cents amount) {
-    const ObjectPtr adjustment = std::get<ObjectPtr>(facade->call("adjustment", onLastItem));
-    adjustment->call(member, u"Προσαρμογή", value, Result, Exresult, SupressError_);
-    EXPECT_EQ(Result, 0) << member << " " << toUtf8(Exresult);
+    const ObjectPtr adjustment = std::get<ObjectPtr>(till->read("adjustment", onLastItem));
+    EXPECT_TRUE(till->callOn(*adjustment, member, u"Προσαρμογή", value)) << member << " " << toUtf8(Exresult);
     open[amount < 0 ? "amtDiscount" : "amtMarkUP"] += std::abs(amount);
     // A subtotal's adjustment counts for no department and no category.
     book(onLastItem ? line : Line{line.vat, 0, 0, 0, 0}, amount, 0);
@@ -151,11 +151,11 @@ TEST_P(Day, FromTheSettingsToTheNextMorning) {
   }
   succeed("issueXReport");
   expectTotals();
-  EXPECT_TRUE(facade->StatusRead()->isDayOpen);
+  EXPECT_TRUE(status()->isDayOpen);
 
   succeed("issueZReport");
   folders.expectSaved("0001");
-  EXPECT_FALSE(facade->StatusRead()->isDayOpen);
+  EXPECT_FALSE(status()->isDayOpen);
   books.clear();
   expectTotals();
   succeed("issueZReprintReport");

@@ -14,7 +14,7 @@ TEST_P(Till, AWholeReceiptWithChange) {
   EXPECT_EQ(run("commentPrinterPrint", u"Ευχαριστούμε", 1), 0);
   EXPECT_EQ(ask(u"9/"), "5.00/0.66/0.00/0.00/0.00/1/5.66/");
   EXPECT_EQ(run("printerStatusRead"), 0);
-  EXPECT_TRUE(facade->StatusRead()->isTransactionOpen);
+  EXPECT_TRUE(status()->isTransactionOpen);
   EXPECT_EQ(pay(1, 10), 0);
   expectPaper(
       {"Καφες-γαλα", " 5,00 ", "Νερο", " 0,99 ", "Νερο", " -0,33 ", "Ευχαριστούμε", " 5,66\n", " 10,00\n", " 4,34\n"});

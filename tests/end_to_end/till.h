@@ -2,9 +2,9 @@
 
 #include <memory>
 
-#include "component/component.h"
-#include "facade/fiscal_trevik_module.h"
-#include "state/module_state.h"
+#include "embedding/component.h"
+#include "embedding/till.h"
+#include "records/cls_status.h"
 #include "tests/end_to_end/emulator_process.h"
 
 namespace mirvane::test {
@@ -18,14 +18,10 @@ inline std::string lineName(const testing::TestParamInfo<const char*>& line) { r
 /// A till at the emulator, over the transport that is the test's parameter.
 class Till : public testing::TestWithParam<const char*> {
  protected:
-  Till() {
-    moduleState() = ModuleState{};
-    startComponent();
-  }
   ~Till() override {
-    if (facade) run("DisConnect_", fromUtf8(port));
-    facade = nullptr;
-    moduleState() = ModuleState{};
+    if (till) run("DisConnect_", fromUtf8(port));
+    till.reset();
+    component.reset();
     EXPECT_EQ(Object::liveCount(), 0) << "objects leak";
   }
 
@@ -46,8 +42,7 @@ class Till : public testing::TestWithParam<const char*> {
   }
   template <class... A>
   Short run(const char* member, A&&... arguments) {
-    Result = 77;
-    facade->call(member, std::forward<A>(arguments)..., Result, Exresult, SupressError_);
+    till->call(member, std::forward<A>(arguments)...);
     return Result;
   }
   template <class... A>
@@ -60,10 +55,11 @@ class Till : public testing::TestWithParam<const char*> {
   Short pay(Short number, double amount) { return run("Payment", number, u"", amount, 0, 0); }
   /// The fields of the reply to a command of the program's own.
   std::string ask(const char16_t* command) {
-    Text pass;
-    facade->call("SendCommand_", command, Result, Exresult, SupressError_, pass);
-    EXPECT_EQ(Result, 0) << toUtf8(Exresult);
+    succeed("SendCommand_", command);
     return toUtf8(Exresult).substr(9);
+  }
+  std::shared_ptr<clsStatus> status() {
+    return std::dynamic_pointer_cast<clsStatus>(std::get<ObjectPtr>(till->read("StatusRead")));
   }
   void expectPaper(const std::vector<std::string>& pieces) const {
     std::string rest = emulator->paper();
@@ -77,11 +73,11 @@ class Till : public testing::TestWithParam<const char*> {
   const bool isNetwork = acknowledgesEnq || std::string("network") == GetParam();
 
   std::unique_ptr<EmulatorProcess> emulator;
-  std::shared_ptr<fiscalTrevikModule> facade = std::make_shared<fiscalTrevikModule>();
+  std::optional<embedding::Component> component{std::in_place};
+  std::optional<embedding::Till> till{std::in_place};
   std::string port;
-  Short Result = 77;
-  Text Exresult;
-  bool SupressError_ = true;
+  Short& Result = till->Result;
+  Text& Exresult = till->Exresult;
 };
 
 }  // namespace mirvane::test
