@@ -9,6 +9,7 @@
 
 #include "bench/till.h"
 #include "protocol/wire.h"
+#include "text/code_page.h"
 
 namespace mirvane::bench {
 

@@ -19,6 +19,7 @@
 #include "embedding/component.h"
 #include "embedding/till.h"
 #include "records/cls_daily_acc.h"
+#include "text/code_page.h"
 
 namespace mirvane::bench {
 namespace {

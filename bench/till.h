@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "text/code_page.h"
+#include "text/text.h"
 
 namespace mirvane::bench {
 

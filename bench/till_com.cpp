@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "bench/till.h"
+#include "text/code_page.h"
 
 namespace mirvane::bench {
 namespace {

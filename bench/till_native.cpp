@@ -7,6 +7,7 @@
 #include "facade/fiscal_trevik_module.h"
 #include "state/module_state.h"
 #include "support/electronic_journal.h"
+#include "text/code_page.h"
 
 namespace mirvane::bench {
 namespace {

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "campaign/till.h"
+#include "text/code_page.h"
 
 namespace mirvane::campaign {
 namespace {

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "protocol/wire.h"
+#include "text/code_page.h"
 
 namespace mirvane::campaign {
 namespace {

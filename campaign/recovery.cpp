@@ -5,6 +5,7 @@
 
 #include "records/cls_daily_acc.h"
 #include "records/cls_trans_total.h"
+#include "text/code_page.h"
 #include "text/text.h"
 
 namespace mirvane::campaign {

@@ -6,6 +6,7 @@
 #include "facade/fiscal_trevik_module.h"
 #include "link/open_port.h"
 #include "protocol/device_codes.h"
+#include "text/code_page.h"
 
 namespace mirvane::campaign {
 namespace {

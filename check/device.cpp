@@ -17,6 +17,7 @@
 #include "link/port.h"
 #include "session/session.h"
 #include "state/module_state.h"
+#include "text/code_page.h"
 #include "tools/result_codes.h"
 
 namespace mirvane::check {

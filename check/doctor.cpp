@@ -10,6 +10,7 @@
 #include "check/texts.h"
 #include "platform/ports.h"
 #include "support/electronic_journal.h"
+#include "text/code_page.h"
 
 namespace mirvane::check {
 namespace {

@@ -13,6 +13,7 @@
 #include "component/component.h"
 #include "protocol/device_codes.h"
 #include "support/electronic_journal.h"
+#include "text/code_page.h"
 #include "text/number_text.h"
 
 namespace mirvane::check {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "text/text.h"
+#include "text/code_page.h"
 
 namespace mirvane::embedding {
 

@@ -7,6 +7,7 @@
 #include "emulator/money.h"
 #include "emulator/register.h"
 #include "emulator/result_code.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 

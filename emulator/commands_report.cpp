@@ -1,6 +1,7 @@
 #include "emulator/command.h"
 #include "emulator/receipt_printer.h"
 #include "emulator/report_printer.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 namespace {

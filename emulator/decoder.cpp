@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "emulator/command.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 namespace {

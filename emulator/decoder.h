@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "text/code_page.h"
+#include "text/text.h"
 
 // Commands and replies in words, for whoever reads along.
 namespace mirvane::emulator {

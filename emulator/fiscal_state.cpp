@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cctype>
 
+#include "text/code_page.h"
+
 namespace mirvane::emulator {
 namespace {
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 
+#include "text/code_page.h"
+
 namespace mirvane::emulator {
 namespace {
 

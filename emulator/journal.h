@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "text/code_page.h"
+#include "text/text.h"
 
 namespace mirvane::emulator {
 

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string_view>
 
-#include "text/code_page.h"
+#include "text/text.h"
 
 namespace mirvane::emulator {
 

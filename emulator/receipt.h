@@ -5,7 +5,7 @@
 
 #include "emulator/money.h"
 #include "emulator/result_code.h"
-#include "text/code_page.h"
+#include "text/text.h"
 
 namespace mirvane::emulator {
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "text/code_page.h"
+
 namespace mirvane::emulator {
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "text/code_page.h"
+#include "text/text.h"
 
 namespace mirvane::emulator {
 

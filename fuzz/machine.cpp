@@ -8,6 +8,7 @@
 #include "component/component.h"
 #include "embedding/till.h"
 #include "protocol/wire.h"
+#include "text/code_page.h"
 #include "text/text.h"
 
 namespace mirvane::fuzz {

@@ -5,6 +5,7 @@
 
 #include "component/component.h"
 #include "state/fiscal_types.h"
+#include "text/code_page.h"
 #include "text/number_text.h"
 #include "tools/descriptions.h"
 

@@ -9,6 +9,7 @@
 
 #include "protocol/device_codes.h"
 #include "state/message_catalogue.h"
+#include "text/code_page.h"
 
 namespace mirvane {
 

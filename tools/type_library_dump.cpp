@@ -23,6 +23,7 @@
 
 #include "com/com.h"
 #include "component/component.h"
+#include "text/code_page.h"
 
 namespace {
 

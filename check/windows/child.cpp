@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "platform/windows/windows.h"
+#include "text/code_page.h"
 
 namespace mirvane::check {
 namespace {

@@ -12,6 +12,7 @@
 #include "check/texts.h"
 #include "check/windows/library.h"
 #include "check/windows/registry.h"
+#include "text/code_page.h"
 
 namespace mirvane::check {
 namespace {

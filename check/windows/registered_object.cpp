@@ -11,6 +11,7 @@
 #include "component/component.h"
 #include "platform/windows/windows.h"
 #include "state/module_state.h"
+#include "text/code_page.h"
 
 namespace mirvane::check {
 namespace {

@@ -59,7 +59,7 @@ struct Expanded {
     at->type = kTypeOf<std::remove_cvref_t<A>>;
     at->byReference = std::is_lvalue_reference_v<A>;
   }
-  static decltype(auto) take(CallArguments& arguments, std::size_t at) { return arguments.get<A>(at); }
+  static decltype(auto) from(CallArguments& arguments, std::size_t at) { return arguments.get<A>(at); }
 };
 
 template <Compound A>
@@ -73,7 +73,7 @@ struct Expanded<A> {
     }
     (std::make_index_sequence<kWidth>());
   }
-  static A take(CallArguments& arguments, std::size_t at) {
+  static A from(CallArguments& arguments, std::size_t at) {
     return [&]<std::size_t... I>(std::index_sequence<I...>) {
       return A{arguments.get<std::tuple_element_t<I, typename A::Types>>(at + I)...};
     }
@@ -117,7 +117,7 @@ struct Signature<R(A...)> {
   static Value run(const F& implementation, C& self, [[maybe_unused]] CallArguments& arguments,
                    std::index_sequence<I...> /*positions*/) {
     const auto call = [&]() -> decltype(auto) {
-      return std::invoke(implementation, self, Expanded<A>::take(arguments, position(I))...);
+      return std::invoke(implementation, self, Expanded<A>::from(arguments, position(I))...);
     };
     if constexpr (std::is_void_v<decltype(call())>) {
       call();

@@ -6,7 +6,7 @@
 #include <variant>
 
 #include "automation/errors.h"
-#include "text/code_page.h"
+#include "text/text.h"
 
 namespace mirvane {
 

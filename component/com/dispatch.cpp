@@ -7,6 +7,7 @@
 #include "com/type_library.h"
 #include "com/variants.h"
 #include "component/component.h"
+#include "text/code_page.h"
 
 namespace mirvane::com {
 namespace {

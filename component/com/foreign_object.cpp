@@ -7,6 +7,7 @@
 
 #include "com/variants.h"
 #include "platform/windows/floating_point.h"
+#include "text/code_page.h"
 
 namespace mirvane::com {
 namespace {

@@ -1,5 +1,6 @@
 #include "driver/fiscal_varlen_module2.h"
 #include "link/port.h"
+#include "text/code_page.h"
 #include "version.h"
 
 namespace mirvane {
@@ -21,7 +22,7 @@ constexpr auto kSendCommand =
 // One exchange at the link's own level: no wait, no box but the one about unknown characters.
 Reply exchangeOnce(Driver& driver, TextView command, Outcome outcome, std::int16_t timeOut = 0) {
   Reply reply = driver.session.exchange(command, outcome, timeOut);
-  outcome.take(reply);
+  outcome.set(reply);
   return reply;
 }
 
@@ -56,7 +57,7 @@ void addConnection(Rows& rows) {
         outcome.Exresult =
             part(0) + u"\r\n" + part(1) + u"[" + part(2) + u"]\r\n" + fromUtf8(MIRVANE_VERSION "\r\n" MIRVANE_PRODUCT);
       })
-      .implement<Connect_>([](Driver&, const Text& PORT, Outcome outcome) { outcome.take(openPort(PORT)); })
+      .implement<Connect_>([](Driver&, const Text& PORT, Outcome outcome) { outcome.set(openPort(PORT)); })
       .implement<DisConnect_>([](Driver&, Text&, Outcome outcome) { outcome.Result = closePort(); })
       .implement<logoLineDescLength>([](Driver&) { return kLogoLine; });
 }

@@ -16,29 +16,23 @@ struct JournalStep {
 };
 bool& stepHasFailed() { return kept<JournalStep>().hasFailed; }
 
-// Takes the day's journal from the device, before a closing. True when that failed; `message` is then the code, "~"
-// and its text.
-bool journalStepFails(Driver& driver, Text& message) {
-  message = u"0";
+// Copies the day's journal from the device, before a closing.
+Reply journalStep(Driver& driver) {
   if (driver.journal == nullptr) driver.journal = std::make_shared<FiscalJournal>();
-  bool closesDay = true;
-  bool withForm = true;
   stepHasFailed() = true;  // also when a file error leaves the step
-  stepHasFailed() = driver.journal->eMakeZreport(message, closesDay, withForm) != 0;
-  return stepHasFailed();
+  Reply end = driver.journal->copyDay(true, true);
+  stepHasFailed() = !end.succeeded();
+  return end;
 }
 
-bool journalIsTaken(Driver& driver, Text& message) {
+Reply repeatedJournalStep(Driver& driver) {
+  Reply end;
   for (int i = 0; i < kJournalTries; ++i) {
-    if (!journalStepFails(driver, message)) return true;
+    end = journalStep(driver);
+    if (end.succeeded()) break;
     pause(kPauseMilliseconds);
   }
-  return false;
-}
-
-Reply failureOf(const Text& message) {
-  const std::size_t code = message.find(u'~');
-  return {toInt(TextView(message).substr(0, code)), code == Text::npos ? Text() : message.substr(code + 1)};
+  return end;
 }
 
 // The box of a device error never comes from the Z report and its reprint.
@@ -51,11 +45,11 @@ void printSilently(const Text& command, Outcome outcome) {
 // tell it, but a silent caller keeps its variables and learns of it from the missing report alone. A file error raises
 // typeMismatch.
 void closeDay(Driver& driver, Outcome outcome) {
-  Text message;
-  if (journalIsTaken(driver, message)) {
+  const Reply journal = repeatedJournalStep(driver);
+  if (journal.succeeded()) {
     printSilently(u"x/2/2", outcome);
   } else if (!outcome.SupressError_) {
-    Session::fail(failureOf(message), outcome);
+    Session::fail(journal, outcome);
   }
 }
 
@@ -66,11 +60,11 @@ void addReports(Rows& rows) {
   rows.implement<issueZReport>(closeDay)
       // The whole closing when the device has a journal that was not taken yet.
       .implement<issueZReprintReport>([](Driver& driver, Outcome outcome) {
-        Text message;
-        if (stepHasFailed() && journalStepFails(driver, message)) {
-          outcome.take(failureOf(message));
+        const Reply journal = stepHasFailed() ? journalStep(driver) : Reply();
+        if (!journal.succeeded()) {
+          outcome.set(journal);
           if (outcome.SupressError_) return;
-          showBox(message, platform::kExclamation, kDeviceFamilyName);
+          showBox(FiscalJournal::outcomeText(journal), platform::kExclamation, kDeviceFamilyName);
           return;
         }
         printSilently(u"x/9/", outcome);

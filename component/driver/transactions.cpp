@@ -109,7 +109,7 @@ void pay(Driver& driver, const Command& command, Outcome outcome, bool readsStat
 
 void printComment(Driver& driver, const Text& text, std::int16_t size, Outcome outcome) {
   const Text comment = left(text, kPrinterComment);
-  if (trim(comment).empty()) return outcome.take({});
+  if (trim(comment).empty()) return outcome.set({});
   driver.send(Command(u"P/").text(comment).integer(size), outcome);
 }
 

@@ -50,7 +50,7 @@ Body refusal(const contract::AnyMember& member) {
       const auto record = arguments.get<ObjectPtr&>(0);
       clearIf<clsTransTotal>(record) || clearIf<clsAccumulator>(record) || clearIf<clsDailyAcc>(record);
     }
-    fiscalNullModule::refuse(Expanded<Outcome>::take(arguments, at));
+    fiscalNullModule::refuse(Expanded<Outcome>::from(arguments, at));
     return {};
   };
 }
@@ -58,7 +58,7 @@ Body refusal(const contract::AnyMember& member) {
 }  // namespace
 
 void fiscalNullModule::refuse(Outcome outcome) {
-  outcome.take({link_result::kNoDevice, link_result::kNoDeviceText});
+  outcome.set({link_result::kNoDevice, link_result::kNoDeviceText});
   if (outcome.SupressError_) return;
   showBox(outcome.Exresult, platform::kInformationSystemModal, langMessage(message::kBoxTitle));
 }

@@ -5,6 +5,7 @@
 #include "interface/outcome.h"
 #include "protocol/device_codes.h"
 #include "state/module_state.h"
+#include "text/code_page.h"
 #include "text/number_text.h"
 
 namespace mirvane {
@@ -39,7 +40,7 @@ Report reportOf(const Member& member) {
 }
 
 Outcome outcomeOf(const Report& report, CallArguments& arguments) {
-  return Expanded<Outcome>::take(arguments, report.at);
+  return Expanded<Outcome>::from(arguments, report.at);
 }
 
 void release() {
@@ -116,7 +117,7 @@ struct Entrance {
     const bool hasDriver = state.currentDriver != nullptr && state.fiscalType != FISCAL_unknown;
     const bool succeeds = isConnected != nullptr && hasDriver && isConnected();
     if (succeeds) state.call.releasesDriver = false;
-    outcomeOf(report, arguments).take(succeeds ? Reply() : Reply(kBusy, Text(deviceErrorText(kBusy))));
+    outcomeOf(report, arguments).set(succeeds ? Reply() : Reply(kBusy, Text(deviceErrorText(kBusy))));
     return {};
   }
 

@@ -19,7 +19,7 @@ struct Outcome {
   static constexpr std::array<Parameter, 3> kNames = {output("Result"), output("Exresult"), "SupressError_"};
 
   /// Tells what came of a command.
-  void take(const Reply& reply) const {
+  void set(const Reply& reply) const {
     Result = reply.result;
     Exresult = reply.message;
   }

@@ -2,6 +2,7 @@
 
 #include "protocol/reply.h"
 #include "protocol/wire.h"
+#include "text/code_page.h"
 
 namespace mirvane {
 namespace {

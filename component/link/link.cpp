@@ -5,6 +5,7 @@
 #include "link/port.h"
 #include "state/message_catalogue.h"
 #include "state/module_state.h"
+#include "text/code_page.h"
 #include "text/text.h"
 
 namespace mirvane {

@@ -1,6 +1,7 @@
 #include "link/network_endpoint.h"
 
 #include "state/module_state.h"
+#include "text/code_page.h"
 #include "text/number_text.h"
 
 namespace mirvane {

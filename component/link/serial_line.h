@@ -1,6 +1,6 @@
 #pragma once
 
-#include "text/code_page.h"
+#include "text/text.h"
 
 namespace mirvane {
 

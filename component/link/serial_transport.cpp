@@ -12,6 +12,7 @@
 #include "link/stopwatch.h"
 #include "protocol/reply.h"
 #include "protocol/wire.h"
+#include "text/code_page.h"
 
 namespace mirvane {
 namespace {
@@ -44,7 +45,7 @@ std::optional<std::size_t> put(std::string_view bytes) {
 
 // Asking for no more than is there makes the read return at once; asking for one byte paces an idle line by the port's
 // read time-outs. Nothing when the line has failed.
-std::optional<std::string> take() {
+std::optional<std::string> readWaiting() {
   const auto waiting = port().waiting(handle());
   if (!waiting) return std::nullopt;
   return port().read(handle(), std::clamp<std::size_t>(*waiting, 1, kLongestRead));
@@ -95,7 +96,7 @@ class SerialExchange {
     if (putAll()) {
       Arrivals arrivals;
       while (time_.now() < end) {
-        const auto piece = take();
+        const auto piece = readWaiting();
         if (!piece) break;
         arrivals.add(*piece);
         append(exchange_.received, *piece);
@@ -146,7 +147,7 @@ class SerialExchange {
   bool listen() {
     Arrivals arrivals;
     do {
-      if (const auto piece = take()) {
+      if (const auto piece = readWaiting()) {
         arrivals.add(*piece);
         // What an earlier attempt brought in stays: the answer to it may be on its way.
         append(exchange_.received, *piece);
@@ -218,7 +219,7 @@ bool SerialTransport::write(std::string_view bytes) {
 }
 
 std::string SerialTransport::read() {
-  std::string bytes = take().value_or(std::string());
+  std::string bytes = readWaiting().value_or(std::string());
   recordBytes(EventKind::kReceived, bytes);
   return bytes;
 }
@@ -226,7 +227,7 @@ std::string SerialTransport::read() {
 // No read when nothing is there: it would cost its time-out.
 bool SerialTransport::hasUnread() { return port().waiting(handle()).value_or(0) > 0; }
 
-void SerialTransport::drop() { recordBytes(EventKind::kDropped, take().value_or(std::string())); }
+void SerialTransport::drop() { recordBytes(EventKind::kDropped, readWaiting().value_or(std::string())); }
 
 Exchange SerialTransport::exchange(const std::string& frame, const Sending& sending, SilenceObserver& silence) {
   return SerialExchange(frame, sending, silence).run();

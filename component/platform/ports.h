@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "text/code_page.h"
+#include "text/text.h"
 
 // Everything that the component asks of the machine. The core knows only these; platform/windows and platform/posix
 // implement them for real, tests supply fakes.

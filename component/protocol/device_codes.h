@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "text/code_page.h"
+#include "text/text.h"
 
 namespace mirvane {
 

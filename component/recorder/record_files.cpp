@@ -5,6 +5,7 @@
 #include <tuple>
 #include <utility>
 
+#include "text/code_page.h"
 #include "version.h"
 
 namespace mirvane::recorder {
@@ -125,13 +126,13 @@ bool RecordFiles::open() {
     if (!file.name.ends_with(u"-" + program + Text(kSuffix))) continue;
     // Of another day, and so are all older ones, or the clock has jumped.
     if (file.name != nameOf(file.number, day_, program)) break;
-    if (file.size + lines_.size() + kMostHead <= limits_.file && take(file.name)) return true;
+    if (file.size + lines_.size() + kMostHead <= limits_.file && growFile(file.name)) return true;
   }
   // Another process of the program may have been quicker, and one may still hold a file that was removed.
   constexpr std::uint32_t kTries = 16;
   const std::uint32_t last = files.empty() ? 0 : files.front().number;
   for (std::uint32_t number = last + 1; number <= last + kTries; ++number) {
-    if (!take(nameOf(number, day_, program))) continue;
+    if (!growFile(nameOf(number, day_, program))) continue;
     removeOldest(files);
     return true;
   }
@@ -148,7 +149,7 @@ void RecordFiles::removeOldest(const std::vector<File>& newestFirst) const {
   }
 }
 
-bool RecordFiles::take(TextView name) {
+bool RecordFiles::growFile(TextView name) {
   path_ = pathOf(name);
   file_ = files_.grow(path_);
   if (file_ == nullptr) return false;

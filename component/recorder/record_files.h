@@ -48,7 +48,7 @@ class RecordFiles {
   bool canGoOn() const;
   bool open();
   void removeOldest(const std::vector<File>& newestFirst) const;
-  bool take(TextView name);
+  bool growFile(TextView name);
   bool write();
 
   platform::Files& files_;

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "text/code_page.h"
+#include "text/text.h"
 
 // The flight record: what happened on the line to the register, in lines that a person can read and a program can
 // parse. A file of them is UTF-8, each line ends with CR LF.

@@ -36,7 +36,7 @@ struct Recorder::Writer {
 
   void run() {
     try {
-      while (takeBatch()) {
+      while (awaitBatch()) {
         if (writeBatch()) {
           std::this_thread::sleep_for(kLookEvery);
         } else {
@@ -55,16 +55,16 @@ struct Recorder::Writer {
   }
 
   // False at the end.
-  bool takeBatch() {
+  bool awaitBatch() {
     std::unique_lock lock(mutex);
     isIdle = true;
     changed.wait(lock, [this] { return isEnding || !pending.empty(); });
     isIdle = false;
-    take();
+    swapBatch();
     return !batch.empty();
   }
 
-  void take() {
+  void swapBatch() {
     batch.swap(pending);
     pendingSize = 0;
     if (lost > 0) {
@@ -135,7 +135,7 @@ void Recorder::finish() {
   // What the thread was at when it ended is in doubt, and so it is left alone.
   const std::unique_lock lock(writer_->mutex, std::try_to_lock);
   if (!lock.owns_lock() || !writer_->isAlive || !writer_->batch.empty()) return;
-  writer_->take();
+  writer_->swapBatch();
   writer_->writeBatch();
 }
 

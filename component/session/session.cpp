@@ -79,10 +79,10 @@ Session::Payment Session::sendAs(const Word& word, TextView command, Outcome out
   bool isSilent = outcome.SupressError_;
   bool metCardPayment = false;
   for (;;) {
-    outcome.take({});
+    outcome.set({});
     Reply reply = exchangeAs(word, sent, isSilent, outcome, timeOut);
     const bool isAnswered = hasStatus(reply.raw());
-    outcome.take(reply);
+    outcome.set(reply);
     if (reply.succeeded()) return {reply, isAnswered && uncertainLooks_ == looksBefore};
     const bool isCardPayment = reply.is(DeviceCode::kCardUnderWay);
     // A card payment that is met again after its end is another's, or none that ends. From within another wait there
@@ -93,7 +93,7 @@ Session::Payment Session::sendAs(const Word& word, TextView command, Outcome out
     }
     const Reply end(lastResult, lastexResult);
     const bool isTold = isAnswered && uncertainLooks_ == looksBefore;
-    outcome.take(end);
+    outcome.set(end);
     if (!end.succeeded()) {
       fail(end, outcome);
       return {end, isTold};
@@ -113,7 +113,7 @@ Reply Session::sendSilently(TextView command) {
 }
 
 void Session::fail(const Reply& failure, Outcome outcome) {
-  outcome.take(failure);
+  outcome.set(failure);
   if (outcome.SupressError_) return;
   const Text prompt =
       u"Λάθος Φορολ. εκτυπωτή (" + numberText(std::int32_t{failure.result}) + u")\r\n" + failure.message;

@@ -53,7 +53,7 @@ platform::WaitText waitText(const Reply& reason) {
 
 void SilenceWindow::fallsSilent() {
   const Reply silence = silentDevice();
-  outcome_.take(silence);
+  outcome_.set(silence);
   if (view_ != nullptr) return;
   const Call& call = moduleState().call;
   if (platform::WaitView* const standing = waitView()) return standing->show(waitText(silence));

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "state/module_state.h"
+#include "text/code_page.h"
 #include "text/number_text.h"
 
 namespace mirvane {

@@ -1,5 +1,7 @@
 #include "state/module_state.h"
 
+#include "text/code_page.h"
+
 namespace mirvane {
 
 ModuleState& moduleState() {

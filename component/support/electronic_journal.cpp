@@ -6,6 +6,7 @@
 #include "interface/send_by_name.h"
 #include "state/module_state.h"
 #include "state/service.h"
+#include "text/code_page.h"
 #include "text/number_text.h"
 #include "text/text.h"
 
@@ -93,12 +94,6 @@ Reply askUntilPrepared(TextView command) {
   }
 }
 
-std::int32_t outcome(const Reply& reply, Text& errorDesc) {
-  errorDesc = numberText(std::int32_t{reply.result});
-  if (!reply.succeeded()) errorDesc += u"~" + reply.message;
-  return reply.result;
-}
-
 // The journal as it comes.
 struct Download {
   // Null when the operator is not shown it.
@@ -137,7 +132,7 @@ struct Download {
         fileName = name;
         if (view) view->beginFile(fileName);
       } else if (state == u"1") {
-        take(reply.textAt(1));
+        append(reply.textAt(1));
       } else if (state == u"2") {
         whenComplete();
       } else if (state == u"3") {
@@ -148,7 +143,7 @@ struct Download {
 
  private:
   static Reply lost() { return {link_result::kNoAnswer, link_result::kNoAnswerText}; }
-  void take(TextView piece) {
+  void append(TextView piece) {
     text += piece;
     count += piece.size();
     if (view) view->append(piece, count);
@@ -219,19 +214,29 @@ std::int32_t FiscalJournal::eEJFileSave(Text& Filename, Text& Filedata, std::int
   return 0;
 }
 
-std::int32_t FiscalJournal::eMakeZreport(Text& errorDesc, bool& bExecZReport, bool& bWithForm) {
-  const Reply day = askUntilPrepared(bExecZReport ? u"A/" : u"#/");
-  if (!day.succeeded()) return outcome(day, errorDesc);
-  std::int16_t zNumber = zNumberIn(day, bExecZReport ? 0 : 1);
+Text FiscalJournal::outcomeText(const Reply& end) {
+  const Text code = numberText(std::int32_t{end.result});
+  return end.succeeded() ? code : code + u"~" + end.message;
+}
 
-  const bool withForm = bWithForm;
+std::int32_t FiscalJournal::eMakeZreport(Text& errorDesc, bool& bExecZReport, bool& bWithForm) {
+  const Reply end = copyDay(bExecZReport, bWithForm);
+  errorDesc = outcomeText(end);
+  return end.result;
+}
+
+Reply FiscalJournal::copyDay(bool closesDay, bool withForm) {
+  Reply day = askUntilPrepared(closesDay ? u"A/" : u"#/");
+  if (!day.succeeded()) return day;
+  std::int16_t zNumber = zNumberIn(day, closesDay ? 0 : 1);
+
   Download journal;
   if (withForm) {
     journal.view = moduleState().platform->screen.showJournal();
   } else {
     askCurrentDriver(u"7/1/ΑΝΑΓΝΩΣΗ ΦΟΡΟΛ/");
   }
-  const Reply end = journal.run(
+  Reply end = journal.run(
       true,
       [&] {
         eEJFileSave(journal.fileName, journal.text, zNumber);
@@ -243,23 +248,29 @@ std::int32_t FiscalJournal::eMakeZreport(Text& errorDesc, bool& bExecZReport, bo
   if (end.succeeded() && hasSuffix(journal.fileName, kSummarySuffix) && !journal.text.empty()) {
     eEJFileSave(journal.fileName, journal.text, zNumber);
   }
-  return outcome(end, errorDesc);
+  return end;
 }
 
 std::int32_t FiscalJournal::MakeZreport(Text& errorDesc) {
-  const Reply name = askUntilPrepared(u")/");
-  if (!name.succeeded()) return outcome(name, errorDesc);
+  const Reply end = copyWholeDay();
+  errorDesc = outcomeText(end);
+  return end.result;
+}
+
+Reply FiscalJournal::copyWholeDay() {
+  Reply name = askUntilPrepared(u")/");
+  if (!name.succeeded()) return name;
   Text fileName = name.textAt(0);
-  const Reply day = askUntilPrepared(u"A/");
-  if (!day.succeeded()) return outcome(day, errorDesc);
+  Reply day = askUntilPrepared(u"A/");
+  if (!day.succeeded()) return day;
   Text signature = day.textAt(1);
 
   Download journal;
   journal.view = moduleState().platform->screen.showJournal();
-  const Reply end = journal.run(
+  Reply end = journal.run(
       false, [] {}, [] {});
   if (end.succeeded()) EJFileSave(fileName, journal.text, signature);
-  return outcome(end, errorDesc);
+  return end;
 }
 
 const ClassInfo& FiscalJournal::describe() {

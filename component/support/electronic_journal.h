@@ -1,6 +1,7 @@
 #pragma once
 
 #include "automation/object.h"
+#include "protocol/reply.h"
 
 namespace mirvane {
 
@@ -25,6 +26,10 @@ class FiscalJournal : public ObjectOf<FiscalJournal> {
   /// day holds so far. `bWithForm`: shows the journal while it comes; otherwise tells on the device's display and
   /// acknowledges every file. 0 and "0" in errorDesc; or the device's code, and errorDesc is code, "~" and its text.
   std::int32_t eMakeZreport(Text& errorDesc, bool& bExecZReport, bool& bWithForm);
+  /// What eMakeZreport does, and the device's reply that ended it.
+  Reply copyDay(bool closesDay, bool withForm);
+  /// What the two tell of that reply: "0", or code, "~" and its text.
+  static Text outcomeText(const Reply& end);
   /// Saves a day: `Filedata` as Filename + "_a.txt" and `FileSign` as Filename + "_b.txt". The first eleven characters
   /// of Filename, the device's serial number, and the next four, the Z number, are the folders. Returns 0.
   std::int32_t EJFileSave(Text& Filename, Text& Filedata, Text& FileSign);
@@ -37,6 +42,7 @@ class FiscalJournal : public ObjectOf<FiscalJournal> {
   std::vector<Text> folderPatterns();
 
  private:
+  Reply copyWholeDay();
   std::vector<Text> folders(TextView subPath);
 
   ObjectPtr box_;

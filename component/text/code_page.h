@@ -3,11 +3,9 @@
 #include <string>
 #include <string_view>
 
-namespace mirvane {
+#include "text/text.h"
 
-/// A text as the automation layer sees it: UTF-16 code units.
-using Text = std::u16string;
-using TextView = std::u16string_view;
+namespace mirvane {
 
 /// The bytes of `text` in code page 1253 (Windows Greek), the code page of the device, of the message catalogue and
 /// of the journal files, whatever the machine's own code page is. A Latin letter with a mark that has no code

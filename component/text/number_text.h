@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "text/code_page.h"
+#include "text/text.h"
 
 namespace mirvane {
 

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <string>
+#include <string_view>
 #include <vector>
 
-#include "text/code_page.h"
-
 namespace mirvane {
+
+/// A text as the automation layer sees it: UTF-16 code units.
+using Text = std::u16string;
+using TextView = std::u16string_view;
 
 /// Replaces the accented Greek letters in `text` by the plain ones, and returns it too. "ύ" keeps its accent, and so do
 /// letters with dialytika: the device prints them.

@@ -14,6 +14,7 @@
 #include "emulator/program/system.h"
 #include "emulator/program/transport.h"
 #include "emulator/program/web.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 namespace {

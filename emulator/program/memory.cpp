@@ -5,6 +5,7 @@
 #include <map>
 
 #include "emulator/program/members.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 namespace {

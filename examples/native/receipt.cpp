@@ -4,7 +4,7 @@
 
 #include "embedding/component.h"
 #include "embedding/till.h"
-#include "text/text.h"
+#include "text/code_page.h"
 
 int main(int count, char** arguments) {
   using mirvane::Text;

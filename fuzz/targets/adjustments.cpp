@@ -6,6 +6,7 @@
 
 #include "emulator/money.h"
 #include "fuzz/machine.h"
+#include "text/code_page.h"
 #include "text/text.h"
 
 namespace mirvane::fuzz {

@@ -7,6 +7,7 @@
 #include "component/component.h"
 #include "driver/fiscal_varlen_module2.h"
 #include "fuzz/machine.h"
+#include "text/code_page.h"
 
 namespace mirvane::fuzz {
 namespace {

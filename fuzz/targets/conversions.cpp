@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "fuzz/machine.h"
+#include "text/code_page.h"
 #include "text/number_text.h"
 #include "text/numbers.h"
 #include "text/text.h"

@@ -6,7 +6,7 @@
 
 #include "fuzz/machine.h"
 #include "support/electronic_journal.h"
-#include "text/text.h"
+#include "text/code_page.h"
 
 namespace mirvane::fuzz {
 namespace {

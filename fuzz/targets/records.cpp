@@ -4,6 +4,7 @@
 
 #include "fuzz/machine.h"
 #include "recorder/secrets.h"
+#include "text/code_page.h"
 
 namespace mirvane::fuzz {
 namespace {

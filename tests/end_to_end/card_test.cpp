@@ -1,5 +1,6 @@
 #include "records/cls_eft.h"
 #include "tests/end_to_end/till.h"
+#include "text/code_page.h"
 
 // Card payments, and states that the register ends by itself: the till waits for real seconds.
 namespace mirvane::test {

@@ -4,6 +4,7 @@
 
 #include "tests/end_to_end/journal_folders.h"
 #include "tests/end_to_end/till.h"
+#include "text/code_page.h"
 
 // What can go wrong while a day is closed: nothing is lost, and closing again ends well.
 namespace mirvane::test {

@@ -3,6 +3,7 @@
 #include "records/cls_trans_total.h"
 #include "tests/end_to_end/journal_folders.h"
 #include "tests/end_to_end/till.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

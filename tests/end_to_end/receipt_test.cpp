@@ -1,4 +1,5 @@
 #include "tests/end_to_end/till.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

@@ -6,6 +6,7 @@
 #include "embedding/till.h"
 #include "records/cls_status.h"
 #include "tests/end_to_end/emulator_process.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 

@@ -10,7 +10,7 @@
 #include "link/network_endpoint.h"
 #include "tests/fakes/fake_line.h"
 #include "tests/fakes/strings.h"
-#include "text/text.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 

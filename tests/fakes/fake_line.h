@@ -7,6 +7,7 @@
 
 #include "protocol/wire.h"
 #include "tests/fakes/fake_machine.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 

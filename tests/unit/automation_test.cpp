@@ -1,4 +1,5 @@
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 #include "text/number_text.h"
 
 namespace mirvane::test {

@@ -3,6 +3,7 @@
 #include "support/electronic_journal.h"
 #include "support/price_adjustments.h"
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

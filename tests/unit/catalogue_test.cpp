@@ -1,5 +1,6 @@
 #include "state/message_catalogue.h"
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

@@ -1,5 +1,6 @@
 #include "link/open_port.h"
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 #include "version.h"
 
 namespace mirvane::test {

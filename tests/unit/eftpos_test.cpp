@@ -1,5 +1,6 @@
 #include "records/cls_eft.h"
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

@@ -2,6 +2,7 @@
 
 #include "emulator/device.h"
 #include "tests/fakes/fake_machine.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 namespace {

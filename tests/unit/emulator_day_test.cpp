@@ -4,6 +4,7 @@
 
 #include "emulator/device.h"
 #include "tests/fakes/strings.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 namespace {

@@ -1,5 +1,6 @@
 #include "emulator/loopback.h"
 #include "tests/fakes/fault_cases.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 namespace {

@@ -4,6 +4,7 @@
 #include "protocol/device_codes.h"
 #include "session/wait_window.h"
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

@@ -1,5 +1,6 @@
 #include "support/electronic_journal.h"
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

@@ -1,4 +1,5 @@
 #include "tests/fakes/link_fixture.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

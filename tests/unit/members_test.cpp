@@ -9,6 +9,7 @@
 #include "component/component.h"
 #include "driver/fiscal_varlen_module2.h"
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

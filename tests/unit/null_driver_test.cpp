@@ -1,5 +1,6 @@
 #include "facade/fiscal_null_module.h"
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

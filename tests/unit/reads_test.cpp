@@ -1,6 +1,7 @@
 #include <sstream>
 
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "tests/fakes/fake_machine.h"
+#include "text/code_page.h"
 #include "text/text.h"
 
 namespace mirvane::test {

@@ -6,6 +6,7 @@
 #include "facade/fiscal_trevik_module.h"
 #include "recorder/recorder.h"
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

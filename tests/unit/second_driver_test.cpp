@@ -39,7 +39,7 @@ const ClassInfo& FiscalVarlenModule::describe() {
     using Self = FiscalVarlenModule;
     static constexpr auto kSend = method<Text(Text&, Outcome, Text&)>("Send_", {"CmdString", "Pass"});
     ClassBuilder<Self> rows;
-    rows.implement<Connect_>([](Self& self, const Text& PORT, Outcome outcome) { outcome.take(self.connect(PORT)); })
+    rows.implement<Connect_>([](Self& self, const Text& PORT, Outcome outcome) { outcome.set(self.connect(PORT)); })
         .implement<DisConnect_>([](Self&, Text&, Outcome outcome) { outcome.Result = closePort(); })
         .implement<ItemSale>([](Self& self, Text& itemDesc, Real& itemQuan, Real& itemUnitPrice, Real&,
                                 Integer& itemDep, Outcome outcome, Text&, Integer&) {
@@ -56,7 +56,7 @@ const ClassInfo& FiscalVarlenModule::describe() {
         .implement<lastReply>([](Self& self) { return self.session.lastReply(); })
         .implement<isErrorFixable>([](Self&, Integer& iErr) { return Reply(iErr, {}).is(DeviceCode::kBusy); })
         .implement<kSend>([](Self& self, Text& command, Outcome outcome, Text&) {
-          outcome.take(self.session.exchange(command, outcome));
+          outcome.set(self.session.exchange(command, outcome));
           return self.session.lastReply();
         });
     return rows.build();

@@ -5,6 +5,7 @@
 #include "records/dec2bin.h"
 #include "support/vat_shares.h"
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 #include "text/numbers.h"
 
 namespace mirvane::test {

@@ -1,6 +1,7 @@
 #include "facade/fiscal_trevik_module.h"
 #include "support/price_adjustments.h"
 #include "tests/fakes/component_test.h"
+#include "text/code_page.h"
 
 namespace mirvane::test {
 namespace {

@@ -18,6 +18,7 @@
 
 #include "platform/posix/datagram_sockets.h"
 #include "platform/posix/serial_line.h"
+#include "text/code_page.h"
 
 namespace mirvane::platform {
 namespace {

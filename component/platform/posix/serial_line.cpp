@@ -11,6 +11,8 @@
 #include <cerrno>
 #include <chrono>
 
+#include "text/code_page.h"
+
 namespace mirvane::platform {
 namespace {
 

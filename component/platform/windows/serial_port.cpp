@@ -1,6 +1,7 @@
 #include "platform/windows/serial_port.h"
 
 #include "platform/windows/windows.h"
+#include "text/code_page.h"
 
 namespace mirvane::platform {
 

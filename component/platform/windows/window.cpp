@@ -28,7 +28,7 @@ UINT dpiOf(HWND window) {
 // One message of a number between `first` and `last` (0 and 0 for any), and of those `kinds`. Each look also serves
 // what other threads have sent, and shows the system that the program is alive. A request to end the program comes
 // whatever is looked for, and is the program's own loop's.
-bool take(MSG& message, UINT first, UINT last, UINT kinds) {
+bool nextMessage(MSG& message, UINT first, UINT last, UINT kinds) {
   if (PeekMessageW(&message, nullptr, first, last, PM_REMOVE | kinds) == FALSE) return false;
   if (message.message != WM_QUIT) return true;
   PostQuitMessage(static_cast<int>(message.wParam));
@@ -194,7 +194,7 @@ void PendingMessages::serve() {
   const HostFloatingPoint host;
   const ULONGLONG end = GetTickCount64() + kLongest;
   MSG message;
-  while (take(message, WM_PAINT, WM_PAINT, 0)) {
+  while (nextMessage(message, WM_PAINT, WM_PAINT, 0)) {
     DispatchMessageW(&message);
     if (GetTickCount64() >= end) return;
   }
@@ -204,7 +204,7 @@ void PendingMessages::repaint() {
   {
     const HostFloatingPoint host;
     MSG message;
-    for (int i = 0; i < kMostMessages && take(message, 0, 0, PM_QS_INPUT); ++i) {
+    for (int i = 0; i < kMostMessages && nextMessage(message, 0, 0, PM_QS_INPUT); ++i) {
     }
   }
   serve();

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "text/code_page.h"
+#include "text/text.h"
 
 // What the sources of this folder and of com/ need beyond <windows.h>.
 namespace mirvane {

@@ -4,6 +4,7 @@
 #include "emulator/program/web/picture.h"
 #include "emulator/program/web/wishes.h"
 #include "http/message.h"
+#include "text/code_page.h"
 #include "version.h"
 
 namespace mirvane::emulator {

@@ -5,6 +5,7 @@
 
 #include "emulator/decoder.h"
 #include "protocol/device_codes.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 namespace {

@@ -6,6 +6,7 @@
 #include "emulator/program/web/wishes.h"
 #include "http/message.h"
 #include "protocol/device_codes.h"
+#include "text/code_page.h"
 
 namespace mirvane::emulator {
 namespace {
