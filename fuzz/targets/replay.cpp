@@ -54,9 +54,9 @@ struct Told {
       if (recorder::isOfLine(event->kind) && event->kind != EventKind::kSent) received += event->text.size();
     }
   }
-  /// A record shows no key; one that does was never written.
+  /// A record shows no key; one that shows what may be a word that holds one was never written.
   bool showsKey() const {
-    return std::ranges::any_of(sent, [](const std::string& text) { return text.find("]/") != std::string::npos; });
+    return std::ranges::any_of(sent, [](const std::string& text) { return text.find(']') != std::string::npos; });
   }
 
   std::vector<std::string> sent;
