@@ -354,6 +354,7 @@ function entryElement(entry) {
   if (entry.peer) summary.append(make('span', { className: 'peer', text: `${word.from} ${entry.peer}` }));
   if (entry.fault) summary.append(make('span', { className: 'mark', text: entry.fault }));
   if (entry.repeat) summary.append(make('span', { className: 'mark', text: word.repeated }));
+  if (entry.missing) summary.append(make('span', { className: 'mark', text: word.gap(entry.missing) }));
   const passes = [14, 81, 146, 158].includes(reply?.code);
   const kind = !reply || passes ? ' none' : reply.code ? ' refused' : '';
   if (!entry.struck) summary.append(make('span', { className: 'code' + kind, text: verdict(entry) }));
@@ -382,6 +383,8 @@ function showEntries(entries, first) {
   for (const element of [...list.children]) {
     if (element.about.id < first) element.remove();
   }
+  // More was said than the page was told of at once.
+  if (list.children.length && entries[0]?.id > newestEntry + 1) entries[0].missing = entries[0].id - newestEntry - 1;
   // The latest is on top.
   const fresh = entries.map(entryElement);
   for (const element of fresh) list.prepend(element);

@@ -186,6 +186,7 @@ const cases = {
     }));
     const { ids, open } = await state();
     assert.equal(open, 0, 'receipts that are closed look open');
+    await shows('#entries', 'not shown');
     assert.ok(ids.length <= 200 && ids.includes('gap'), `${ids}`);
     for (let i = 1; i < ids.length; ++i) assert.ok(ids[i] === 'gap' || ids[i - 1] === 'gap' || ids[i] === ids[i - 1] + 1, `${ids}`);
     await page.locator('.gap').first().click();
