@@ -30,14 +30,17 @@ void passMoment(const Tap& tap) {
 
 }  // namespace
 
-std::int32_t TappedPort::open(TextView name) {
-  handle_ = end_->open(name);
-  if (handle_ <= 0 || !hasGone_ || !stranger_ || end_ == stranger_.get()) return handle_;
-  end_ = stranger_.get();
-  return handle_ = end_->open(name);
+platform::Attempt<std::int32_t> TappedPort::open(TextView name) {
+  auto opened = end_->open(name);
+  if (opened && hasGone_ && stranger_ && end_ != stranger_.get()) {
+    end_ = stranger_.get();
+    opened = end_->open(name);
+  }
+  handle_ = opened.value_or(0);
+  return opened;
 }
 
-std::optional<std::size_t> TappedPort::write(std::int32_t handle, std::string_view bytes) {
+platform::Attempt<std::size_t> TappedPort::write(std::int32_t handle, std::string_view bytes) {
   note(tap_, bytes, clock_.now);
   // Byte by byte where somebody looks on.
   std::size_t written = 0;
@@ -51,7 +54,7 @@ std::optional<std::size_t> TappedPort::write(std::int32_t handle, std::string_vi
   return written;
 }
 
-std::optional<std::string> TappedPort::read(std::int32_t handle, std::size_t most) {
+platform::Attempt<std::string> TappedPort::read(std::int32_t handle, std::size_t most) {
   if (waiting(handle) == std::size_t{0}) clock_.advance(kIdleRead);
   auto bytes = end_->read(handle, tap_.moment ? 1 : most);
   hasGone_ = hasGone_ || !bytes;
@@ -61,21 +64,21 @@ std::optional<std::string> TappedPort::read(std::int32_t handle, std::size_t mos
   return bytes;
 }
 
-std::optional<std::size_t> TappedPort::waiting(std::int32_t handle) {
+platform::Attempt<std::size_t> TappedPort::waiting(std::int32_t handle) {
   const auto count = end_->waiting(handle);
   hasGone_ = hasGone_ || !count;
   return count;
 }
 
-bool TappedSockets::send(std::int32_t handle, std::string_view bytes) {
+platform::Granted TappedSockets::send(std::int32_t handle, std::string_view bytes) {
   note(tap_, bytes, clock_.now);
   passMoment(tap_);
-  const bool isSent = LoopbackSockets::send(handle, bytes);
+  auto sent = LoopbackSockets::send(handle, bytes);
   passMoment(tap_);
-  return isSent;
+  return sent;
 }
 
-std::optional<std::string> TappedSockets::receive(std::int32_t handle, std::size_t most) {
+platform::Attempt<std::string> TappedSockets::receive(std::int32_t handle, std::size_t most) {
   auto datagram = LoopbackSockets::receive(handle, most);
   passMoment(tap_);
   if (datagram) noteAnswer(tap_, *datagram);

@@ -38,14 +38,16 @@ class TappedPort : public platform::SerialPort {
   TappedPort(emulator::Device& device, emulator::Faults& faults, VirtualClock& clock, Tap& tap, Stranger stranger)
       : clock_(clock), tap_(tap), register_(device, faults, clock), stranger_(makeStranger(stranger, clock)) {}
 
-  std::int32_t open(TextView name) override;
+  platform::Attempt<std::int32_t> open(TextView name) override;
   bool setTimeouts(std::int32_t handle, const platform::LineTimeouts& timeouts) override {
     return end_->setTimeouts(handle, timeouts);
   }
-  bool configure(std::int32_t handle, std::string_view settings) override { return end_->configure(handle, settings); }
-  std::optional<std::size_t> write(std::int32_t handle, std::string_view bytes) override;
-  std::optional<std::string> read(std::int32_t handle, std::size_t most) override;
-  std::optional<std::size_t> waiting(std::int32_t handle) override;
+  platform::Granted configure(std::int32_t handle, std::string_view settings) override {
+    return end_->configure(handle, settings);
+  }
+  platform::Attempt<std::size_t> write(std::int32_t handle, std::string_view bytes) override;
+  platform::Attempt<std::string> read(std::int32_t handle, std::size_t most) override;
+  platform::Attempt<std::size_t> waiting(std::int32_t handle) override;
   bool close(std::int32_t handle) override { return end_->close(handle); }
   /// The system closes what a program that was killed had open.
   void hangUp() { end_->close(handle_); }
@@ -67,8 +69,8 @@ class TappedSockets : public emulator::LoopbackSockets {
                 emulator::Line::Acknowledges acknowledges)
       : LoopbackSockets(device, faults, clock, acknowledges), clock_(clock), tap_(tap) {}
 
-  bool send(std::int32_t handle, std::string_view bytes) override;
-  std::optional<std::string> receive(std::int32_t handle, std::size_t most) override;
+  platform::Granted send(std::int32_t handle, std::string_view bytes) override;
+  platform::Attempt<std::string> receive(std::int32_t handle, std::size_t most) override;
   /// Lets what rules have held up arrive.
   void takeHeld() { LoopbackSockets::receive(0, 0); }
 

@@ -28,21 +28,21 @@ class Responder : public platform::SerialPort {
   using Answer = std::string (*)(std::string_view sent);
   Responder(platform::Clock& clock, Answer answer) : clock_(clock), answer_(answer) {}
 
-  std::int32_t open(TextView) override { return 1; }
+  platform::Attempt<std::int32_t> open(TextView) override { return 1; }
   bool setTimeouts(std::int32_t, const platform::LineTimeouts&) override { return true; }
-  bool configure(std::int32_t, std::string_view) override { return true; }
-  std::optional<std::size_t> write(std::int32_t, std::string_view bytes) override {
+  platform::Granted configure(std::int32_t, std::string_view) override { return true; }
+  platform::Attempt<std::size_t> write(std::int32_t, std::string_view bytes) override {
     input_ += answer_(bytes);
     return bytes.size();
   }
-  std::optional<std::string> read(std::int32_t, std::size_t most) override {
+  platform::Attempt<std::string> read(std::int32_t, std::size_t most) override {
     constexpr std::uint32_t kIdle = 10;
     if (input_.empty()) clock_.sleep(kIdle);
     const std::string bytes = input_.substr(0, most);
     input_.erase(0, bytes.size());
     return bytes;
   }
-  std::optional<std::size_t> waiting(std::int32_t) override { return input_.size(); }
+  platform::Attempt<std::size_t> waiting(std::int32_t) override { return input_.size(); }
   bool close(std::int32_t) override { return true; }
 
  private:

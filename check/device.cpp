@@ -71,7 +71,7 @@ Finding whyNotOpened(const std::string& port) {
     return {Mark::kFault, say(texts::kNoSuchPort, {port}), remedy};
   }
   platform::SerialPort& serial = platform::hostPlatform().serial;
-  if (serial.close(serial.open(fromUtf8(port)))) {
+  if (serial.close(serial.open(fromUtf8(port)).value_or(0))) {
     return {Mark::kFault, say(texts::kNotConfigured, {port}), say(texts::kOtherAdapter)};
   }
   if (const auto holder = holderOf(port)) {

@@ -87,8 +87,8 @@ bool LoopbackPort::isUsable(std::int32_t handle) {
   return isConfigured_ && handle == handle_ && handle > 0 && unpluggings_ == mailbox_.unpluggings();
 }
 
-std::int32_t LoopbackPort::open(TextView) {
-  if (handle_ > 0 || !mailbox_.isPlugged()) return -1;
+platform::Attempt<std::int32_t> LoopbackPort::open(TextView) {
+  if (handle_ > 0 || !mailbox_.isPlugged()) return std::nullopt;
   input_.clear();
   isConfigured_ = false;
   unpluggings_ = mailbox_.unpluggings();
@@ -101,18 +101,18 @@ bool LoopbackPort::setTimeouts(std::int32_t handle, const platform::LineTimeouts
   return true;
 }
 
-bool LoopbackPort::configure(std::int32_t handle, std::string_view settings) {
+platform::Granted LoopbackPort::configure(std::int32_t handle, std::string_view settings) {
   isConfigured_ = settings == "115200,n,8,1";
   return isConfigured_ = isUsable(handle);
 }
 
-std::optional<std::size_t> LoopbackPort::write(std::int32_t handle, std::string_view bytes) {
+platform::Attempt<std::size_t> LoopbackPort::write(std::int32_t handle, std::string_view bytes) {
   if (!isUsable(handle)) return std::nullopt;
   end_->feed(bytes, {});
   return bytes.size();
 }
 
-std::optional<std::string> LoopbackPort::read(std::int32_t handle, std::size_t most) {
+platform::Attempt<std::string> LoopbackPort::read(std::int32_t handle, std::size_t most) {
   if (!isUsable(handle)) return std::nullopt;
   const std::size_t multiplied = std::min(most, std::size_t{1000}) * timeouts_.readMultiplier;
   if (waiting(handle) == std::size_t{0}) {
@@ -124,7 +124,7 @@ std::optional<std::string> LoopbackPort::read(std::int32_t handle, std::size_t m
   return bytes;
 }
 
-std::optional<std::size_t> LoopbackPort::waiting(std::int32_t handle) {
+platform::Attempt<std::size_t> LoopbackPort::waiting(std::int32_t handle) {
   if (!isUsable(handle)) return std::nullopt;
   collect();
   return input_.size();
@@ -148,32 +148,32 @@ LoopbackSockets::LoopbackSockets(Device& device, Faults& faults, platform::Clock
 LoopbackSockets::LoopbackSockets(Replay& replay, platform::Clock& clock)
     : clock_(clock), mailbox_(clock), end_(std::make_unique<Recorded>(replay, mailbox_)) {}
 
-std::int32_t LoopbackSockets::create() {
+platform::Attempt<std::int32_t> LoopbackSockets::create() {
   mailbox_.letters().clear();
   isConnected_ = false;
   mailbox_.owner = std::to_string(++lastHandle_);
   return handle_ = lastHandle_;
 }
 
-bool LoopbackSockets::bind(std::int32_t handle, std::uint16_t) { return handle == handle_; }
+platform::Granted LoopbackSockets::bind(std::int32_t handle, std::uint16_t) { return handle == handle_; }
 
-bool LoopbackSockets::connect(std::int32_t handle, const std::string&, std::uint16_t) {
+platform::Granted LoopbackSockets::connect(std::int32_t handle, const std::string&, std::uint16_t) {
   return isConnected_ = handle == handle_;
 }
 
-bool LoopbackSockets::send(std::int32_t handle, std::string_view bytes) {
+platform::Granted LoopbackSockets::send(std::int32_t handle, std::string_view bytes) {
   if (handle != handle_ || !isConnected_) return false;
   // A datagram to a line that is away is lost, and nobody is told.
   if (mailbox_.isPlugged()) end_->feed(bytes, mailbox_.owner);
   return true;
 }
 
-std::optional<std::string> LoopbackSockets::receive(std::int32_t handle, std::size_t most) {
+platform::Attempt<std::string> LoopbackSockets::receive(std::int32_t handle, std::size_t most) {
   end_->takeHeld();
   if (handle != handle_ || !mailbox_.hasDue()) return std::nullopt;
   const std::string datagram = std::move(mailbox_.letters().front().bytes);
   mailbox_.letters().pop_front();
-  return datagram.size() > most ? std::nullopt : std::optional(datagram);
+  return datagram.size() > most ? std::nullopt : platform::Attempt<std::string>(datagram);
 }
 
 bool LoopbackSockets::waitReadable(std::int32_t handle, std::int16_t seconds) {

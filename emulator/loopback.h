@@ -61,12 +61,12 @@ class LoopbackPort : public platform::SerialPort {
   /// With the register of a record at its end.
   LoopbackPort(Replay& replay, platform::Clock& clock);
 
-  std::int32_t open(TextView name) override;
+  platform::Attempt<std::int32_t> open(TextView name) override;
   bool setTimeouts(std::int32_t handle, const platform::LineTimeouts& timeouts) override;
-  bool configure(std::int32_t handle, std::string_view settings) override;
-  std::optional<std::size_t> write(std::int32_t handle, std::string_view bytes) override;
-  std::optional<std::string> read(std::int32_t handle, std::size_t most) override;
-  std::optional<std::size_t> waiting(std::int32_t handle) override;
+  platform::Granted configure(std::int32_t handle, std::string_view settings) override;
+  platform::Attempt<std::size_t> write(std::int32_t handle, std::string_view bytes) override;
+  platform::Attempt<std::string> read(std::int32_t handle, std::size_t most) override;
+  platform::Attempt<std::size_t> waiting(std::int32_t handle) override;
   bool close(std::int32_t handle) override;
 
  private:
@@ -93,12 +93,12 @@ class LoopbackSockets : public platform::DatagramSockets {
                   Line::Acknowledges acknowledges = Line::Acknowledges::kFrame);
   LoopbackSockets(Replay& replay, platform::Clock& clock);
 
-  bool startUp() override { return true; }
-  std::int32_t create() override;
-  bool bind(std::int32_t handle, std::uint16_t port) override;
-  bool connect(std::int32_t handle, const std::string& address, std::uint16_t port) override;
-  bool send(std::int32_t handle, std::string_view bytes) override;
-  std::optional<std::string> receive(std::int32_t handle, std::size_t most) override;
+  platform::Granted startUp() override { return true; }
+  platform::Attempt<std::int32_t> create() override;
+  platform::Granted bind(std::int32_t handle, std::uint16_t port) override;
+  platform::Granted connect(std::int32_t handle, const std::string& address, std::uint16_t port) override;
+  platform::Granted send(std::int32_t handle, std::string_view bytes) override;
+  platform::Attempt<std::string> receive(std::int32_t handle, std::size_t most) override;
   bool waitReadable(std::int32_t handle, std::int16_t seconds) override;
   void shutDown(std::int32_t handle) override;
 

@@ -111,7 +111,7 @@ void Line::takeFrames(std::string_view bytes, Take take) {
   }
 }
 
-std::optional<std::size_t> Line::write(std::int32_t /*handle*/, std::string_view bytes) {
+platform::Attempt<std::size_t> Line::write(std::int32_t /*handle*/, std::string_view bytes) {
   takeFrames(bytes, [this](std::string reply) {
     std::erase(reply, '\r');
     serial_ += reply;
@@ -119,7 +119,7 @@ std::optional<std::size_t> Line::write(std::int32_t /*handle*/, std::string_view
   return bytes.size();
 }
 
-std::optional<std::string> Line::read(std::int32_t /*handle*/, std::size_t most) {
+platform::Attempt<std::string> Line::read(std::int32_t /*handle*/, std::size_t most) {
   require(most <= std::max<std::size_t>(serial_.size(), 1), "a read of more than is there blocks");
   if (serial_.empty()) clock_.sleep(1000);
   std::string bytes = serial_.substr(0, most);
@@ -127,7 +127,7 @@ std::optional<std::string> Line::read(std::int32_t /*handle*/, std::size_t most)
   return bytes;
 }
 
-bool Line::send(std::int32_t /*handle*/, std::string_view bytes) {
+platform::Granted Line::send(std::int32_t /*handle*/, std::string_view bytes) {
   takeFrames(bytes, [this](const std::string& reply) {
     if (acknowledges && !reply.empty()) datagrams_.push_back({wire::kAck});
     for (std::size_t at = 0; at < reply.size();) {
@@ -139,11 +139,11 @@ bool Line::send(std::int32_t /*handle*/, std::string_view bytes) {
   return true;
 }
 
-std::optional<std::string> Line::receive(std::int32_t /*handle*/, std::size_t most) {
+platform::Attempt<std::string> Line::receive(std::int32_t /*handle*/, std::size_t most) {
   require(!datagrams_.empty(), "a receive that blocks");
   std::string datagram = datagrams_.front();
   datagrams_.erase(datagrams_.begin());
-  return datagram.size() > most ? std::nullopt : std::optional(datagram);
+  return datagram.size() > most ? std::nullopt : platform::Attempt<std::string>(datagram);
 }
 
 bool Line::waitReadable(std::int32_t /*handle*/, std::int16_t seconds) {

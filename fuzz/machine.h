@@ -65,20 +65,20 @@ class Line : public platform::SerialPort, public platform::DatagramSockets {
   bool acknowledges = true;
   int frames = 0;
 
-  std::int32_t open(TextView) override { return 1; }
+  platform::Attempt<std::int32_t> open(TextView) override { return 1; }
   bool setTimeouts(std::int32_t, const platform::LineTimeouts&) override { return true; }
-  bool configure(std::int32_t, std::string_view) override { return true; }
-  std::optional<std::size_t> write(std::int32_t handle, std::string_view bytes) override;
-  std::optional<std::string> read(std::int32_t handle, std::size_t most) override;
-  std::optional<std::size_t> waiting(std::int32_t) override { return serial_.size(); }
+  platform::Granted configure(std::int32_t, std::string_view) override { return true; }
+  platform::Attempt<std::size_t> write(std::int32_t handle, std::string_view bytes) override;
+  platform::Attempt<std::string> read(std::int32_t handle, std::size_t most) override;
+  platform::Attempt<std::size_t> waiting(std::int32_t) override { return serial_.size(); }
   bool close(std::int32_t) override { return true; }
 
-  bool startUp() override { return true; }
-  std::int32_t create() override { return 2; }
-  bool bind(std::int32_t, std::uint16_t) override { return true; }
-  bool connect(std::int32_t, const std::string&, std::uint16_t) override { return true; }
-  bool send(std::int32_t handle, std::string_view bytes) override;
-  std::optional<std::string> receive(std::int32_t handle, std::size_t most) override;
+  platform::Granted startUp() override { return true; }
+  platform::Attempt<std::int32_t> create() override { return 2; }
+  platform::Granted bind(std::int32_t, std::uint16_t) override { return true; }
+  platform::Granted connect(std::int32_t, const std::string&, std::uint16_t) override { return true; }
+  platform::Granted send(std::int32_t handle, std::string_view bytes) override;
+  platform::Attempt<std::string> receive(std::int32_t handle, std::size_t most) override;
   bool waitReadable(std::int32_t handle, std::int16_t seconds) override;
   void shutDown(std::int32_t) override {}
 

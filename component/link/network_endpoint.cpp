@@ -10,6 +10,8 @@ namespace {
 using recorder::EventKind;
 
 constexpr std::size_t kMostBytes = 10000;
+// What programs see as the handle of a socket that could not be had.
+constexpr std::int32_t kInvalidSocket = -1;
 
 platform::DatagramSockets& sockets() { return moduleState().platform->sockets; }
 
@@ -33,31 +35,39 @@ cTCPIP::~cTCPIP() {
 
 std::int16_t cTCPIP::OpenConnection(std::int32_t nPort) {
   if (socket_ != 0) ShutdownConnection();
-  const std::int16_t failure = open(nPort);
-  recordPort(EventKind::kOpen, name(), failure == 0 ? platform::SystemError{} : platform::lastSystemError());
+  platform::SystemError reason;
+  const std::int16_t failure = open(nPort, reason);
+  recordPort(EventKind::kOpen, name(), reason);
   return failure;
 }
 
-std::int16_t cTCPIP::open(std::int32_t localPort) {
-  if (!sockets().startUp()) return -1;
-  socket_ = sockets().create();
-  if (socket_ == platform::kInvalidSocket) return -2;
-  if (!sockets().bind(socket_, static_cast<std::uint16_t>(localPort))) return -4;
-  const bool connected = sockets().connect(socket_, toCodePage(remoteHost_), static_cast<std::uint16_t>(remotePort_));
+std::int16_t cTCPIP::open(std::int32_t localPort, platform::SystemError& reason) {
+  const auto refused = [&reason](auto&& attempt) {
+    if (!attempt) reason = std::move(attempt.reason);
+    return !attempt;
+  };
+  if (refused(sockets().startUp())) return -1;
+  auto created = sockets().create();
+  socket_ = created.value_or(kInvalidSocket);
+  if (refused(created)) return -2;
+  if (refused(sockets().bind(socket_, static_cast<std::uint16_t>(localPort)))) return -4;
+  const bool isRefused =
+      refused(sockets().connect(socket_, toCodePage(remoteHost_), static_cast<std::uint16_t>(remotePort_)));
   // Set even when connecting failed: the link counts as up from here on, and a bad address shows at the first send.
   portProp().isConnected = true;
-  return connected ? 0 : -6;
+  return isRefused ? -6 : 0;
 }
 
 Text cTCPIP::name() const { return remoteHost_ + u":" + numberText(remotePort_); }
 
 bool cTCPIP::send(std::string_view bytes) {
-  if (sockets().send(socket_, bytes)) {
+  const auto sent = sockets().send(socket_, bytes);
+  if (sent) {
     recordBytes(EventKind::kSent, bytes);
-    return true;
+  } else {
+    recordPort(EventKind::kBroken, name(), sent.reason);
   }
-  recordPort(EventKind::kBroken, name(), platform::lastSystemError());
-  return false;
+  return static_cast<bool>(sent);
 }
 
 bool cTCPIP::SendData(Text strData) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "automation/object.h"
+#include "platform/ports.h"
 
 namespace mirvane {
 
@@ -49,7 +50,7 @@ class cTCPIP : public ObjectOf<cTCPIP> {
   std::int32_t ErrorCode() { return 0; }
 
  private:
-  std::int16_t open(std::int32_t localPort);
+  std::int16_t open(std::int32_t localPort, platform::SystemError& reason);
   bool send(std::string_view bytes);
   std::optional<std::string> receive();
   /// "192.168.1.50:9100"

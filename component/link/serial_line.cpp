@@ -32,18 +32,19 @@ bool isComNumber(TextView name) {
 bool openSerialLine(const Text& name) {
   OpenPort& port = thePort();
   port.name = name;
-  port.handle = serial().open(name);
-  if (!port.isOpen() && isComNumber(name)) port.handle = serial().open(u"\\\\.\\" + name);
-  recordPort(EventKind::kOpen, name, port.isOpen() ? platform::SystemError{} : platform::lastSystemError());
+  auto opened = serial().open(name);
+  if (!opened && isComNumber(name)) opened = serial().open(u"\\\\.\\" + name);
+  port.handle = opened.value_or(-1);
+  recordPort(EventKind::kOpen, name, opened.reason);
   return port.isOpen();
 }
 
 bool configureSerialLine() {
   const OpenPort& port = thePort();
   serial().setTimeouts(port.handle, kLineTimeouts);
-  if (serial().configure(port.handle, kLineSettings)) return true;
-  recordPort(EventKind::kOpen, port.name, platform::lastSystemError());
-  return false;
+  const auto configured = serial().configure(port.handle, kLineSettings);
+  if (!configured) recordPort(EventKind::kOpen, port.name, configured.reason);
+  return static_cast<bool>(configured);
 }
 
 bool closeSerialLine() {
@@ -54,8 +55,8 @@ bool closeSerialLine() {
   return closed;
 }
 
-void breakSerialLine() {
-  recordPort(EventKind::kBroken, thePort().name, platform::lastSystemError());
+void breakSerialLine(const platform::SystemError& reason) {
+  recordPort(EventKind::kBroken, thePort().name, reason);
   closeSerialLine();
   thePort().handle = kLostPort;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "text/text.h"
+#include "platform/ports.h"
 
 namespace mirvane {
 
@@ -14,8 +14,8 @@ bool configureSerialLine();
 bool closeSerialLine();
 
 /// Closes the port, whose line has gone: an adapter that was pulled, a driver that was restarted. To the program it
-/// stays open, on a line that takes and gives nothing. To be called at once when the line has failed.
-void breakSerialLine();
+/// stays open, on a line that takes and gives nothing. `reason` is for the flight record.
+void breakSerialLine(const platform::SystemError& reason);
 
 /// Opens it anew, by the name and with the settings that it had; false when that fails.
 bool reopenSerialLine();

@@ -33,11 +33,11 @@ platform::SerialPort& port() { return moduleState().platform->serial; }
 std::int32_t handle() { return thePort().handle; }
 
 // How many bytes the line took; nothing when it has failed.
-std::optional<std::size_t> put(std::string_view bytes) {
+platform::Attempt<std::size_t> put(std::string_view bytes) {
   std::size_t written = 0;
   for (std::size_t at = 0; at < bytes.size(); at += kLongestWrite) {
-    const auto piece = port().write(handle(), bytes.substr(at, kLongestWrite));
-    if (!piece) return std::nullopt;
+    auto piece = port().write(handle(), bytes.substr(at, kLongestWrite));
+    if (!piece) return piece;
     written += *piece;
   }
   return written;
@@ -45,9 +45,9 @@ std::optional<std::size_t> put(std::string_view bytes) {
 
 // Asking for no more than is there makes the read return at once; asking for one byte paces an idle line by the port's
 // read time-outs. Nothing when the line has failed.
-std::optional<std::string> readWaiting() {
-  const auto waiting = port().waiting(handle());
-  if (!waiting) return std::nullopt;
+platform::Attempt<std::string> readWaiting() {
+  auto waiting = port().waiting(handle());
+  if (!waiting) return std::move(waiting.reason);
   return port().read(handle(), std::clamp<std::size_t>(*waiting, 1, kLongestRead));
 }
 
@@ -118,26 +118,26 @@ class SerialExchange {
         emptyAttempts_ = 0;
       }
       if (taken && emptyAttempts_ < kMostEmptyAttempts) break;
-      heal();
+      heal(taken.reason);
     }
     sentAt_ = time_.now();
   }
 
   // Handshake and frame; how many bytes of them the line took, or nothing when it has failed.
-  std::optional<std::size_t> putAll() const {
+  platform::Attempt<std::size_t> putAll() const {
     bool& owesAck = thePort().owesAck;
     if (owesAck) owesAck = put({&wire::kAck, 1}).value_or(0) == 0;
     std::size_t all = 0;
     for (const char& byte : kBegin) {
-      const auto taken = put({&byte, 1});
-      if (!taken) return std::nullopt;
+      auto taken = put({&byte, 1});
+      if (!taken) return taken;
       all += *taken;
     }
     if (all == kBegin.size()) recordBytes(EventKind::kSent, kBegin);
     mirvane::trace(u" ENQ");
     theClock().sleep(1);
-    const auto taken = put(frame_);
-    if (!taken) return std::nullopt;
+    auto taken = put(frame_);
+    if (!taken) return taken;
     recordBytes(EventKind::kSent, std::string_view(frame_).substr(0, *taken));
     mirvane::trace(u" send:     ", fromCodePage(frame_));
     return all + *taken;
@@ -147,13 +147,13 @@ class SerialExchange {
   bool listen() {
     Arrivals arrivals;
     do {
-      if (const auto piece = readWaiting()) {
+      if (const auto piece = readWaiting(); piece) {
         arrivals.add(*piece);
         // What an earlier attempt brought in stays: the answer to it may be on its way.
         append(exchange_.received, *piece);
       } else {
         arrivals.tell();
-        heal();
+        heal(piece.reason);
       }
       if (exchange_.received.ends_with(wire::kEtx) && isOver()) return true;
       silence_.waits();
@@ -182,10 +182,10 @@ class SerialExchange {
   }
 
   // Opens the line anew, at once and then every few seconds.
-  void heal() {
+  void heal(const platform::SystemError& reason) {
     emptyAttempts_ = 0;
     hasFailed_ = true;
-    breakSerialLine();
+    breakSerialLine(reason);
     silence_.fallsSilent();
     while (!reopenSerialLine()) {
       const double next = time_.now() + kReopenEvery;

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "text/text.h"
@@ -14,6 +15,35 @@
 // Everything that the component asks of the machine. The core knows only these; platform/windows and platform/posix
 // implement them for real, tests supply fakes.
 namespace mirvane::platform {
+
+/// Why the system refused what was asked of it, by its number and in its words; 0 and "" where it gave no reason.
+struct SystemError {
+  std::int32_t number = 0;
+  Text text;
+};
+
+/// What a call of the system gave; nothing, and the reason, when it was refused.
+template <class T>
+class Attempt : public std::optional<T> {
+ public:
+  using std::optional<T>::optional;
+  Attempt(SystemError why) : reason(std::move(why)) {}
+
+  SystemError reason;
+};
+
+/// Whether the system did what was asked, and why not.
+class Granted {
+ public:
+  Granted(bool isGranted) : is_(isGranted) {}
+  Granted(SystemError why) : reason(std::move(why)), is_(false) {}
+  explicit operator bool() const { return is_; }
+
+  SystemError reason;
+
+ private:
+  bool is_;
+};
 
 /// Time-outs of a serial line in milliseconds, with the meaning that the Win32 call gives them: a read of n bytes ends
 /// after readConstant + n * readMultiplier, or when readInterval passes between two bytes; a write likewise.
@@ -25,32 +55,30 @@ struct LineTimeouts {
   std::uint32_t writeConstant;
 };
 
-/// A serial line behind a 32-bit handle; a handle greater than 0 is open.
+/// A serial line behind a 32-bit handle greater than 0.
 class SerialPort {
  public:
   virtual ~SerialPort() = default;
 
-  /// Opens the port for this program alone. The handle, or -1 when there is no such port or it is taken.
-  virtual std::int32_t open(TextView name) = 0;
+  /// Opens the port for this program alone. The handle; nothing when there is no such port or it is taken.
+  virtual Attempt<std::int32_t> open(TextView name) = 0;
   virtual bool setTimeouts(std::int32_t handle, const LineTimeouts& timeouts) = 0;
   /// `settings` as in "115200,n,8,1": baud, parity, data bits, stop bits. False when the line cannot be set so.
-  virtual bool configure(std::int32_t handle, std::string_view settings) = 0;
+  virtual Granted configure(std::int32_t handle, std::string_view settings) = 0;
 
   // These give nothing when the system reports a failure, as it does when an adapter was pulled out: the line is dead
   // and has to be closed and opened again. A time-out is no failure.
 
   /// The number of bytes that the line took within the write time-outs.
-  virtual std::optional<std::size_t> write(std::int32_t handle, std::string_view bytes) = 0;
+  virtual Attempt<std::size_t> write(std::int32_t handle, std::string_view bytes) = 0;
   /// At most `most` bytes, as many as arrived within the read time-outs.
-  virtual std::optional<std::string> read(std::int32_t handle, std::size_t most) = 0;
+  virtual Attempt<std::string> read(std::int32_t handle, std::size_t most) = 0;
   /// How many bytes can be read without waiting.
-  virtual std::optional<std::size_t> waiting(std::int32_t handle) = 0;
+  virtual Attempt<std::size_t> waiting(std::int32_t handle) = 0;
 
   /// True when the handle was open and is closed now.
   virtual bool close(std::int32_t handle) = 0;
 };
-
-constexpr std::int32_t kInvalidSocket = -1;
 
 /// Connected datagram sockets behind 32-bit handles, with the calls and failures of Windows Sockets 1.1.
 class DatagramSockets {
@@ -58,17 +86,17 @@ class DatagramSockets {
   virtual ~DatagramSockets() = default;
 
   /// Starts the socket library; every successful start is paired with one `shutDown`.
-  virtual bool startUp() = 0;
-  /// A new datagram socket, or kInvalidSocket.
-  virtual std::int32_t create() = 0;
+  virtual Granted startUp() = 0;
+  /// The handle of a new datagram socket.
+  virtual Attempt<std::int32_t> create() = 0;
   /// Binds to all local interfaces; port 0 lets the system choose.
-  virtual bool bind(std::int32_t handle, std::uint16_t port) = 0;
+  virtual Granted bind(std::int32_t handle, std::uint16_t port) = 0;
   /// `address` is dotted-decimal IPv4; any other text stands for 255.255.255.255.
-  virtual bool connect(std::int32_t handle, const std::string& address, std::uint16_t port) = 0;
+  virtual Granted connect(std::int32_t handle, const std::string& address, std::uint16_t port) = 0;
   /// False on a socket error. A short send counts as sent.
-  virtual bool send(std::int32_t handle, std::string_view bytes) = 0;
+  virtual Granted send(std::int32_t handle, std::string_view bytes) = 0;
   /// One datagram; nothing on a socket error, which a datagram longer than `most` is too.
-  virtual std::optional<std::string> receive(std::int32_t handle, std::size_t most) = 0;
+  virtual Attempt<std::string> receive(std::int32_t handle, std::size_t most) = 0;
   /// Whether a datagram is there before `seconds` have passed; 0 does not wait. False on a socket error too.
   virtual bool waitReadable(std::int32_t handle, std::int16_t seconds) = 0;
   /// Shuts the socket down in both directions, closes it and releases the socket library; failures, such as a handle
@@ -207,13 +235,6 @@ struct Platform {
 
 /// The machine that the program runs on.
 Platform& hostPlatform();
-
-/// Why the system refused what was asked of it last, by its number and in its words. To be asked at once.
-struct SystemError {
-  std::int32_t number = 0;
-  Text text;
-};
-SystemError lastSystemError();
 
 /// The program that the component runs in.
 struct Process {

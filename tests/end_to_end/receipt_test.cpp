@@ -47,7 +47,7 @@ TEST_P(Till, APortThatIsTakenOrMissingAnswers100) {
   start();
   EXPECT_EQ(run("DisConnect_", fromUtf8(port)), 1);
   auto& serial = platform::hostPlatform().serial;
-  const auto other = serial.open(fromUtf8(port));
+  const auto other = serial.open(fromUtf8(port)).value_or(-1);
   ASSERT_GT(other, 0);
   EXPECT_EQ(run("Connect_", fromUtf8(port)), 100);
   EXPECT_TRUE(serial.close(other));

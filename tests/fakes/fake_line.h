@@ -86,9 +86,9 @@ class FakeSerial : public platform::SerialPort {
  public:
   FakeSerial(FakeDevice& device, FakeClock& clock) : inbox(clock), device_(device), clock_(clock) {}
 
-  std::int32_t open(TextView name) override {
+  platform::Attempt<std::int32_t> open(TextView name) override {
     opened.push_back(toUtf8(name));
-    if (!ports.contains(toUtf8(name)) || isUnplugged()) return -1;
+    if (!ports.contains(toUtf8(name)) || isUnplugged()) return std::nullopt;
     inbox.arriving.clear();
     openedAt_ = clock_.now;
     return ++handle_;
@@ -96,10 +96,10 @@ class FakeSerial : public platform::SerialPort {
   bool setTimeouts(std::int32_t handle, const platform::LineTimeouts& value) override {
     return timeouts = value, takesTimeouts && handle > 0;
   }
-  bool configure(std::int32_t handle, std::string_view value) override {
+  platform::Granted configure(std::int32_t handle, std::string_view value) override {
     return settings = value, takesSettings && handle > 0;
   }
-  std::optional<std::size_t> write(std::int32_t handle, std::string_view bytes) override {
+  platform::Attempt<std::size_t> write(std::int32_t handle, std::string_view bytes) override {
     if (!isUp(handle)) return std::nullopt;
     if (bytes.front() == wire::kAck && failingAcks > 0) return --failingAcks, std::nullopt;
     if (std::exchange(takesNothing, takesNothing - (takesNothing > 0)) > 0) return 0;
@@ -112,7 +112,7 @@ class FakeSerial : public platform::SerialPort {
     }
     return bytes.size();
   }
-  std::optional<std::string> read(std::int32_t handle, std::size_t most) override {
+  platform::Attempt<std::string> read(std::int32_t handle, std::size_t most) override {
     if (!isUp(handle)) return std::nullopt;
     EXPECT_LE(most, std::clamp<std::size_t>(*waiting(handle), 1, 64)) << "a read of more than is there blocks";
     const double longest = 0.001 * (timeouts.readConstant + timeouts.readMultiplier * static_cast<double>(most));
@@ -121,7 +121,7 @@ class FakeSerial : public platform::SerialPort {
     position_ += most;
     return buffer_.substr(position_ - most, most);
   }
-  std::optional<std::size_t> waiting(std::int32_t handle) override {
+  platform::Attempt<std::size_t> waiting(std::int32_t handle) override {
     if (!isUp(handle)) return std::nullopt;
     while (inbox.isDue()) buffer_ += inbox.take();
     return buffer_.size() - position_;
@@ -168,13 +168,18 @@ class FakeSockets : public platform::DatagramSockets {
  public:
   FakeSockets(FakeDevice& device, FakeClock& clock) : inbox(clock), device_(device) {}
 
-  bool startUp() override { return failing != "startUp"; }
-  std::int32_t create() override { return step("create") ? 50 : platform::kInvalidSocket; }
-  bool bind(std::int32_t /*handle*/, std::uint16_t port) override { return step("bind", " " + std::to_string(port)); }
-  bool connect(std::int32_t /*handle*/, const std::string& address, std::uint16_t port) override {
+  platform::Granted startUp() override { return failing != "startUp"; }
+  platform::Attempt<std::int32_t> create() override {
+    if (!step("create")) return std::nullopt;
+    return 50;
+  }
+  platform::Granted bind(std::int32_t /*handle*/, std::uint16_t port) override {
+    return step("bind", " " + std::to_string(port));
+  }
+  platform::Granted connect(std::int32_t /*handle*/, const std::string& address, std::uint16_t port) override {
     return step("connect", " " + address + ":" + std::to_string(port));
   }
-  bool send(std::int32_t /*handle*/, std::string_view bytes) override {
+  platform::Granted send(std::int32_t /*handle*/, std::string_view bytes) override {
     if (bytes.starts_with(wire::kAck) && failingAcks > 0) return --failingAcks, false;
     sent.emplace_back(bytes);
     if (bytes.starts_with(wire::kEnq)) inbox.add(std::exchange(afterEnq, {}));
@@ -184,9 +189,9 @@ class FakeSockets : public platform::DatagramSockets {
     inbox.add(chunks);
     return failing != "send";
   }
-  std::optional<std::string> receive(std::int32_t /*handle*/, std::size_t most) override {
+  platform::Attempt<std::string> receive(std::int32_t /*handle*/, std::size_t most) override {
     std::string datagram = inbox.take();
-    return failing == "receive" || datagram.size() > most ? std::nullopt : std::optional(datagram);
+    return failing == "receive" || datagram.size() > most ? std::nullopt : platform::Attempt<std::string>(datagram);
   }
   bool waitReadable(std::int32_t /*handle*/, std::int16_t seconds) override {
     waits.push_back(seconds);

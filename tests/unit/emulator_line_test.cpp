@@ -38,11 +38,11 @@ class LoopbackWire : public test::Wire {
   }
   void reconnect() override {
     if (!isSerial_) {
-      sockets_->connect(handle_ = sockets_->create(), "127.0.0.1", 9100);
+      sockets_->connect(handle_ = sockets_->create().value_or(-1), "127.0.0.1", 9100);
       return;
     }
     port_.close(handle_);
-    handle_ = port_.open(u"COM1");
+    handle_ = port_.open(u"COM1").value_or(-1);
     port_.setTimeouts(handle_, {20, 1, 1, 1, 10});
     port_.configure(handle_, "115200,n,8,1");
   }
@@ -97,10 +97,10 @@ class Log : public Outlet, public Witness {
 class EmulatorLine : public testing::Test {
  protected:
   EmulatorLine() {
-    handle = port.open(u"COM1");
+    handle = port.open(u"COM1").value_or(-1);
     port.setTimeouts(handle, {20, 1, 1, 1, 10});
     port.configure(handle, "115200,n,8,1");
-    sockets.connect(socket = sockets.create(), "127.0.0.1", 9100);
+    sockets.connect(socket = sockets.create().value_or(-1), "127.0.0.1", 9100);
   }
 
   std::string onSerial(const std::string& bytes) {
@@ -155,9 +155,9 @@ TEST_F(EmulatorLine, AnUnpluggedLineComesBackAsItWas) {
     EXPECT_EQ(port.write(dead, sale), std::nullopt);
     EXPECT_TRUE(port.close(dead));
     clock.advance(2.5);
-    EXPECT_EQ(port.open(u"COM1"), -1);
+    EXPECT_FALSE(port.open(u"COM1"));
     clock.advance(0.5);
-    handle = port.open(u"COM1");
+    handle = port.open(u"COM1").value_or(-1);
     EXPECT_TRUE(port.configure(handle, "115200,n,8,1"));
     EXPECT_EQ(port.write(dead, sale), std::nullopt);
     EXPECT_EQ(onSerial(sale), good) << fault;
@@ -253,7 +253,7 @@ TEST_F(EmulatorLine, DatagramsComeAsTheNetworkCarriesThem) {
       {50, true, frame("?/"), {ok}},
       {0, true, enq + frame("?/"), {kAck, kNak}},
   };
-  socket = eager.create();
+  socket = eager.create().value_or(-1);
   eager.connect(socket, "127.0.0.1", 9100);
   for (const auto& [wait, isEager, bytes, expected] : steps) {
     clock.sleep(wait);
@@ -320,7 +320,7 @@ TEST_F(EmulatorLine, WhatIsOnItsWayIsLostWithTheLine) {
 TEST_F(EmulatorLine, ASocketThatIsGoneGetsNoAnswer) {
   faults.add("next till-frame delayed 100");
   onNetwork(frame(kSale));
-  sockets.connect(socket = sockets.create(), "127.0.0.1", 9100);
+  sockets.connect(socket = sockets.create().value_or(-1), "127.0.0.1", 9100);
   EXPECT_FALSE(sockets.waitReadable(socket, 1));
   EXPECT_EQ(sold(), 200);
 }

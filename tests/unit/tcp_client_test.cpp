@@ -109,7 +109,7 @@ TEST(DatagramSockets, WaitForDataThoughNobodyWasThere) {
   std::uint16_t port = 20000;
   const auto bound = [&] {
     sockets.startUp();
-    const std::int32_t socket = sockets.create();
+    const std::int32_t socket = sockets.create().value_or(-1);
     while (!sockets.bind(socket, port)) ++port;
     return std::pair(socket, port++);
   };
@@ -121,7 +121,7 @@ TEST(DatagramSockets, WaitForDataThoughNobodyWasThere) {
   std::thread answer([&sockets, devicePort = devicePort, tillPort = tillPort] {
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     sockets.startUp();
-    const std::int32_t late = sockets.create();
+    const std::int32_t late = sockets.create().value_or(-1);
     sockets.bind(late, devicePort);
     sockets.connect(late, "127.0.0.1", tillPort);
     sockets.send(late, "here");

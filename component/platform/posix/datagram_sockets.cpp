@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <chrono>
 
+#include "platform/posix/host_platform.h"
+
 namespace mirvane::platform {
 namespace {
 
@@ -23,33 +25,37 @@ sockaddr_in endpoint(in_addr_t address, std::uint16_t port) {
 
 bool sent(int handle, std::string_view bytes) { return ::send(handle, bytes.data(), bytes.size(), MSG_NOSIGNAL) >= 0; }
 
+Granted granted(bool isGranted) { return isGranted ? Granted(true) : Granted(lastError()); }
+
 }  // namespace
 
-std::int32_t PosixDatagramSockets::create() {
+Attempt<std::int32_t> PosixDatagramSockets::create() {
   const int handle = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP);
-  return handle < 0 ? kInvalidSocket : handle;
+  if (handle < 0) return lastError();
+  return handle;
 }
 
-bool PosixDatagramSockets::bind(std::int32_t handle, std::uint16_t port) {
+Granted PosixDatagramSockets::bind(std::int32_t handle, std::uint16_t port) {
   const sockaddr_in local = endpoint(INADDR_ANY, port);
-  return ::bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local) == 0;
+  return granted(::bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local) == 0);
 }
 
-bool PosixDatagramSockets::connect(std::int32_t handle, const std::string& address, std::uint16_t port) {
+Granted PosixDatagramSockets::connect(std::int32_t handle, const std::string& address, std::uint16_t port) {
   const sockaddr_in remote = endpoint(inet_addr(address.c_str()), port);
-  return ::connect(handle, reinterpret_cast<const sockaddr*>(&remote), sizeof remote) == 0;
+  return granted(::connect(handle, reinterpret_cast<const sockaddr*>(&remote), sizeof remote) == 0);
 }
 
-bool PosixDatagramSockets::send(std::int32_t handle, std::string_view bytes) {
+Granted PosixDatagramSockets::send(std::int32_t handle, std::string_view bytes) {
   // An earlier datagram's "nobody there" comes back with the next call; it says nothing about this one.
-  return sent(handle, bytes) || (errno == ECONNREFUSED && sent(handle, bytes));
+  return granted(sent(handle, bytes) || (errno == ECONNREFUSED && sent(handle, bytes)));
 }
 
-std::optional<std::string> PosixDatagramSockets::receive(std::int32_t handle, std::size_t most) {
+Attempt<std::string> PosixDatagramSockets::receive(std::int32_t handle, std::size_t most) {
   // One byte more than is wanted shows a datagram that is too long.
   std::string bytes(most + 1, '\0');
   const auto count = recv(handle, bytes.data(), bytes.size(), MSG_DONTWAIT);
-  if (count < 0 || static_cast<std::size_t>(count) > most) return std::nullopt;
+  if (count < 0) return lastError();
+  if (static_cast<std::size_t>(count) > most) return std::nullopt;
   bytes.resize(static_cast<std::size_t>(count));
   return bytes;
 }

@@ -233,7 +233,7 @@ Platform& hostPlatform() {
   return platform;
 }
 
-SystemError lastSystemError() {
+SystemError lastError() {
   const int number = errno;
   return {number, fromUtf8(std::generic_category().message(number))};
 }

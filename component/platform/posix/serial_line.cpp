@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <chrono>
 
+#include "platform/posix/host_platform.h"
 #include "text/code_page.h"
 
 namespace mirvane::platform {
@@ -33,13 +34,14 @@ bool ready(int handle, short events, Time::time_point deadline) {
 
 }  // namespace
 
-std::int32_t PosixSerialPort::open(TextView name) {
+Attempt<std::int32_t> PosixSerialPort::open(TextView name) {
   const int handle = ::open(toUtf8(name).c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  if (handle < 0) return -1;
+  if (handle < 0) return lastError();
   // For this program alone, as on the tills' own system.
   if (isatty(handle) == 0 || flock(handle, LOCK_EX | LOCK_NB) != 0) {
+    SystemError reason = lastError();
     ::close(handle);
-    return -1;
+    return reason;
   }
   timeouts_[handle] = {};
   return handle;
@@ -52,11 +54,11 @@ bool PosixSerialPort::setTimeouts(std::int32_t handle, const LineTimeouts& timeo
   return true;
 }
 
-bool PosixSerialPort::configure(std::int32_t handle, std::string_view settings) {
+Granted PosixSerialPort::configure(std::int32_t handle, std::string_view settings) {
   // The one setting that the devices of this component use.
   if (settings != "115200,n,8,1") return false;
   termios line{};
-  if (tcgetattr(handle, &line) != 0) return false;
+  if (tcgetattr(handle, &line) != 0) return lastError();
   cfmakeraw(&line);
   line.c_cflag &= ~static_cast<tcflag_t>(CSTOPB | CRTSCTS);
   line.c_cflag |= CLOCAL | CREAD;
@@ -64,10 +66,11 @@ bool PosixSerialPort::configure(std::int32_t handle, std::string_view settings) 
   line.c_cc[VTIME] = 0;
   cfsetispeed(&line, B115200);
   cfsetospeed(&line, B115200);
-  return tcsetattr(handle, TCSANOW, &line) == 0;
+  if (tcsetattr(handle, TCSANOW, &line) != 0) return lastError();
+  return true;
 }
 
-std::optional<std::size_t> PosixSerialPort::write(std::int32_t handle, std::string_view bytes) {
+Attempt<std::size_t> PosixSerialPort::write(std::int32_t handle, std::string_view bytes) {
   const LineTimeouts& limits = timeouts_[handle];
   const auto deadline = Time::now() + milliseconds(limits.writeConstant + limits.writeMultiplier * bytes.size());
   std::size_t written = 0;
@@ -78,7 +81,7 @@ std::optional<std::size_t> PosixSerialPort::write(std::int32_t handle, std::stri
     } else if (count < 0 && errno == EINTR) {
       continue;
     } else if (count < 0 && errno != EAGAIN) {
-      return std::nullopt;
+      return lastError();
     } else if (!ready(handle, POLLOUT, deadline)) {
       break;
     }
@@ -86,7 +89,7 @@ std::optional<std::size_t> PosixSerialPort::write(std::int32_t handle, std::stri
   return written;
 }
 
-std::optional<std::string> PosixSerialPort::read(std::int32_t handle, std::size_t most) {
+Attempt<std::string> PosixSerialPort::read(std::int32_t handle, std::size_t most) {
   const LineTimeouts& limits = timeouts_[handle];
   const auto deadline = Time::now() + milliseconds(limits.readConstant + limits.readMultiplier * most);
   std::string bytes;
@@ -97,15 +100,16 @@ std::optional<std::string> PosixSerialPort::read(std::int32_t handle, std::size_
     const auto count = ::read(handle, bytes.data() + before, most - before);
     bytes.resize(before + static_cast<std::size_t>(std::max<decltype(count)>(count, 0)));
     if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
-    if (count <= 0) return std::nullopt;  // gone, or hung up
+    if (count < 0) return lastError();
+    if (count == 0) return std::nullopt;  // hung up
     until = std::min(deadline, Time::now() + milliseconds(limits.readInterval));
   }
   return bytes;
 }
 
-std::optional<std::size_t> PosixSerialPort::waiting(std::int32_t handle) {
+Attempt<std::size_t> PosixSerialPort::waiting(std::int32_t handle) {
   int count = 0;
-  if (ioctl(handle, FIONREAD, &count) != 0) return std::nullopt;
+  if (ioctl(handle, FIONREAD, &count) != 0) return lastError();
   return static_cast<std::size_t>(count);
 }
 

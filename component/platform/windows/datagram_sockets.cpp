@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "platform/windows/windows.h"
+
 namespace mirvane::platform {
 namespace {
 
@@ -27,38 +29,42 @@ bool toldOfEarlierDatagram() {
   return error == WSAECONNRESET || error == WSAECONNREFUSED;
 }
 
+Granted granted(bool isGranted) { return isGranted ? Granted(true) : Granted(lastError()); }
+
 }  // namespace
 
-bool WindowsDatagramSockets::startUp() {
+Granted WindowsDatagramSockets::startUp() {
   WSADATA data{};
-  return WSAStartup(kVersion, &data) == 0;
+  return granted(WSAStartup(kVersion, &data) == 0);
 }
 
-std::int32_t WindowsDatagramSockets::create() {
-  return static_cast<std::int32_t>(socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP));
+Attempt<std::int32_t> WindowsDatagramSockets::create() {
+  const SOCKET handle = socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);
+  if (handle == INVALID_SOCKET) return lastError();
+  return static_cast<std::int32_t>(handle);
 }
 
-bool WindowsDatagramSockets::bind(std::int32_t handle, std::uint16_t port) {
+Granted WindowsDatagramSockets::bind(std::int32_t handle, std::uint16_t port) {
   const sockaddr_in address = addressOf(INADDR_ANY, port);
-  return ::bind(toSocket(handle), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  return granted(::bind(toSocket(handle), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0);
 }
 
-bool WindowsDatagramSockets::connect(std::int32_t handle, const std::string& address, std::uint16_t port) {
+Granted WindowsDatagramSockets::connect(std::int32_t handle, const std::string& address, std::uint16_t port) {
   const sockaddr_in remote = addressOf(inet_addr(address.c_str()), port);
-  return ::connect(toSocket(handle), reinterpret_cast<const sockaddr*>(&remote), sizeof remote) == 0;
+  return granted(::connect(toSocket(handle), reinterpret_cast<const sockaddr*>(&remote), sizeof remote) == 0);
 }
 
-bool WindowsDatagramSockets::send(std::int32_t handle, std::string_view bytes) {
+Granted WindowsDatagramSockets::send(std::int32_t handle, std::string_view bytes) {
   const auto sent = [&] {
     return ::send(toSocket(handle), bytes.data(), static_cast<int>(bytes.size()), 0) != SOCKET_ERROR;
   };
-  return sent() || (toldOfEarlierDatagram() && sent());
+  return granted(sent() || (toldOfEarlierDatagram() && sent()));
 }
 
-std::optional<std::string> WindowsDatagramSockets::receive(std::int32_t handle, std::size_t most) {
+Attempt<std::string> WindowsDatagramSockets::receive(std::int32_t handle, std::size_t most) {
   std::string bytes(most, '\0');
   const int count = recv(toSocket(handle), bytes.data(), static_cast<int>(most), 0);
-  if (count == SOCKET_ERROR) return std::nullopt;
+  if (count == SOCKET_ERROR) return lastError();
   bytes.resize(static_cast<std::size_t>(count));
   return bytes;
 }

@@ -267,7 +267,7 @@ Platform& hostPlatform() {
   return platform;
 }
 
-SystemError lastSystemError() {
+SystemError lastError() {
   const DWORD number = GetLastError();
   constexpr DWORD kLongest = 512;
   std::wstring text(kLongest, L'\0');

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "text/text.h"
+#include "platform/ports.h"
 
 // What the sources of this folder and of com/ need beyond <windows.h>.
 namespace mirvane {
@@ -21,6 +21,9 @@ inline HANDLE toHandle(std::int32_t handle) { return reinterpret_cast<HANDLE>(st
 inline std::int32_t fromHandle(HANDLE handle) {
   return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(handle));
 }
+
+/// Why the system refused the call just made.
+SystemError lastError();
 
 /// The DLL or program that this code is linked into.
 HMODULE ownModule();
