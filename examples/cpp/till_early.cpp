@@ -16,11 +16,8 @@ class Register {
   Register() : module_(create<_fiscalTrevikModule>(__uuidof(fiscalTrevikModule), __uuidof(_fiscalTrevikModule))) {}
 
   bool connect(Text& port) { return operate(5, {port}); }
-  bool disconnect(Text& port) {
-    operate(6, {port});
-    // A closed port is reported as 1, the value of the system call that closed it.
-    return result_ == 1;
-  }
+  // A closed port is reported as 1, the value of the system call that closed it.
+  bool disconnect(Text& port) { return operate(6, {port}, 1); }
   bool itemSale(Text& description, double& quantity, double& price, double& vatRate, short& department) {
     return operate(7, {description, quantity, price, vatRate, department});
   }
@@ -37,14 +34,14 @@ class Register {
 
  private:
   /// Every operation has Result, Exresult and SupressError_ behind its own parameters.
-  bool operate(DISPID id, std::vector<Argument> arguments) {
+  bool operate(DISPID id, std::vector<Argument> arguments, short success = 0) {
     for (const Argument& argument : {Argument(result_), Argument(exresult_), Argument(&silent_)}) {
       arguments.push_back(argument);
     }
     VARIANT unused = invoke(module_.get(), id, DISPATCH_METHOD, arguments);
     VariantClear(&unused);
-    if (result_ != 0) std::printf("  %ld: %d %s\n", id, result_, exresult_.utf8().c_str());
-    return result_ == 0;
+    if (result_ != success) std::printf("  %ld: %d %s\n", id, result_, exresult_.utf8().c_str());
+    return result_ == success;
   }
 
   Object<_fiscalTrevikModule> module_;

@@ -18,14 +18,14 @@ class Register {
   }
 
   /// Whether the operation succeeded. Every one has Result, Exresult and SupressError_ behind its own parameters.
-  bool operate(const wchar_t* name, std::vector<Argument> arguments) {
+  bool operate(const wchar_t* name, std::vector<Argument> arguments, short success = 0) {
     for (const Argument& argument : {Argument(result_), Argument(exresult_), Argument(&silent_)}) {
       arguments.push_back(argument);
     }
     VARIANT unused = invoke(module_.get(), idOf(module_.get(), name), DISPATCH_METHOD, arguments);
     VariantClear(&unused);
-    if (result_ != 0) std::printf("  %ls: %d %s\n", name, result_, exresult_.utf8().c_str());
-    return result_ == 0;
+    if (result_ != success) std::printf("  %ls: %d %s\n", name, result_, exresult_.utf8().c_str());
+    return result_ == success;
   }
 
   bool receiptOpen() {
@@ -36,8 +36,6 @@ class Register {
   static VARIANT property(IDispatch* object, const wchar_t* name) {
     return invoke(object, idOf(object, name), DISPATCH_PROPERTYGET);
   }
-
-  short result() const { return result_; }
 
  private:
   Object<> module_;
@@ -92,8 +90,7 @@ void sellAndPay(const wchar_t* address) {
   require(!paid(till, 2, L"ΚΑΡΤΑ", 10) && paid(till, 1, L"ΜΕΤΡΗΤΑ", 10), "paying");
 
   // A closed port is reported as 1, the value of the system call that closed it.
-  till.operate(L"DisConnect_", {port});
-  require(till.result() == 1, "disconnecting");
+  require(till.operate(L"DisConnect_", {port}, 1), "disconnecting");
 }
 
 }  // namespace

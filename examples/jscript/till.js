@@ -11,6 +11,7 @@ var port = WScript.Arguments.length > 0 ? WScript.Arguments(0) : "127.0.0.1:9100
 var secondGeneration = 3;  // FISCAL_VARLENFISCAL2
 var module = new ActiveXObject("VarlenFiscalQ7734.fiscalTrevikModule");
 
+WScript.Echo("connecting to " + port);
 module.Connect_(port, 0, "", true);
 require(module.getFiscalType == secondGeneration, "connecting");
 

@@ -13,7 +13,7 @@ Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
 ' A port that this machine does not have, to show what a till sees then.
 If Connected("COM99") Then Fail "COM99 is not expected to be there"
 
-port = "COM1"
+port = "127.0.0.1:9100"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 ShowRegister port
 ' The register may be on the network as well.
@@ -33,6 +33,7 @@ End Sub
 Function Connected(port)
   Dim pass
   Connected = False
+  WScript.Echo "connecting to " & port
   module.Connect_ port, Result, Exresult, Suppress
   If Result = 0 Then module.GetVersionInfo Result, Exresult, Suppress, pass
   If Result = 0 Then

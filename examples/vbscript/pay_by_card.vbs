@@ -1,6 +1,6 @@
 ' Paying by card: the terminal, a payment that fails, one that succeeds. emulator: --card-seconds 1 --card 156
 '
-'   cscript //nologo pay_by_card.vbs [port]
+'   cscript //nologo pay_by_card.vbs port
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
@@ -9,9 +9,14 @@ Option Explicit
 Dim module, port, Result, Exresult, Suppress
 Suppress = True
 
-port = "COM1"
-If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
+If WScript.Arguments.Count = 0 Then
+  WScript.Echo "This changes the register's card terminal. Give its port, for the emulator:" & vbCrLf & _
+    "cscript //nologo """ & WScript.ScriptFullName & """ 127.0.0.1:9100"
+  WScript.Quit 2
+End If
+port = WScript.Arguments(0)
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+WScript.Echo "connecting to " & port
 module.Connect_ port, Result, Exresult, Suppress
 Check "Connect_"
 
@@ -47,7 +52,7 @@ End Sub
 ' Comes back when the terminal is done; meanwhile a window tells the operator to wait.
 Function PaidByCard(amount)
   Const Card = 2, FirstTerminal = 1, ItsType = 0
-  WScript.Echo "paying " & FormatNumber(amount, 2) & " by card"
+  WScript.Echo "paying " & FormatNumber(amount, 2) & " by card; waiting for the terminal"
   module.Payment Card, "ΚΑΡΤΑ", amount, FirstTerminal, ItsType, Result, Exresult, Suppress
   PaidByCard = Result = 0 And Not module.StatusRead.isTransactionOpen
   If Result <> 0 Then WScript.Echo Result & " " & Exresult

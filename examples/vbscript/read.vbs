@@ -9,9 +9,10 @@ Option Explicit
 Dim module, port, Result, Exresult, Suppress
 Suppress = True
 
-port = "COM1"
+port = "127.0.0.1:9100"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+WScript.Echo "connecting to " & port
 module.Connect_ port, Result, Exresult, Suppress
 Check "Connect_"
 

@@ -14,6 +14,7 @@ port = "127.0.0.1:9100"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
 
+WScript.Echo "connecting to " & port
 module.Connect_ port, Result, Exresult, Suppress
 Require Succeeded("Connect_"), "connecting"
 Dim serialNumber
