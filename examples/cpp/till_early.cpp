@@ -1,7 +1,9 @@
 // A small till, early bound, by the header that widl makes of MirvaneEFT.idl: connect, sell, be refused, mend it, pay,
 // disconnect.
 //
-//   till_early [port]
+//   widl -h -I ..\.. -o VarlenFiscalQ7734.h ..\..\MirvaneEFT.idl
+//   g++ -std=c++20 -municode -static -I . till_early.cpp -o till_early.exe -lole32 -loleaut32 -luuid
+//   .\till_early.exe 127.0.0.1:9100
 
 #include "automation.h"
 // Needs the headers of the system before it.

@@ -1,6 +1,7 @@
 // A small till, late bound: connect, sell, be refused, mend it, pay, disconnect.
 //
-//   till_late [port]
+//   g++ -std=c++20 -municode -static till_late.cpp -o till_late.exe -lole32 -loleaut32 -luuid
+//   .\till_late.exe 127.0.0.1:9100
 
 #include "automation.h"
 

@@ -1,6 +1,7 @@
 // A small till, late bound: connect, sell, be refused, mend it, pay, disconnect.
 //
-//   Till [port]
+//   C:\Windows\Microsoft.NET\Framework\v4.0.30319\csc.exe /codepage:65001 /platform:x86 Till.cs
+//   .\Till.exe 127.0.0.1:9100
 using System;
 using System.Reflection;
 using System.Runtime.InteropServices;

@@ -1,6 +1,6 @@
 // A receipt from JScript.
 //
-//   cscript //nologo receipt.js [port]
+//   cscript //nologo receipt.js 127.0.0.1:9100
 //
 // JScript passes values only, so Result and Exresult never come back: what happened is read from properties and from
 // records, which are objects and filled in place. Prefer a language with by-reference arguments where there is one.

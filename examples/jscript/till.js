@@ -1,6 +1,6 @@
 // A small till: connect, sell, be refused, mend it, pay, disconnect.
 //
-//   cscript //nologo till.js [port]
+//   cscript //nologo till.js 127.0.0.1:9100
 //
 // JScript passes values only, so Result and Exresult never come back: what happened is read from the status and from
 // records, which are objects and filled in place. README.md tells what that costs.

@@ -1,5 +1,5 @@
 // Sells a receipt from a native program: ./run build native, ./run emulator, then
-//   build/native/examples/native/sell-receipt [port]
+//   build/native/examples/native/sell-receipt 127.0.0.1:9100
 #include <iostream>
 
 #include "embedding/component.h"

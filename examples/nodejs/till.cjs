@@ -1,6 +1,6 @@
 // A small till: connect, sell, be refused, mend it, pay, disconnect.
 //
-//   node till.cjs [port]
+//   node till.cjs 127.0.0.1:9100
 'use strict';
 const { createObject, byReference } = require('./com.cjs');
 

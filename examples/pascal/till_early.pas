@@ -1,6 +1,7 @@
 { A small till, early bound: connect, sell, be refused, mend it, pay, disconnect.
 
-    till_early [port]
+    C:\FPC\3.2.2\bin\i386-win32\fpc.exe till_early.pas
+    .\till_early.exe 127.0.0.1:9100
 
   For Free Pascal and Delphi. This file is kept in UTF-8. }
 program till_early;

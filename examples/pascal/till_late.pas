@@ -1,6 +1,7 @@
 { A small till, late bound: connect, sell, be refused, mend it, pay, disconnect.
 
-    till_late [port]
+    C:\FPC\3.2.2\bin\i386-win32\fpc.exe till_late.pas
+    .\till_late.exe 127.0.0.1:9100
 
   For Free Pascal and Delphi. This file is kept in UTF-8. }
 program till_late;

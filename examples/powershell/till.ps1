@@ -1,6 +1,6 @@
 # A small till: connect, sell, be refused, mend it, pay, disconnect. Not run here.
 #
-#   powershell -ExecutionPolicy Bypass -File till.ps1 [port]
+#   powershell -ExecutionPolicy Bypass -File till.ps1 127.0.0.1:9100
 #
 # The release has this file in UTF-16. Among the sources it is in UTF-8, for which Windows PowerShell wants a mark at its
 # beginning: save a copy as "UTF-8 with BOM" or as UTF-16 before running it. PowerShell 7 takes it as it is.

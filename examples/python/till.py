@@ -1,7 +1,7 @@
 """A small till: connect, sell, be refused, mend it, pay, disconnect. Not run here.
 
-    pip install pywin32
-    python till.py [port]
+    py -m pip install pywin32
+    py till.py 127.0.0.1:9100
 """
 
 import sys

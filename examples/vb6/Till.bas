@@ -1,7 +1,7 @@
 Attribute VB_Name = "TillModule"
 ' A small till, early bound: connect, sell, be refused, mend it, pay, disconnect. Not run here.
 '
-'   Till.exe [port]
+'   Till.exe 127.0.0.1:9100
 '
 ' The release has this file in code page 1253 with CR LF, as Visual Basic reads it. Among the sources it is in UTF-8:
 ' README.md tells how to save a copy.

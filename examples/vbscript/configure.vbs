@@ -1,6 +1,6 @@
 ' Setting the register up: header, VAT rates, departments, settings, VAT number, server.
 '
-'   cscript //nologo configure.vbs port
+'   cscript //nologo configure.vbs 127.0.0.1:9100
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).

@@ -1,6 +1,6 @@
 ' What a till does when a call fails. emulator: --fault "after 1 on 3/S paper-end"
 '
-'   cscript //nologo handle_errors.vbs [port]
+'   cscript //nologo handle_errors.vbs 127.0.0.1:9100
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).

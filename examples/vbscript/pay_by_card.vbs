@@ -1,6 +1,6 @@
 ' Paying by card: the terminal, a payment that fails, one that succeeds. emulator: --card-seconds 1 --card 156
 '
-'   cscript //nologo pay_by_card.vbs port
+'   cscript //nologo pay_by_card.vbs 127.0.0.1:9100
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).

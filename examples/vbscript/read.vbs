@@ -1,6 +1,6 @@
 ' Reading: the open receipt, the day, departments, VAT rates, the date, the state.
 '
-'   cscript //nologo read.vbs [port]
+'   cscript //nologo read.vbs 127.0.0.1:9100
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).

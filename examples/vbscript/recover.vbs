@@ -1,6 +1,6 @@
 ' A till that can be killed at any moment and says at its next start what became of its last receipt and payment.
 '
-'   cscript //nologo recover.vbs [port]
+'   cscript //nologo recover.vbs 127.0.0.1:9100
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
