@@ -3,12 +3,14 @@
 #include <objbase.h>
 #include <oleauto.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <vector>
 
+#include "component/component.h"
 #include "platform/windows/windows.h"
 
 namespace mirvane::embedding {
@@ -16,7 +18,8 @@ namespace {
 
 class RegisteredObject final : public Object {
  public:
-  explicit RegisteredObject(IDispatch* dispatch) : dispatch_(dispatch) {}
+  explicit RegisteredObject(IDispatch* dispatch, const PublicClass* ours = nullptr)
+      : dispatch_(dispatch), ours_(ours) {}
   RegisteredObject(const RegisteredObject&) = delete;
   RegisteredObject& operator=(const RegisteredObject&) = delete;
   ~RegisteredObject() override { dispatch_->Release(); }
@@ -25,14 +28,29 @@ class RegisteredObject final : public Object {
 
   const ClassInfo& classInfo() const override {
     static const ClassInfo kNoClassOfOurs("Object", {});
-    return kNoClassOfOurs;
+    return ours_ == nullptr ? kNoClassOfOurs : ours_->describe();
   }
 
   Value invoke(std::string_view member, Access access, Arguments arguments) override;
 
  private:
   IDispatch* dispatch_;
+  const PublicClass* ours_;
 };
+
+// The public class that `is` is true of; null where there is none.
+template <class Is>
+const PublicClass* publicClass(const Is& is) {
+  const auto classes = publicClasses();
+  const auto found = std::ranges::find_if(classes, is);
+  return found == classes.end() ? nullptr : &*found;
+}
+
+const PublicClass* classNamed(TextView programmaticId) {
+  return publicClass([name = toUtf8(programmaticId)](const PublicClass& each) {
+    return name == std::string(kTypeLibraryName) + "." + std::string(each.describe().name());
+  });
+}
 
 [[noreturn]] void fail(HRESULT outcome, std::string_view where) {
   std::array<char, 40> code{};
@@ -156,13 +174,13 @@ ObjectPtr createRegistered(TextView programmaticId) {
   HRESULT outcome = S_OK;
   IDispatch* const created = create(toWide(programmaticId), outcome);
   if (created == nullptr) fail(outcome, toUtf8(programmaticId));
-  return std::make_shared<RegisteredObject>(created);
+  return std::make_shared<RegisteredObject>(created, classNamed(programmaticId));
 }
 
 ObjectPtr findRegistered(TextView programmaticId) {
   HRESULT outcome = S_OK;
   IDispatch* const created = create(toWide(programmaticId), outcome);
-  return created == nullptr ? nullptr : std::make_shared<RegisteredObject>(created);
+  return created == nullptr ? nullptr : std::make_shared<RegisteredObject>(created, classNamed(programmaticId));
 }
 
 ObjectPtr createFrom(const std::filesystem::path& library, std::string_view classId) {
@@ -181,7 +199,8 @@ ObjectPtr createFrom(const std::filesystem::path& library, std::string_view clas
     static_cast<IClassFactory*>(factory)->Release();
   }
   if (FAILED(outcome)) fail(outcome, classId);
-  return std::make_shared<RegisteredObject>(static_cast<IDispatch*>(created));
+  return std::make_shared<RegisteredObject>(
+      static_cast<IDispatch*>(created), publicClass([&](const PublicClass& each) { return each.classId == classId; }));
 }
 
 }  // namespace mirvane::embedding
