@@ -1,4 +1,4 @@
-// A small till, early bound, by the header that widl makes of MirvaneEFT.idl: connect, sell, be refused, mend it, pay,
+// A small till, early bound, by the header that widl makes of MirvaneEFT.idl: connect, sell, handle refusals, pay,
 // disconnect.
 //
 //   widl -h -I ..\.. -o VarlenFiscalQ7734.h ..\..\MirvaneEFT.idl
@@ -70,7 +70,7 @@ bool totalled(Register& till, _clsTransTotal* totals) {
   try {
     return till.transactionTotals(totals);
   } catch (const AutomationError& error) {
-    // The call itself is impossible: nothing was sent, and the variables are as they were.
+    // The call itself is invalid: nothing was sent, and the variables are unchanged.
     std::printf("  %08lX\n", error.code());
     return false;
   }
@@ -89,17 +89,17 @@ void sellAndPay(const wchar_t* address) {
   std::printf("register %s\n", serialNumber.utf8().c_str());
 
   require(sold(till, L"Καφές ελληνικός", 2, 1.80, 24), "selling coffee");
-  // No VAT rate of the register is 17.
+  // The register has no VAT rate of 17 %.
   require(!sold(till, L"Τυρόπιτα", 1, 2.20, 17) && sold(till, L"Τυρόπιτα", 1, 2.20, 13), "a refused item");
   require(sold(till, L"Νερό", 0.5, 0.50, 13), "selling water");
   require(till.commentPrinterPrint(thanks, size), "thanking");
 
-  // A record to be filled has to be there.
+  // A record to be filled must exist.
   require(!totalled(till, nullptr), "totals into nothing");
   const Object<_clsTransTotal> totals(create<_clsTransTotal>(__uuidof(clsTransTotal), __uuidof(_clsTransTotal)));
   require(totalled(till, totals.get()), "asking for the total");
   std::printf("total %.2f\n", invoke(totals.get(), 7, DISPATCH_PROPERTYGET).dblVal);
-  // A card gives no change.
+  // Change cannot be given on a card.
   require(!paid(till, 2, L"ΚΑΡΤΑ", 10) && paid(till, 1, L"ΜΕΤΡΗΤΑ", 10), "paying");
   require(till.disconnect(port), "disconnecting");
 }

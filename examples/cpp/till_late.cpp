@@ -1,4 +1,4 @@
-// A small till, late bound: connect, sell, be refused, mend it, pay, disconnect.
+// A small till, late bound: connect, sell, handle refusals, pay, disconnect.
 //
 //   g++ -std=c++20 -municode -static till_late.cpp -o till_late.exe -lole32 -loleaut32 -luuid
 //   .\till_late.exe 127.0.0.1:9100
@@ -45,7 +45,7 @@ class Register {
   VARIANT_BOOL silent_ = VARIANT_TRUE;
 };
 
-/// The quantity is what somebody typed: a text is taken for the number that it is.
+/// The quantity is what somebody typed: a text that is a number is accepted.
 bool sold(Register& till, const wchar_t* what, const wchar_t* howMany, double price, double vatRate) {
   Text description(what), quantity(howMany);
   short department = 1;
@@ -53,7 +53,7 @@ bool sold(Register& till, const wchar_t* what, const wchar_t* howMany, double pr
   try {
     return till.operate(L"ItemSale", {description, quantity, price, vatRate, department});
   } catch (const AutomationError& error) {
-    // The call itself is impossible: nothing was sent, and the variables are as they were.
+    // The call itself is invalid: nothing was sent, and the variables are unchanged.
     std::printf("  %08lX\n", error.code());
     return false;
   }
@@ -79,7 +79,7 @@ void sellAndPay(const wchar_t* address) {
   std::printf("register %s\n", serialNumber.utf8().c_str());
 
   require(sold(till, L"Καφές ελληνικός", L"2", 1.80, 24), "selling coffee");
-  // No VAT rate of the register is 17.
+  // The register has no VAT rate of 17 %.
   require(!sold(till, L"Τυρόπιτα", L"1", 2.20, 17) && sold(till, L"Τυρόπιτα", L"1", 2.20, 13), "a refused item");
   require(!sold(till, L"Νερό", L"μισό", 0.50, 13) && sold(till, L"Νερό", L"0,5", 0.50, 13), "an impossible quantity");
   require(till.operate(L"commentPrinterPrint", {thanks, size}), "thanking");
@@ -87,7 +87,7 @@ void sellAndPay(const wchar_t* address) {
   const Object<> totals(create(Register::classId(L"VarlenFiscalQ7734.clsTransTotal")));
   require(till.operate(L"transactionTotals", {totals.get()}), "asking for the total");
   std::printf("total %.2f\n", Register::property(totals.get(), L"receiptTotalAmt").dblVal);
-  // A card gives no change.
+  // Change cannot be given on a card.
   require(!paid(till, 2, L"ΚΑΡΤΑ", 10) && paid(till, 1, L"ΜΕΤΡΗΤΑ", 10), "paying");
 
   // A closed port is reported as 1, the value of the system call that closed it.

@@ -38,7 +38,7 @@ Sub DiscountLastItem(description, ByVal percent)
   WScript.Echo percent & "% off the last item"
   module.adjustment(True).percentDiscount description, percent, Result, Exresult, Suppress
   Check "percentDiscount"
-  ' The variable holds the amount now.
+  ' The variable now holds the amount.
   WScript.Echo "that was " & FormatNumber(percent, 2)
 End Sub
 

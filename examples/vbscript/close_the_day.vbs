@@ -27,7 +27,7 @@ Check "Payment"
 module.issueXReport Result, Exresult, Suppress
 Check "issueXReport"
 
-' The tests' register cannot write its journal at first, as the first line tells.
+' The tests' register cannot write its journal at first, as the first line says.
 If Not DayClosed Then
   WScript.Echo "the day is still open: " & Reason & "; look at the register, then once more"
   If Not DayClosed Then Check "issueZReport"

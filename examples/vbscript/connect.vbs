@@ -29,7 +29,7 @@ Sub ShowRegister(port)
   Disconnect port
 End Sub
 
-' Connect_ opens the port and sends nothing; that a register is there, only its answer shows.
+' Connect_ opens the port and sends nothing. Only an answer shows that a register is there.
 Function Connected(port)
   Dim pass
   Connected = False
@@ -41,7 +41,7 @@ Function Connected(port)
     Connected = True
   Else
     WScript.Echo port & ": " & Result & " " & Exresult
-    ' Without this the next Connect_ would not even look.
+    ' Without this the next Connect_ would keep the open port.
     Disconnect port
   End If
 End Function

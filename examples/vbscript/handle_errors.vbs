@@ -17,7 +17,7 @@ module.Connect_ port, Result, Exresult, Suppress
 If Not Succeeded("Connect_") Then WScript.Quit 1
 
 Sell "Καφές", 1, 1.80, 24
-' The tests' register is out of paper now, as the first line tells.
+' The tests' register is out of paper now, as the first line says.
 If Not Sell("Τυρόπιτα", 1, 2.20, 13) Then
   WScript.Echo "new paper, and once more"
   Sell "Τυρόπιτα", 1, 2.20, 13
@@ -36,7 +36,7 @@ Function Sell(description, quantity, price, vatRate)
   On Error Resume Next
   module.ItemSale description, quantity, price, vatRate, 1, Result, Exresult, Suppress
   If Err.Number <> 0 Then
-    ' The call itself is impossible: nothing was sent, and the variables are as they were.
+    ' The call itself is invalid: nothing was sent, and the variables are unchanged.
     WScript.Echo "error " & Err.Number & ": a mistake in the program"
     Sell = False
     Exit Function

@@ -23,7 +23,7 @@ Check "Connect_"
 SetTerminal 1, "192.168.1.60", 4000
 module.ItemSale "Καφές", 2, 1.80, 24, 1, Result, Exresult, Suppress
 Check "ItemSale"
-' The tests' terminal declines the first payment, as the first line tells.
+' The tests' terminal declines the first payment, as the first line says.
 If Not PaidByCard(3.60) Then
   ShowRemaining
   WScript.Echo "another card"
@@ -49,7 +49,7 @@ Sub SetTerminal(number, address, terminalPort)
   WScript.Echo "terminal " & number & " answers at " & address
 End Sub
 
-' Comes back when the terminal is done; meanwhile a window tells the operator to wait.
+' Returns when the terminal has finished; meanwhile a window asks the operator to wait.
 Function PaidByCard(amount)
   Const Card = 2, FirstTerminal = 1, ItsType = 0
   WScript.Echo "paying " & FormatNumber(amount, 2) & " by card; waiting for the terminal"
@@ -58,8 +58,8 @@ Function PaidByCard(amount)
   If Result <> 0 Then WScript.Echo Result & " " & Exresult
 End Function
 
-' The answer is "00/00/06/", behind it what remains, the change and what is paid, each with "/". When the printer needs
-' somebody, its words stand there in place of the answer.
+' The answer is "00/00/06/", followed by what remains, the change and what is paid, each with "/". When the printer
+' needs attention, its message is there instead.
 Sub ShowRemaining
   Dim fields, Pass
   module.SendCommand_ "5/99/1/1/1/", Result, Exresult, Suppress, Pass

@@ -1,4 +1,4 @@
-' A till that can be killed at any moment and says at its next start what became of its last receipt and payment.
+' A till that can be killed at any moment. At its next start it says what became of its last receipt and payment.
 '
 '   cscript //nologo recover.vbs 127.0.0.1:9100
 '
@@ -6,7 +6,7 @@
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 Option Explicit
 
-' What a picture of the register holds, in this order; amounts in cents.
+' What a snapshot of the register holds, in this order; amounts in cents.
 Const ReceiptsToday = 0, LatestNumber = 1, LatestTotal = 2, OpenNow = 3, Remaining = 4
 
 Dim module, files, port, savedTo, known, Result, Exresult, Suppress, Pass
