@@ -87,7 +87,7 @@ constexpr Phrase kReportPort = {"Θύρα της ταμειακής, για να
                                 "Port of the register, to ask it too; Enter alone for none: "};
 
 // ---- Registration and files
-constexpr Phrase kForEverybody = {"για όλους", "for everybody"};
+constexpr Phrase kForAllUsers = {"για όλους", "for all users"};
 constexpr Phrase kForUser = {"για αυτόν τον χρήστη", "for this user"};
 constexpr Phrase kNotRegistered = {
     "Το MirvaneEFT.dll δεν είναι καταχωρισμένο: τα προγράμματα δεν μπορούν να το χρησιμοποιήσουν.",
@@ -113,9 +113,9 @@ constexpr Phrase kUserOnly = {
 constexpr Phrase kTwoRegistered = {
     "Το MirvaneEFT.dll των %1 bit είναι καταχωρισμένο δύο φορές: για τον χρήστη το %2, που ισχύει, και για όλους το "
     "%3.",
-    "The %1-bit MirvaneEFT.dll is registered twice: for this user %2, which is used, and for everybody %3."};
+    "The %1-bit MirvaneEFT.dll is registered twice: for this user %2, which is used, and for all users %3."};
 constexpr Phrase kUnregisterUser = {"Για να μείνει η καταχώριση για όλους:\n%1 /u /n /i:user \"%2\"",
-                                    "To keep only the registration for everybody:\n%1 /u /n /i:user \"%2\""};
+                                    "To keep only the registration for all users:\n%1 /u /n /i:user \"%2\""};
 constexpr Phrase kMoved = {"Η καταχώριση %1 bit δείχνει στο %2, που δεν υπάρχει: μετακινήθηκε ή σβήστηκε.",
                            "The %1-bit registration leads to %2, which does not exist: it was moved or deleted."};
 constexpr Phrase kWrongBits = {"Τα προγράμματα %1 bit παίρνουν το %2, που είναι των %3 bit.",

@@ -122,7 +122,7 @@ void examineRegistration(Findings& findings, const Registration& found) {
                           registerCommand(found.bits, libraryOfPackage(found.bits)));
   }
   findings.ok(say(texts::kRegistered, {bits, file, versionOf(found.file()),
-                                       say(found.isForUser() ? texts::kForUser : texts::kForEverybody)}));
+                                       say(found.isForUser() ? texts::kForUser : texts::kForAllUsers)}));
   if (found.isForUser() && found.machine.empty()) findings.note(say(texts::kUserOnly, {bits}));
   if (found.isForUser() && !found.machine.empty() && !isSame(found.user, found.machine)) {
     findings.warning(say(texts::kTwoRegistered, {bits, file, nameOf(found.machine)}),

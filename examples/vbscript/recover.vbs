@@ -96,7 +96,7 @@ Sub Perform(what, amount, detail)
   WScript.Echo what & ", " & amount & ": " & was
 End Sub
 
-' "committed", "not committed" or "unknown", by the pictures before and now.
+' "committed", "not committed" or "unknown", by the snapshots before and now.
 Function Judge(what, amount, before, now)
   Dim b, n, due, total, isClosed, isStillOpen
   Judge = "unknown"
