@@ -20,6 +20,8 @@ Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
 WScript.Echo "connecting to " & port
 module.Connect_ port, Result, Exresult, Suppress
 If Result <> 0 Then Fail "Connect_: " & Result & " " & Exresult
+module.GetVersionInfo Result, Exresult, Suppress, Pass
+If Result <> 0 Then Fail "no register on " & port & ": " & Result & " " & Exresult
 
 Recover
 If IsReceiptOpen Then
