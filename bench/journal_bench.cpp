@@ -38,21 +38,21 @@ double takeSaved() {
 int main(int argc, char** argv) {
   using namespace mirvane::bench;
   if (argc < 2) fail("usage: journal-bench PORT...");
-  const auto till = makeTill();
+  Till till;
   double first = 0;
   for (int i = 1; i < argc; ++i) {
-    till->connect(mirvane::fromUtf8(argv[i]));
+    till.connect(mirvane::fromUtf8(argv[i]));
     const auto start = Time::now();
-    till->readJournal();
+    till.readJournal();
     const double seconds = std::chrono::duration<double>(Time::now() - start).count();
-    till->disconnect();
+    till.disconnect();
     const double bytes = takeSaved();
     if (first == 0) first = seconds / bytes;
     constexpr double kLine = mirvane::wire::kBaud / 10.0;  // ten bits a byte
     std::printf(
         "  %9.0f bytes  %7.2f s  %7.0f bytes/s  %5.2f times the line's own  time a byte %.2f  memory %.0f MiB\n", bytes,
         seconds, bytes / seconds, bytes / seconds / kLine, seconds / bytes / first,
-        static_cast<double>(till->memory()) / (1 << 20));
+        static_cast<double>(memory()) / (1 << 20));
   }
   return 0;
 }

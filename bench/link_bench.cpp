@@ -101,7 +101,7 @@ void benchRecord(Till& till, const std::array<Text, 2>& ports) {
   constexpr int kTimes = 400;
   std::array<double, 2> without{};
   for (const bool recorded : {false, true}) {
-    if (recorded) till.makeRecordFolder();
+    if (recorded) makeRecordFolder();
     for (std::size_t i = 0; i < ports.size(); ++i) {
       till.connect(ports[i]);
       const double median = measure(kTimes, [&] { till.send(u"?/"); }).median;
@@ -122,24 +122,24 @@ void benchRecord(Till& till, const std::array<Text, 2>& ports) {
 int main(int argc, char** argv) {
   using namespace mirvane::bench;
   if (argc != 3) fail("usage: link-bench UNPACED-PORT PACED-PORT");
-  const auto till = makeTill();
-  benchLine(*till, mirvane::fromUtf8(argv[1]), false);
-  benchLine(*till, mirvane::fromUtf8(argv[2]), true);
+  Till till;
+  benchLine(till, mirvane::fromUtf8(argv[1]), false);
+  benchLine(till, mirvane::fromUtf8(argv[2]), true);
 
   constexpr int kCalls = 100000;
   const auto start = Time::now();
-  for (int i = 0; i < kCalls; ++i) till->callNothing();
+  for (int i = 0; i < kCalls; ++i) till.callNothing();
   std::printf("  late-bound call that sends nothing: %.2f us\n", microseconds(Time::now() - start) / kCalls);
 
-  till->connect(mirvane::fromUtf8(argv[1]));
-  till->send(u"?/");
+  till.connect(mirvane::fromUtf8(argv[1]));
+  till.send(u"?/");
   std::printf("  memory of this process with one connected object: %.1f MiB\n",
-              static_cast<double>(till->memory()) / (1 << 20));
-  if (const auto size = till->componentSize(); size > 0) {
+              static_cast<double>(memory()) / (1 << 20));
+  if (const auto size = componentSize(); size > 0) {
     std::printf("  the DLL: %.0f KiB\n", static_cast<double>(size) / 1024);
   }
-  benchTrace(*till);
-  till->disconnect();
-  benchRecord(*till, {mirvane::fromUtf8(argv[1]), mirvane::fromUtf8(argv[2])});
+  benchTrace(till);
+  till.disconnect();
+  benchRecord(till, {mirvane::fromUtf8(argv[1]), mirvane::fromUtf8(argv[2])});
   return 0;
 }

@@ -50,8 +50,10 @@ class Conversation {
   Session session_{kSecondGenerationWords};
 };
 
+// "192.168.1.50:9100", and a local port behind it.
 bool isAddress(const std::string& port) {
-  return port.find(':') != std::string::npos && port.find('.') != std::string::npos;
+  return port.find_first_not_of("0123456789.:") == std::string::npos && port.find(':') != std::string::npos &&
+         std::count(port.begin(), port.end(), '.') == 3;
 }
 
 bool isPortOfThisMachine(const std::string& port) {
@@ -63,8 +65,20 @@ bool isPortOfThisMachine(const std::string& port) {
          std::filesystem::is_character_file(port, error);
 }
 
+bool isSerialName(const std::string& port) {
+  return isPortOfThisMachine(port) || port.find_first_of(".:") == std::string::npos;
+}
+
+// A text that is meant for the network and is no address and port in numbers.
+Finding noAddress(const std::string& port) {
+  const bool isBare = port.find(':') == std::string::npos && port.find_first_not_of("0123456789.") == std::string::npos;
+  if (isBare) return {Mark::kFault, say(texts::kNoPortNumber, {port}), say(texts::kAddPortNumber, {port})};
+  return {Mark::kFault, say(texts::kNotAnAddress, {port}), say(texts::kUseNumbers)};
+}
+
 Finding whyNotOpened(const std::string& port) {
   if (isAddress(port)) return {Mark::kFault, say(texts::kNoNetwork, {port}), say(texts::kCheckNetwork)};
+  if (!isSerialName(port)) return noAddress(port);
   if (!isPortOfThisMachine(port)) {
     const std::string ports = listOfPorts();
     const std::string remedy = ports.empty() ? say(texts::kPlugIn) : say(texts::kUsePort, {ports});
@@ -82,24 +96,39 @@ Finding whyNotOpened(const std::string& port) {
 
 Finding silenceAt(const std::string& port) {
   const std::string seconds = std::to_string(static_cast<int>(kAnswerSeconds));
-  const std::string remedy =
-      isAddress(port) ? say(texts::kSwitchOnNetwork, {port.substr(port.find(':') + 1)}) : say(texts::kSwitchOn);
-  return {Mark::kFault, say(texts::kSilent, {seconds}), remedy};
+  if (!isAddress(port)) return {Mark::kFault, say(texts::kSilent, {seconds}), say(texts::kSwitchOn)};
+  const std::string behind = port.substr(port.find(':') + 1);
+  return {Mark::kFault, say(texts::kSilentNetwork, {port, seconds}),
+          say(texts::kSwitchOnNetwork, {behind.substr(0, behind.find(':'))})};
 }
 
 std::string fieldOf(const Reply& reply, std::size_t i) {
   return i < reply.countAll() ? toUtf8(reply.textAt(i)) : std::string();
 }
 
+// The register's own words, beside them what they mean.
+std::string explained(const std::string& words, const std::string& meaning) {
+  return meaning.empty() ? words : say(texts::kExplained, {words, meaning});
+}
+
+std::string printerWords(const std::string& words) {
+  for (const auto& [piece, meaning] : texts::kPrinterWords) {
+    if (words.find(piece) != std::string::npos) return explained(words, say(meaning));
+  }
+  return words;
+}
+
 // What a reply says that is neither a success nor one of a register.
 Finding refusal(const std::string& question, const Reply& reply) {
-  if (reply.result < 0) {
-    return {Mark::kFault, say(texts::kBroken, {toUtf8(reply.message)}), say(texts::kSwitchOn)};
-  }
-  std::string remedy = say(texts::kMendCode);
-  const ResultCode* const code = findResultCode(reply.result, toUtf8(reply.message));
-  if (code != nullptr && !code->cashier.en.empty()) remedy = speaksGreek() ? code->cashier.el : code->cashier.en;
-  return {Mark::kFault, say(texts::kRefused, {question, std::to_string(reply.result), toUtf8(reply.message)}), remedy};
+  const std::string message = toUtf8(reply.message);
+  const ResultCode* const code = findResultCode(reply.result, message);
+  const auto inLanguage = [](const Bilingual& text) { return speaksGreek() ? text.el : text.en; };
+  const bool isKnown = code != nullptr && code->knowledge == Knowledge::kMeaning;
+  const std::string words = isKnown ? explained(message, inLanguage(code->meaning)) : message;
+  if (reply.result < 0) return {Mark::kFault, say(texts::kBroken, {words}), say(texts::kSwitchOn)};
+  std::string remedy = code == nullptr ? "" : inLanguage(code->cashier);
+  if (remedy.empty()) remedy = say(texts::kMendCode);
+  return {Mark::kFault, say(texts::kRefused, {question, std::to_string(reply.result), words}), remedy};
 }
 
 // Who answers at the open port; a fault where nobody does, or no register.
@@ -121,12 +150,26 @@ void tellState(Findings& findings, const Reply& reply) {
   } else if (isReady) {
     findings.ok(say(texts::kPaper));
   } else {
-    findings.fault(say(texts::kPrinter, {toUtf8(reply.message)}), say(texts::kMendPrinter));
+    findings.fault(say(texts::kPrinter, {printerWords(toUtf8(reply.message))}), say(texts::kMendPrinter));
   }
   if (reply.result < 0) return;
   findings.ok(say(reply.flags().dayOpen ? texts::kDayOpen : texts::kDayClosed));
   if (reply.flags().transactionOpen) findings.warning(say(texts::kReceiptOpen), say(texts::kFinishReceipt));
   if (reply.flags().flashNearFull) findings.warning(say(texts::kFlashNearFull), say(texts::kCloseDay));
+}
+
+void tellToday(Findings& findings, const Reply& reply) {
+  constexpr std::size_t kSales = 5, kReceipts = 6;
+  if (!reply.succeeded()) return findings.add(refusal("0/", reply));
+  findings.ok(say(texts::kToday, {fieldOf(reply, kReceipts), fieldOf(reply, kSales)}));
+}
+
+// Nothing, unless the register refuses to tell of the receipt or of what remains of it.
+void tellReceipt(Findings& findings, const Reply& totals, const Reply& remaining) {
+  if (!totals.succeeded()) findings.add(refusal("9/", totals));
+  const bool hasReceipt = !remaining.is(DeviceCode::kTransactionNotOpen) && !remaining.is(DeviceCode::kCashInOpen) &&
+                          !remaining.is(DeviceCode::kCashOutOpen);
+  if (hasReceipt && !remaining.succeeded()) findings.add(refusal("5/99/", remaining));
 }
 
 // The three numbers of a date or a time, whatever stands between them; a year may have two digits.
@@ -208,6 +251,8 @@ Findings askRegister(const std::string& port, bool slip) {
       findings.add(refusal("a/", number));
     }
     tellClock(findings, conversation.ask(u"t/"));
+    tellToday(findings, conversation.ask(u"0/"));
+    tellReceipt(findings, conversation.ask(u"9/"), conversation.ask(u"5/99/1/1/1/"));
     // Within a receipt it would be a line of that.
     if (slip && state.result >= 0 && !state.flags().transactionOpen) {
       printSlip(findings, conversation, fieldOf(number, 0));
@@ -259,7 +304,7 @@ Findings findRegister() {
     }
   }
   if (findings.count(Mark::kOk) == 0) {
-    findings.fault(say(texts::kNothingFound), say(all.empty() ? texts::kPlugIn : texts::kSwitchOn));
+    findings.fault(say(texts::kNothingFound), say(all.empty() ? texts::kPlugIn : texts::kSwitchOnAny));
   }
   findings.sortWorstFirst();
   return findings;

@@ -119,6 +119,9 @@ void examineRecords(Findings& findings, const std::vector<fs::path>& folders) {
     const fs::path records = folder / "records";
     const std::string name = nameOf(records);
     std::error_code error;
+    if (const fs::path shown = shownInPlaceOf(records); !shown.empty()) {
+      findings.warning(say(texts::kRecordsElsewhere, {nameOf(shown), name}), say(texts::kMakeFolder, {name}));
+    }
     if (!fs::is_directory(records, error)) {
       findings.note(say(texts::kNoRecords, {name}));
     } else if (canWriteInto(records)) {
@@ -163,7 +166,11 @@ std::string listOfPorts() {
 
 Findings examineMachine(std::vector<fs::path>& folders) {
   Findings findings;
-  examineComponent(findings, folders);
+  if (folders.empty()) {
+    examineComponent(findings, folders);
+  } else {
+    for (const fs::path& folder : folders) examineFolder(findings, folder);
+  }
   examineJournal(findings);
   const std::string ports = listOfPorts();
   if (ports.empty()) {

@@ -9,7 +9,7 @@
 namespace mirvane::check {
 
 /// What there is to say about this machine, the worst first. Folders where a registered component lies are added to
-/// `folders`.
+/// `folders`; one that is there already is that of a component without registration, which is then looked at instead.
 Findings examineMachine(std::vector<std::filesystem::path>& folders);
 
 /// The component's message catalogue in its folder.

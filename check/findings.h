@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace mirvane::check {
@@ -8,7 +9,8 @@ namespace mirvane::check {
 /// What a finding is, the worst first.
 enum class Mark { kFault, kWarning, kNote, kOk };
 
-/// One thing that was looked at: what was found, in words, and for a fault or a warning the one thing to do.
+/// One thing that was looked at: what was found, in words, and for a fault or a warning the one thing to do. Behind its
+/// first line a remedy has commands, a line each.
 struct Finding {
   Mark mark;
   std::string what;
@@ -33,8 +35,14 @@ class Findings {
   std::vector<Finding> list_;
 };
 
+/// The worst there is; kOk where there is nothing.
+Mark worstOf(const Findings& findings);
+
 /// For people: a line with its mark, and the remedy below it.
 std::string inWords(const Findings& findings);
+
+/// For programs: "fault", "warning", "note", "ok".
+std::string_view wordFor(Mark mark);
 
 /// For another copy of this program that started this one: a line a finding.
 std::string asLines(const Findings& findings);

@@ -17,8 +17,12 @@ namespace mirvane::check {
 std::vector<std::string> commandLine(int count, char** arguments);
 /// Writes to the standard output: letters as they are where that is a console, UTF-8 into a file or a pipe.
 void print(const std::string& text);
-/// Waits for a key where the console closes with the program, as after a double click.
-void keepConsole();
+/// A line that the user types, without its end; nothing when there is no more.
+std::optional<std::string> readLine();
+/// Whether the console closes with the program, as after a double click.
+bool hasOwnConsole();
+/// Where the user keeps what is to be found at once: the desktop.
+std::filesystem::path desktop();
 /// Whether the user's own language is Greek.
 bool systemSpeaksGreek();
 /// The system, its version, and who is logged on, for a report.
@@ -37,12 +41,17 @@ struct SerialPortName {
 };
 std::vector<SerialPortName> serialPorts();
 
-/// Which program has the port open, with its number; nothing where the system does not tell.
+/// Which program has the port open, with its number; nothing where no documented call tells.
 std::optional<std::string> holderOf(const std::string& port);
 
 /// What is to be said about the component's registration and its files. Folders of a component that a program would
 /// find are added to `folders`.
 void examineComponent(Findings& findings, std::vector<std::filesystem::path>& folders);
+/// The same of a component that its program finds in this folder, without registration.
+void examineFolder(Findings& findings, const std::filesystem::path& folder);
+/// The folder that the system shows this user's older programs in place of one where they may not write; empty when
+/// there is none.
+std::filesystem::path shownInPlaceOf(const std::filesystem::path& folder);
 
 /// Puts the component's core in this program together, for what it is asked itself.
 void startCore();
@@ -50,6 +59,8 @@ void startCore();
 /// A new object of a public class, as a till's program gets it: through its registration, or natively from the core.
 /// Raises runtime_error with the reason where it cannot be had.
 ObjectPtr createComponent(const std::string& className);
+/// The same out of the component in this folder, registered or not.
+ObjectPtr createFromFolder(const std::filesystem::path& folder, const std::string& className);
 
 /// What the programs of `bits` bits are, which try the component that is registered for such.
 struct Twin {

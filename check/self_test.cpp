@@ -11,6 +11,7 @@
 #include "check/machine.h"
 #include "check/texts.h"
 #include "component/component.h"
+#include "embedding/till.h"
 #include "protocol/device_codes.h"
 #include "support/electronic_journal.h"
 #include "text/code_page.h"
@@ -39,12 +40,8 @@ class Till {
   /// Every call reports its outcome, which is to be `expected`.
   template <class... A>
   void expect(std::int16_t expected, std::string_view member, A&&... arguments) {
-    constexpr std::int16_t kUntouched = 32767;
-    result_ = kUntouched;
-    module_->call(member, arguments..., result_, text_, silent_);
-    if (result_ == expected) return;
-    throw StepFailed(say(texts::kNotExpected,
-                         {std::string(member), std::to_string(result_), toUtf8(text_), std::to_string(expected)}));
+    till_.call(member, arguments...);
+    require(expected, member);
   }
   template <class... A>
   void succeed(std::string_view member, A&&... arguments) {
@@ -57,9 +54,9 @@ class Till {
   void payBy(std::int16_t number, double amount) { pay(0, number, amount, 0); }
   void payByCard(std::int16_t expected, double amount) { pay(expected, 2, amount, 1); }
   void adjust(bool item, std::string_view how, const char16_t* sign, double amount) {
-    const ObjectPtr adjustment = convertTo<ObjectPtr>(module_->call("adjustment", item));
-    adjustment->call(how, TextView(sign), amount, result_, text_, silent_);
-    if (result_ != 0) throw StepFailed(std::string(how) + ": " + std::to_string(result_) + " " + toUtf8(text_));
+    const ObjectPtr adjustment = convertTo<ObjectPtr>(till_.read("adjustment", item));
+    till_.callOn(*adjustment, how, TextView(sign), amount);
+    require(0, how);
   }
   double sumOfDay() {
     const ObjectPtr day = createComponent("clsDailyAcc");
@@ -72,10 +69,13 @@ class Till {
     expect(expected, "Payment", number, Text(), amount, terminal, std::int16_t{0});
   }
 
-  ObjectPtr module_ = createComponent("fiscalTrevikModule");
-  std::int16_t result_ = 0;
-  Text text_;
-  bool silent_ = true;
+  void require(std::int16_t expected, std::string_view member) const {
+    if (till_.Result == expected) return;
+    throw StepFailed(say(texts::kNotExpected, {std::string(member), std::to_string(till_.Result),
+                                               toUtf8(till_.Exresult), std::to_string(expected)}));
+  }
+
+  embedding::Till till_{createComponent("fiscalTrevikModule")};
 };
 
 void createAll() {
@@ -326,11 +326,12 @@ Findings playDay(const std::string& address) {
   }
 }
 
-Findings tryComponent() {
+Findings tryComponent(const fs::path& folder) {
   constexpr int kBits = 8 * static_cast<int>(sizeof(void*));
   Findings findings;
   try {
-    createComponent("fiscalTrevikModule");
+    constexpr const char* kFacade = "fiscalTrevikModule";
+    const ObjectPtr facade = folder.empty() ? createComponent(kFacade) : createFromFolder(folder, kFacade);
     findings.ok(say(texts::kTried, {std::to_string(kBits)}));
   } catch (const std::exception& error) {
     findings.fault(error.what(), "");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,7 +17,7 @@ std::vector<std::pair<std::string, Findings>> testItself(const std::string& emul
 /// One of those days: through the component that programs of this program's kind find, at the register at `address`.
 Findings playDay(const std::string& address);
 
-/// Creates the facade as a program does.
-Findings tryComponent();
+/// Creates the facade as a program does: as it is registered, or out of `folder` where that is not empty.
+Findings tryComponent(const std::filesystem::path& folder);
 
 }  // namespace mirvane::check

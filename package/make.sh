@@ -54,7 +54,8 @@ put build/win32/mirvane-emulator.exe emulator
 for file in build/win32/com/MirvaneEFT.idl component/com/base.idl; do
   with_windows_line_ends <"$file" >"$content/$(basename "$file")"
 done
-git ls-files examples | grep -v '\.md$' | while read -r file; do put_source "$file"; done
+# Those of the source tree alone are none of its users'.
+git ls-files examples | grep -vE '\.md$|CMakeLists\.txt$|^examples/native/' | while read -r file; do put_source "$file"; done
 put docs/*.png docs
 [[ ! -e docs/result-codes.json ]] || put docs/result-codes.json docs
 # Guides for those who use the component; those for its own developers stay with the sources.

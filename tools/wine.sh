@@ -51,7 +51,7 @@ wine_up() {
   [[ ! ${WINE_IS_UP-} ]] || return 0
   Xvfb -displayfd 1 -screen 0 1024x768x24 -nolisten tcp >"$WORK/display" 2>"$WORK/display.log" {wine_lock}>&- &
   display_pid=$!
-  await grep -q . "$WORK/display" || die "no X display: $(<"$WORK/display.log")"
+  await grep -qs . "$WORK/display" || die "no X display: $(<"$WORK/display.log")"
   DISPLAY=":$(<"$WORK/display")"
   export DISPLAY
 

@@ -32,7 +32,20 @@ std::vector<std::string> commandLine(int count, char** arguments) { return {argu
 
 void print(const std::string& text) { std::cout << text << std::flush; }
 
-void keepConsole() {}
+std::optional<std::string> readLine() {
+  std::string line;
+  if (!std::getline(std::cin, line)) return std::nullopt;
+  return line;
+}
+
+bool hasOwnConsole() { return false; }
+
+fs::path desktop() {
+  const char* const home = std::getenv("HOME");
+  const fs::path folder = home == nullptr ? fs::current_path() : fs::path(home);
+  std::error_code error;
+  return fs::is_directory(folder / "Desktop", error) ? folder / "Desktop" : folder;
+}
 
 bool systemSpeaksGreek() {
   for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
@@ -93,6 +106,13 @@ void examineComponent(Findings& findings, std::vector<fs::path>& folders) {
   examineCatalogue(findings, folders.back());
 }
 
+void examineFolder(Findings& findings, const fs::path& folder) {
+  findings.note(say(texts::kInThisProgram));
+  examineCatalogue(findings, folder);
+}
+
+fs::path shownInPlaceOf(const fs::path& /*folder*/) { return {}; }
+
 void startCore() { startComponent(); }
 
 ObjectPtr createComponent(const std::string& className) {
@@ -100,6 +120,10 @@ ObjectPtr createComponent(const std::string& className) {
     if (each.describe().name() == className) return each.create();
   }
   throw std::runtime_error(className);
+}
+
+ObjectPtr createFromFolder(const fs::path& /*folder*/, const std::string& className) {
+  return createComponent(className);
 }
 
 std::vector<Twin> twins() { return {{static_cast<int>(8 * sizeof(void*)), ownProgram()}}; }

@@ -47,7 +47,7 @@ bool isSame(const fs::path& a, const fs::path& b) {
 std::string registerCommand(int bits, const fs::path& library) {
   const std::string registrar = nameOf(registrarOf(bits));
   if (library.empty()) return say(texts::kInstallIt, {std::to_string(bits), registrar});
-  return say(texts::kRegisterIt, {registrar, nameOf(library)});
+  return say(texts::kRegisterIt, {std::to_string(bits), registrar, nameOf(library)});
 }
 
 // What programs of so many bits find.
@@ -89,21 +89,23 @@ bool isBlocked(const fs::path& file) {
   return GetFileAttributesW(mark.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-// Has a program of the library's own kind create the object.
-void tryToCreate(Findings& findings, int bits, const fs::path& library) {
+// Has a program of the library's own kind create the object, as it is registered or out of `folder`.
+void tryToCreate(Findings& findings, int bits, const std::string& remedy, const fs::path& folder = {}) {
   for (const Twin& twin : twins()) {
     if (twin.bits != bits || twin.program.empty()) continue;
     const char* const language = speaksGreek() ? "el" : "en";
     std::string reason = say(texts::kNoAnswerOfTwin);
     try {
-      Child child(twin.program, {"--language", language, "--try-component"});
+      std::vector<std::string> arguments = {"--language", language, "--try-component"};
+      if (!folder.empty()) arguments.insert(arguments.end(), {"--folder", nameOf(folder)});
+      Child child(twin.program, arguments);
       const Findings told = fromLines(child.outputWithin(kTrySeconds).value_or(""));
       if (told.count(Mark::kOk) > 0) return findings.add(told);
       if (!told.list().empty()) reason = told.list().front().what;
     } catch (const std::runtime_error& error) {
       reason = error.what();
     }
-    findings.fault(say(texts::kCannotBeMade, {std::to_string(bits), reason}), registerCommand(bits, library));
+    findings.fault(say(texts::kCannotBeMade, {std::to_string(bits), reason}), remedy);
   }
 }
 
@@ -120,7 +122,7 @@ void examineRegistration(Findings& findings, const Registration& found) {
                           registerCommand(found.bits, libraryOfPackage(found.bits)));
   }
   findings.ok(say(texts::kRegistered, {bits, file, versionOf(found.file()),
-                                       say(found.isForUser() ? texts::kForUser : texts::kForEverybody)}));
+                                       say(found.isForUser() ? texts::kForUser : texts::kForAllUsers)}));
   if (found.isForUser() && found.machine.empty()) findings.note(say(texts::kUserOnly, {bits}));
   if (found.isForUser() && !found.machine.empty() && !isSame(found.user, found.machine)) {
     findings.warning(say(texts::kTwoRegistered, {bits, file, nameOf(found.machine)}),
@@ -132,10 +134,25 @@ void examineRegistration(Findings& findings, const Registration& found) {
                    registerCommand(found.bits, found.file()));
   }
   if (isBlocked(found.file())) findings.warning(say(texts::kBlocked, {file}), say(texts::kUnblock));
-  tryToCreate(findings, found.bits, found.file());
+  tryToCreate(findings, found.bits, registerCommand(found.bits, found.file()));
 }
 
 }  // namespace
+
+void examineFolder(Findings& findings, const fs::path& folder) {
+  const fs::path library = folder / "MirvaneEFT.dll";
+  const std::string file = nameOf(library);
+  std::error_code error;
+  if (!fs::exists(library, error)) {
+    return findings.fault(say(texts::kNoFileInFolder, {nameOf(folder)}), say(texts::kGiveFolder));
+  }
+  const int bits = bitsOf(library);
+  if (bits == 0) return findings.fault(say(texts::kNoLibrary, {file}), say(texts::kReplaceFile));
+  findings.ok(say(texts::kInFolder, {file, std::to_string(bits), versionOf(library)}));
+  if (isBlocked(library)) findings.warning(say(texts::kBlocked, {file}), say(texts::kUnblock));
+  tryToCreate(findings, bits, say(texts::kReplaceFile), folder);
+  examineCatalogue(findings, folder);
+}
 
 void examineComponent(Findings& findings, std::vector<fs::path>& folders) {
   std::map<int, std::string> versions;
@@ -155,8 +172,11 @@ void examineComponent(Findings& findings, std::vector<fs::path>& folders) {
     folders.push_back(folder);
   }
   if (missing.size() == twins().size()) {
-    const int bits = isSystemOf64Bits() && libraryOfPackage(32).empty() && !libraryOfPackage(64).empty() ? 64 : 32;
-    return findings.fault(say(texts::kNotRegistered), registerCommand(bits, libraryOfPackage(bits)));
+    std::string commands;
+    for (const int bits : missing) {
+      commands += (commands.empty() ? "" : "\n") + registerCommand(bits, libraryOfPackage(bits));
+    }
+    return findings.fault(say(texts::kNotRegistered), commands);
   }
   for (const int bits : missing) {
     const std::string number = std::to_string(bits);

@@ -1,17 +1,23 @@
 // clang-format off
 #include "platform/windows/windows.h"
 #include <shellapi.h>  // which does not include <windows.h> itself
+#include <shlobj.h>
 // clang-format on
 
 #include "check/machine.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <iostream>
 #include <map>
 
 #include "check/texts.h"
 #include "check/windows/library.h"
 #include "check/windows/registry.h"
+#include "component/component.h"
+#include "embedding/windows/registered_object.h"
+#include "state/module_state.h"
 #include "text/code_page.h"
 
 namespace mirvane::check {
@@ -118,16 +124,33 @@ void print(const std::string& text) {
   }
 }
 
-void keepConsole() {
-  std::array<DWORD, 2> processes{};
+std::optional<std::string> readLine() {
   const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
-  if (!isConsole(input) || !isConsole(GetStdHandle(STD_OUTPUT_HANDLE)) ||
-      GetConsoleProcessList(processes.data(), processes.size()) != 1)
-    return;
-  print("\n" + say(texts::kPressKey) + "\n");
-  wchar_t key = 0;
-  DWORD count = 0;
-  ReadConsoleW(input, &key, 1, &count, nullptr);
+  std::string line;
+  if (!isConsole(input)) {
+    if (!std::getline(std::cin, line)) return std::nullopt;
+  } else {
+    std::array<wchar_t, 300> typed{};
+    DWORD count = 0;
+    if (ReadConsoleW(input, typed.data(), typed.size(), &count, nullptr) == FALSE || count == 0) return std::nullopt;
+    line = toUtf8(fromWide({typed.data(), count}));
+  }
+  line.erase(line.find_last_not_of("\r\n") + 1);
+  return line;
+}
+
+bool hasOwnConsole() {
+  std::array<DWORD, 2> processes{};
+  return isConsole(GetStdHandle(STD_INPUT_HANDLE)) && isConsole(GetStdHandle(STD_OUTPUT_HANDLE)) &&
+         GetConsoleProcessList(processes.data(), processes.size()) == 1;
+}
+
+fs::path desktop() {
+  std::array<wchar_t, MAX_PATH> folder{};
+  if (FAILED(SHGetFolderPathW(nullptr, CSIDL_DESKTOPDIRECTORY, nullptr, SHGFP_TYPE_CURRENT, folder.data()))) {
+    return fs::current_path();
+  }
+  return folder.data();
 }
 
 bool systemSpeaksGreek() { return PRIMARYLANGID(GetUserDefaultUILanguage()) == LANG_GREEK; }
@@ -164,6 +187,33 @@ std::vector<SerialPortName> serialPorts() {
   std::vector<SerialPortName> ports;
   for (const auto& [number, device] : found) ports.push_back({"COM" + std::to_string(number), device});
   return ports;
+}
+
+// What lists every program's handles is no documented call, and security products take its use for an attack.
+std::optional<std::string> holderOf(const std::string& /*port*/) { return std::nullopt; }
+
+fs::path shownInPlaceOf(const fs::path& folder) {
+  std::array<wchar_t, MAX_PATH> local{};
+  if (FAILED(SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, local.data()))) return {};
+  const fs::path shown = fs::path(local.data()) / L"VirtualStore" / folder.relative_path();
+  std::error_code error;
+  return fs::is_directory(shown, error) ? shown : fs::path();
+}
+
+void startCore() {
+  startComponent();
+  moduleState().createObject = &embedding::findRegistered;
+}
+
+ObjectPtr createComponent(const std::string& className) {
+  return embedding::createRegistered(fromUtf8(std::string(kTypeLibraryName) + "." + className));
+}
+
+ObjectPtr createFromFolder(const fs::path& folder, const std::string& className) {
+  const auto classes = publicClasses();
+  const auto found =
+      std::ranges::find_if(classes, [&](const PublicClass& each) { return each.describe().name() == className; });
+  return embedding::createFrom(folder / "MirvaneEFT.dll", found->classId);
 }
 
 std::unique_ptr<WindowWatch> watchWindows(const char* className) { return std::make_unique<WindowsWatch>(className); }

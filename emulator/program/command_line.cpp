@@ -16,8 +16,8 @@ namespace mirvane::emulator {
 namespace {
 
 constexpr const char* kAbout =
-    "A fiscal cash register to develop and test against. Without options it listens at 127.0.0.1:9100 (UDP) and shows\n"
-    "itself at http://127.0.0.1:8100/. When it listens it prints one line: ready, and the addresses.";
+    "A fiscal cash register to develop and test against. Without options it listens at 127.0.0.1:9100 (UDP);\n"
+    "its page is at http://127.0.0.1:8100/. Once it listens it prints one line: ready, and the addresses.";
 
 /// Tells whether the folder's new file holds all of `file`.
 bool keepJournal(const std::string& folder, const Journal::File& file) {
@@ -76,17 +76,16 @@ class CommandLine {
     const auto address = [&options](const std::string& kind) {
       return [&options, kind](const std::string& text) { options.addresses.push_back({kind, text}); };
     };
-    value("--udp", "[ADDRESS:]PORT", "the network; 127.0.0.1 unless told otherwise, port 0 lets the system choose",
-          address("udp"));
+    value("--udp", "[ADDRESS:]PORT", "the network; default 127.0.0.1, port 0 lets the system choose", address("udp"));
     value("--serial", "PORT", "a serial port of this machine: COM6, /dev/ttyUSB0", address("serial"));
     value("--pty", "[LINK]", "a pseudo-terminal, with a symbolic link to it (not on Windows)", address("pty"))
         ->expected(0, 1);
-    value("--web", "[ADDRESS:]PORT", "the page and the interface for tests; 8100 unless told otherwise",
+    value("--web", "[ADDRESS:]PORT", "the page and the interface for tests; default 8100",
           [&options](const std::string& text) { options.webAddress = text.empty() ? "8100" : text; })
         ->expected(0, 1);
     value("--web-host", "NAME", "serve --web under this name too; may be given several times",
           [&options](const std::string& name) { options.web.hosts.push_back(name); });
-    value("--log", "FILE", "append all that happens to FILE, a line of JSON each",
+    value("--log", "FILE", "append every event to FILE, one line of JSON each",
           [&options](const std::string& path) { options.web.log = path; });
     value("--acknowledge", "WHAT", "the network: \"frame\" (each frame gets its ACK) or \"enq\" (the ENQ ahead of it)",
           [&options](const std::string& what) {
@@ -98,47 +97,49 @@ class CommandLine {
       if (!options.paper) throw UsageError(path + ": cannot be written");
     });
     flag("--quiet", "do not show what is printed", options.isQuiet);
-    flag("--paced", "take the time that a line of 115200 bits per second takes", options.isPaced);
-    value("--script", "FILE", "misbehave as the rules in FILE tell",
+    flag("--paced", "be as slow as a line of 115200 bits per second", options.isPaced);
+    value("--script", "FILE", "misbehave by the rules in FILE",
           [&faults](const std::string& path) { addScript(faults, path); });
-    value("--fault", "RULE", "misbehave as RULE tells: --fault \"on 5/ lost\", --fault \"after 2 on 3/S unplug 5\"",
+    value("--fault", "RULE", "misbehave by RULE: --fault \"on 5/ lost\", --fault \"after 2 on 3/S unplug 5\"",
           [&faults](const std::string& rule) { faults.add(rule); });
-    value("--seed", "NUMBER", "which commands the rules with a rate strike: the same number, the same ones (1)",
+    value("--seed", "NUMBER", "decides which commands the rules with a rate affect (default 1)",
           [&faults](const std::string& text) {
             faults.seed(static_cast<std::uint32_t>(parseSize("--seed", text, 0, 4'294'967'295)));
           });
-    value("--card-seconds", "SECONDS", "a card terminal takes so long (2)", [&options](const std::string& text) {
+    value("--card-seconds", "SECONDS", "seconds a card payment takes (default 2)", [&options](const std::string& text) {
       options.cards.seconds = static_cast<double>(parseSize("--card-seconds", text, 0, 3600));
     });
     value("--card", "OUTCOME",
-          "how the next card payment ends: 0 (approved), 112, 156, 157 or 159; given again, the one after it; "
+          "how the next card payment ends: 0 (approved), 112, 156, 157 or 159; may be repeated for the following "
+          "payments; "
           "\"always OUTCOME\" for all others",
           [&options](const std::string& text) { addOutcome(options.cards, text); });
-    value("--journal", "FOLDER", "keep the files of each closing's journal in FOLDER",
+    value("--journal", "FOLDER", "save the journal files of each closing in FOLDER",
           [&options](const std::string& folder) {
             requireWritable(folder);
             options.journal.keep = [folder](const Journal::File& file) { return keepJournal(folder, file); };
           });
     // With its frame, a piece must fit a datagram.
-    value("--journal-piece", "BYTES", "hand the journal over in pieces of so many bytes (1000), at most 60000",
+    value("--journal-piece", "BYTES", "size of the pieces of the journal (default 1000, at most 60000)",
           [&options](const std::string& text) {
             options.journal.pieceSize = parseSize("--journal-piece", text, 1, 60'000);
           });
-    value("--pad-journal", "BYTES", "fill the journal's printed text up to so many bytes",
+    value("--pad-journal", "BYTES", "extend the printed text of the journal to this size",
           [&options](const std::string& text) {
             options.journal.padding = parseSize("--pad-journal", text, 0, 1'000'000'000);
           });
-    value("--replay", "FILE", "play the register's part out of a flight record, and tell where the till does otherwise",
+    value("--replay", "FILE", "replay the register's side of a flight record, and report where the till differs",
           [&options](const std::string& path) { options.replay = path; });
-    value("--state", "FILE", "remember everything in FILE, and go on where it ends",
+    value("--state", "FILE", "keep the state in FILE across restarts",
           [&options](const std::string& path) { options.state = path; });
-    flag("--reset", "forget what --state remembers", options.isReset);
-    value("--preset", "NAME", "begin as a \"fresh\" register, a \"kiosk\" or a \"restaurant\"",
+    flag("--reset", "start with an empty --state file", options.isReset);
+    value("--preset", "NAME", "start as a \"fresh\" register, a \"kiosk\" or a \"restaurant\"",
           [&options](const std::string& name) { options.preset = name; });
-    value("--serial-number", "NUMBER", "of the register: letters and digits", [&options](const std::string& number) {
-      if (!isSerialNumber(number)) throw UsageError("--serial-number takes letters and digits, not " + number);
-      options.serialNumber = number;
-    });
+    value("--serial-number", "NUMBER", "serial number of the register: letters and digits",
+          [&options](const std::string& number) {
+            if (!isSerialNumber(number)) throw UsageError("--serial-number takes letters and digits, not " + number);
+            options.serialNumber = number;
+          });
   }
 
   /// Nothing when the program is to go on, otherwise what it ends with. Throws what the options throw.

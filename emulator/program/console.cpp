@@ -28,7 +28,8 @@ struct Console::Queue {
     while (true) {
       changed.wait(lock, [this] { return !text.empty(); });
       std::string piece = std::exchange(text, {});
-      if (left > 0) piece += "[" + std::to_string(std::exchange(left, 0)) + " bytes left out: nobody read them]\n";
+      if (left > 0)
+        piece += "[" + std::to_string(std::exchange(left, 0)) + " bytes omitted: the output was not read]\n";
       isWriting = true;
       lock.unlock();
       writeOut(piece);

@@ -79,6 +79,16 @@ int play(const Options& options, boost::asio::io_context& loop) {
   }
 }
 
+// For whoever sees the window of a double click.
+constexpr const char* kDoubleClicked =
+    "\n"
+    "Port name for the till: 127.0.0.1:9100\n"
+    "Closing this window switches the register off.\n"
+    "\n"
+    "Όνομα θύρας για το πρόγραμμα του ταμείου: 127.0.0.1:9100\n"
+    "Αν κλείσετε αυτό το παράθυρο, η ταμειακή σβήνει.\n"
+    "\n";
+
 int run(const std::vector<std::string>& arguments) {
   Options options;
   Console console;
@@ -126,7 +136,10 @@ int run(const std::vector<std::string>& arguments) {
   if (options.webAddress) ready += " web=" + web->url();
   const Ticker ticker(loop, station);
   console.write(ready + "\n");
-  if (arguments.empty()) openBrowser(web->url());
+  if (arguments.empty()) {
+    console.write(kDoubleClicked);
+    openBrowser(web->url());
+  }
   loop.run();
   return 0;
 }
@@ -155,8 +168,7 @@ int runToTheEnd(const std::vector<std::string>& arguments) {
 int main(int count, char** arguments) {
   using namespace mirvane::emulator;
   prepareConsole();
-  const std::vector<std::string> words = commandLine(count, arguments);
-  const int status = runToTheEnd(words);
-  if (status != 0 && words.empty()) keepConsole();
+  const int status = runToTheEnd(commandLine(count, arguments));
+  if (status != 0) keepConsole();
   return status;
 }

@@ -1,7 +1,9 @@
-// A small till, early bound, by the header that widl makes of MirvaneEFT.idl: connect, sell, be refused, mend it, pay,
+// A small till, early bound, by the header that widl makes of MirvaneEFT.idl: connect, sell, handle refusals, pay,
 // disconnect.
 //
-//   till_early [port]
+//   widl -h -I ..\.. -o VarlenFiscalQ7734.h ..\..\MirvaneEFT.idl
+//   g++ -std=c++20 -municode -static -I . till_early.cpp -o till_early.exe -lole32 -loleaut32 -luuid
+//   .\till_early.exe 127.0.0.1:9100
 
 #include "automation.h"
 // Needs the headers of the system before it.
@@ -16,11 +18,8 @@ class Register {
   Register() : module_(create<_fiscalTrevikModule>(__uuidof(fiscalTrevikModule), __uuidof(_fiscalTrevikModule))) {}
 
   bool connect(Text& port) { return operate(5, {port}); }
-  bool disconnect(Text& port) {
-    operate(6, {port});
-    // A closed port is reported as 1, the value of the system call that closed it.
-    return result_ == 1;
-  }
+  // A closed port is reported as 1, the value of the system call that closed it.
+  bool disconnect(Text& port) { return operate(6, {port}, 1); }
   bool itemSale(Text& description, double& quantity, double& price, double& vatRate, short& department) {
     return operate(7, {description, quantity, price, vatRate, department});
   }
@@ -37,14 +36,14 @@ class Register {
 
  private:
   /// Every operation has Result, Exresult and SupressError_ behind its own parameters.
-  bool operate(DISPID id, std::vector<Argument> arguments) {
+  bool operate(DISPID id, std::vector<Argument> arguments, short success = 0) {
     for (const Argument& argument : {Argument(result_), Argument(exresult_), Argument(&silent_)}) {
       arguments.push_back(argument);
     }
     VARIANT unused = invoke(module_.get(), id, DISPATCH_METHOD, arguments);
     VariantClear(&unused);
-    if (result_ != 0) std::printf("  %ld: %d %s\n", id, result_, exresult_.utf8().c_str());
-    return result_ == 0;
+    if (result_ != success) std::printf("  %ld: %d %s\n", id, result_, exresult_.utf8().c_str());
+    return result_ == success;
   }
 
   Object<_fiscalTrevikModule> module_;
@@ -71,7 +70,7 @@ bool totalled(Register& till, _clsTransTotal* totals) {
   try {
     return till.transactionTotals(totals);
   } catch (const AutomationError& error) {
-    // The call itself is impossible: nothing was sent, and the variables are as they were.
+    // The call itself is invalid: nothing was sent, and the variables are unchanged.
     std::printf("  %08lX\n", error.code());
     return false;
   }
@@ -90,17 +89,17 @@ void sellAndPay(const wchar_t* address) {
   std::printf("register %s\n", serialNumber.utf8().c_str());
 
   require(sold(till, L"Καφές ελληνικός", 2, 1.80, 24), "selling coffee");
-  // No VAT rate of the register is 17.
+  // The register has no VAT rate of 17 %.
   require(!sold(till, L"Τυρόπιτα", 1, 2.20, 17) && sold(till, L"Τυρόπιτα", 1, 2.20, 13), "a refused item");
   require(sold(till, L"Νερό", 0.5, 0.50, 13), "selling water");
   require(till.commentPrinterPrint(thanks, size), "thanking");
 
-  // A record to be filled has to be there.
+  // A record to be filled must exist.
   require(!totalled(till, nullptr), "totals into nothing");
   const Object<_clsTransTotal> totals(create<_clsTransTotal>(__uuidof(clsTransTotal), __uuidof(_clsTransTotal)));
   require(totalled(till, totals.get()), "asking for the total");
   std::printf("total %.2f\n", invoke(totals.get(), 7, DISPATCH_PROPERTYGET).dblVal);
-  // A card gives no change.
+  // Change cannot be given on a card.
   require(!paid(till, 2, L"ΚΑΡΤΑ", 10) && paid(till, 1, L"ΜΕΤΡΗΤΑ", 10), "paying");
   require(till.disconnect(port), "disconnecting");
 }

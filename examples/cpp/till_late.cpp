@@ -1,6 +1,7 @@
-// A small till, late bound: connect, sell, be refused, mend it, pay, disconnect.
+// A small till, late bound: connect, sell, handle refusals, pay, disconnect.
 //
-//   till_late [port]
+//   g++ -std=c++20 -municode -static till_late.cpp -o till_late.exe -lole32 -loleaut32 -luuid
+//   .\till_late.exe 127.0.0.1:9100
 
 #include "automation.h"
 
@@ -18,14 +19,14 @@ class Register {
   }
 
   /// Whether the operation succeeded. Every one has Result, Exresult and SupressError_ behind its own parameters.
-  bool operate(const wchar_t* name, std::vector<Argument> arguments) {
+  bool operate(const wchar_t* name, std::vector<Argument> arguments, short success = 0) {
     for (const Argument& argument : {Argument(result_), Argument(exresult_), Argument(&silent_)}) {
       arguments.push_back(argument);
     }
     VARIANT unused = invoke(module_.get(), idOf(module_.get(), name), DISPATCH_METHOD, arguments);
     VariantClear(&unused);
-    if (result_ != 0) std::printf("  %ls: %d %s\n", name, result_, exresult_.utf8().c_str());
-    return result_ == 0;
+    if (result_ != success) std::printf("  %ls: %d %s\n", name, result_, exresult_.utf8().c_str());
+    return result_ == success;
   }
 
   bool receiptOpen() {
@@ -37,8 +38,6 @@ class Register {
     return invoke(object, idOf(object, name), DISPATCH_PROPERTYGET);
   }
 
-  short result() const { return result_; }
-
  private:
   Object<> module_;
   short result_ = 0;
@@ -46,7 +45,7 @@ class Register {
   VARIANT_BOOL silent_ = VARIANT_TRUE;
 };
 
-/// The quantity is what somebody typed: a text is taken for the number that it is.
+/// The quantity is what somebody typed: a text that is a number is accepted.
 bool sold(Register& till, const wchar_t* what, const wchar_t* howMany, double price, double vatRate) {
   Text description(what), quantity(howMany);
   short department = 1;
@@ -54,7 +53,7 @@ bool sold(Register& till, const wchar_t* what, const wchar_t* howMany, double pr
   try {
     return till.operate(L"ItemSale", {description, quantity, price, vatRate, department});
   } catch (const AutomationError& error) {
-    // The call itself is impossible: nothing was sent, and the variables are as they were.
+    // The call itself is invalid: nothing was sent, and the variables are unchanged.
     std::printf("  %08lX\n", error.code());
     return false;
   }
@@ -80,7 +79,7 @@ void sellAndPay(const wchar_t* address) {
   std::printf("register %s\n", serialNumber.utf8().c_str());
 
   require(sold(till, L"Καφές ελληνικός", L"2", 1.80, 24), "selling coffee");
-  // No VAT rate of the register is 17.
+  // The register has no VAT rate of 17 %.
   require(!sold(till, L"Τυρόπιτα", L"1", 2.20, 17) && sold(till, L"Τυρόπιτα", L"1", 2.20, 13), "a refused item");
   require(!sold(till, L"Νερό", L"μισό", 0.50, 13) && sold(till, L"Νερό", L"0,5", 0.50, 13), "an impossible quantity");
   require(till.operate(L"commentPrinterPrint", {thanks, size}), "thanking");
@@ -88,12 +87,11 @@ void sellAndPay(const wchar_t* address) {
   const Object<> totals(create(Register::classId(L"VarlenFiscalQ7734.clsTransTotal")));
   require(till.operate(L"transactionTotals", {totals.get()}), "asking for the total");
   std::printf("total %.2f\n", Register::property(totals.get(), L"receiptTotalAmt").dblVal);
-  // A card gives no change.
+  // Change cannot be given on a card.
   require(!paid(till, 2, L"ΚΑΡΤΑ", 10) && paid(till, 1, L"ΜΕΤΡΗΤΑ", 10), "paying");
 
   // A closed port is reported as 1, the value of the system call that closed it.
-  till.operate(L"DisConnect_", {port});
-  require(till.result() == 1, "disconnecting");
+  require(till.operate(L"DisConnect_", {port}, 1), "disconnecting");
 }
 
 }  // namespace

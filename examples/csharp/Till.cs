@@ -1,6 +1,7 @@
-// A small till, late bound: connect, sell, be refused, mend it, pay, disconnect.
+// A small till, late bound: connect, sell, handle refusals, pay, disconnect.
 //
-//   Till [port]
+//   C:\Windows\Microsoft.NET\Framework\v4.0.30319\csc.exe /codepage:65001 /platform:x86 Till.cs
+//   .\Till.exe 127.0.0.1:9100
 using System;
 using System.Reflection;
 using System.Runtime.InteropServices;
@@ -76,7 +77,7 @@ sealed class Register : IDisposable
         Console.WriteLine("paying {0:F2} {1}", amount, description);
         Operate("Payment", kind, description, amount, (short)0, (short)0);
         using (var status = new Automation(module.Get("StatusRead")))
-            if ((bool)status.Get("isTransactionOpen")) throw new InvalidOperationException("something remains to be paid");
+            if ((bool)status.Get("isTransactionOpen")) throw new InvalidOperationException("the receipt is not fully paid");
     }
 
     public void Dispose()
@@ -117,7 +118,7 @@ static class Till
             Console.WriteLine("  {0} {1:X8}: {2}", cause.GetType().Name, cause.HResult, cause.Message);
             return;
         }
-        throw new InvalidOperationException("that was expected to fail");
+        throw new InvalidOperationException("this was expected to fail");
     }
 
     [STAThread]
@@ -127,15 +128,15 @@ static class Till
         {
             Console.WriteLine("register {0}", register.SerialNumber);
             register.Sell("Καφές ελληνικός", 2, 1.80, 24);
-            // No VAT rate of the register is 17.
+            // The register has no VAT rate of 17 %.
             Expect<RegisterException>(() => register.Sell("Τυρόπιτα", 1, 2.20, 17));
             register.Sell("Τυρόπιτα", 1, 2.20, 13);
-            // The call itself is impossible: nothing was sent.
+            // The call itself is invalid: nothing was sent.
             Expect<TargetInvocationException>(() => register.Sell("Νερό", "μισό", 0.50, 13));
             register.Sell("Νερό", "0,5", 0.50, 13);
             register.Print("Σας ευχαριστούμε!");
             Console.WriteLine("total {0:F2}", register.Total);
-            // A card gives no change.
+            // Change cannot be given on a card.
             Expect<RegisterException>(() => register.Pay(2, "ΚΑΡΤΑ", 10));
             register.Pay(1, "ΜΕΤΡΗΤΑ", 10);
         }

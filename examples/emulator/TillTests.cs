@@ -1,4 +1,7 @@
-// A till's own tests against the emulator: csc TillTests.cs && TillTests.exe, with its address in MIRVANE_WEB
+// A till's own tests against the emulator, with its address in MIRVANE_WEB:
+//
+//   C:\Windows\Microsoft.NET\Framework\v4.0.30319\csc.exe TillTests.cs
+//   .\TillTests.exe
 using System;
 using System.Net;
 using System.Text;

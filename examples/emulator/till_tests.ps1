@@ -1,4 +1,6 @@
-# A till's own tests against the emulator, in PowerShell: .\till_tests.ps1, with its address in $env:MIRVANE_WEB
+# A till's own tests against the emulator, in PowerShell, with its address in $env:MIRVANE_WEB:
+#
+#   powershell -ExecutionPolicy Bypass -File till_tests.ps1
 $ErrorActionPreference = 'Stop'
 $web = if ($env:MIRVANE_WEB) { $env:MIRVANE_WEB } else { 'http://127.0.0.1:8100' }
 

@@ -1,4 +1,4 @@
-"""A till's own tests against the emulator: python3 till_tests.py, with its address in MIRVANE_WEB"""
+"""A till's own tests against the emulator: py till_tests.py, with its address in MIRVANE_WEB"""
 import json
 import os
 import unittest

@@ -1,16 +1,17 @@
 // A receipt from JScript.
 //
-//   cscript //nologo receipt.js [port]
+//   cscript //nologo receipt.js 127.0.0.1:9100
 //
 // JScript passes values only, so Result and Exresult never come back: what happened is read from properties and from
 // records, which are objects and filled in place. Prefer a language with by-reference arguments where there is one.
 //
 // In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 // take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
-var port = WScript.Arguments.length > 0 ? WScript.Arguments(0) : "COM1";
+var port = WScript.Arguments.length > 0 ? WScript.Arguments(0) : "127.0.0.1:9100";
 var secondGeneration = 3;  // FISCAL_VARLENFISCAL2
 
 var module = new ActiveXObject("VarlenFiscalQ7734.fiscalTrevikModule");
+WScript.Echo("connecting to " + port);
 module.Connect_(port, 0, "", true);
 check(module.getFiscalType == secondGeneration, "no device on " + port);
 

@@ -1,9 +1,9 @@
-// A small till: connect, sell, be refused, mend it, pay, disconnect.
+// A small till: connect, sell, handle refusals, pay, disconnect.
 //
-//   cscript //nologo till.js [port]
+//   cscript //nologo till.js 127.0.0.1:9100
 //
 // JScript passes values only, so Result and Exresult never come back: what happened is read from the status and from
-// records, which are objects and filled in place. README.md tells what that costs.
+// records, which are objects and filled in place. README.md describes the limits.
 //
 // In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 // take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
@@ -11,17 +11,18 @@ var port = WScript.Arguments.length > 0 ? WScript.Arguments(0) : "127.0.0.1:9100
 var secondGeneration = 3;  // FISCAL_VARLENFISCAL2
 var module = new ActiveXObject("VarlenFiscalQ7734.fiscalTrevikModule");
 
+WScript.Echo("connecting to " + port);
 module.Connect_(port, 0, "", true);
 require(module.getFiscalType == secondGeneration, "connecting");
 
 require(sold("Καφές ελληνικός", 2, 1.80, 24), "selling coffee");
-// No VAT rate of the register is 17.
+// The register has no VAT rate of 17 %.
 require(!sold("Τυρόπιτα", 1, 2.20, 17) && sold("Τυρόπιτα", 1, 2.20, 13), "a refused item");
 require(!sold("Νερό", "μισό", 0.50, 13) && sold("Νερό", "0,5", 0.50, 13), "an impossible quantity");
 module.commentPrinterPrint("Σας ευχαριστούμε!", 1, 0, "", true);
 
 WScript.Echo("total " + total().toFixed(2));
-// A card gives no change.
+// Change cannot be given on a card.
 require(!paid(2, "ΚΑΡΤΑ", 10) && paid(1, "ΜΕΤΡΗΤΑ", 10), "paying");
 
 module.DisConnect_(port, 0, "", true);
@@ -34,14 +35,14 @@ function total() {
   return totals.receiptTotalAmt;
 }
 
-// Whether the item is on the receipt: its total has grown. Why not, nobody tells.
+// Whether the item is on the receipt: its total has grown. The reason is lost.
 function sold(description, quantity, price, vatRate) {
   WScript.Echo("selling " + quantity + " x " + description);
   var before = total();
   try {
     module.ItemSale(description, quantity, price, vatRate, 1, 0, "", true);
   } catch (error) {
-    // The call itself is impossible: nothing was sent.
+    // The call itself is invalid: nothing was sent.
     WScript.Echo("  error " + (error.number + 0x100000000).toString(16));
     return false;
   }

@@ -8,10 +8,6 @@
 
 int main(int count, char** arguments) {
   using mirvane::Text;
-  if (count != 2) {
-    std::cerr << "usage: sell-receipt PORT\n";
-    return 2;
-  }
   const mirvane::embedding::Component component;
   mirvane::embedding::Till till;
   const auto must = [&till](bool done) {
@@ -19,7 +15,7 @@ int main(int count, char** arguments) {
     std::cerr << till.Result << " " << mirvane::toUtf8(till.Exresult) << "\n";
     std::exit(1);
   };
-  must(till.call("Connect_", mirvane::fromUtf8(arguments[1])));
+  must(till.call("Connect_", mirvane::fromUtf8(count > 1 ? arguments[1] : "127.0.0.1:9100")));
   must(till.call("ItemSale", u"Καφές", 2.0, 2.5, 24.0, 1));
   must(till.call("Payment", 1, u"", 5.0, 0, 0));
   till.call("DisConnect_", u"");

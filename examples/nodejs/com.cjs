@@ -7,7 +7,7 @@
 //   if (result.value === 0) console.log(serialNumber.value);
 //
 // An argument is a number, a string, a Boolean, or one of these by reference; or an object of createObject, or null. A
-// call that fails throws an Error whose `code` is the HRESULT, such as '80020005'. `release` lets go of an object.
+// call that fails throws an Error whose `code` is the HRESULT, such as '80020005'. `release` releases an object.
 'use strict';
 const koffi = require('koffi');
 
@@ -58,7 +58,7 @@ function variant(value) {
   return memory;
 }
 
-// The value that a VARIANT holds, which is let go of.
+// The value that a VARIANT holds; the VARIANT is cleared.
 function valueOf(memory) {
   const type = at(memory, 0, 'uint16');
   const pointer = at(memory, 8, 'void *');

@@ -1,6 +1,6 @@
-// A small till: connect, sell, be refused, mend it, pay, disconnect.
+// A small till: connect, sell, handle refusals, pay, disconnect.
 //
-//   node till.cjs [port]
+//   node till.cjs 127.0.0.1:9100
 'use strict';
 const { createObject, byReference } = require('./com.cjs');
 
@@ -28,11 +28,11 @@ function pay(kind, description, amount) {
   console.log(`paying ${amount.toFixed(2)} ${description}`);
   operate('Payment', [kind, description, amount, 0, 0]);
   const status = till.get('StatusRead');
-  if (status.get('isTransactionOpen')) throw new Error('something remains to be paid');
+  if (status.get('isTransactionOpen')) throw new Error('the receipt is not fully paid');
   status.release();
 }
 
-// Something that must fail, and how: the error's own code tells an impossible call from a refusal.
+// Something that must fail, and how: the error's own code distinguishes an invalid call from a refusal.
 function failing(kind, action) {
   try {
     action();
@@ -41,7 +41,7 @@ function failing(kind, action) {
     console.log(`  ${error.message}`);
     return;
   }
-  throw new Error('that was expected to fail');
+  throw new Error('this was expected to fail');
 }
 const refused = (error) => error instanceof Refused;
 // There is no such member: DISP_E_UNKNOWNNAME. Nothing was sent.
@@ -53,10 +53,10 @@ operate('getSerialNumber', [serialNumber]);
 console.log(`register ${serialNumber.value}`);
 
 sell('Καφές ελληνικός', 2, 1.8, 24);
-// No VAT rate of the register is 17.
+// The register has no VAT rate of 17 %.
 failing(refused, () => sell('Τυρόπιτα', 1, 2.2, 17));
 sell('Τυρόπιτα', 1, 2.2, 13);
-// A text is taken for the number that it is.
+// A text that is a number is accepted.
 sell('Νερό', '0,5', 0.5, 13);
 failing(unknown, () => operate('ItemSell', []));
 operate('commentPrinterPrint', ['Σας ευχαριστούμε!', 1]);
@@ -65,7 +65,7 @@ const totals = createObject('VarlenFiscalQ7734.clsTransTotal');
 operate('transactionTotals', [totals]);
 console.log(`total ${totals.get('receiptTotalAmt').toFixed(2)}`);
 totals.release();
-// A card gives no change.
+// Change cannot be given on a card.
 failing(refused, () => pay(2, 'ΚΑΡΤΑ', 10));
 pay(1, 'ΜΕΤΡΗΤΑ', 10);
 

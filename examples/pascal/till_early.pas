@@ -1,6 +1,7 @@
-{ A small till, early bound: connect, sell, be refused, mend it, pay, disconnect.
+{ A small till, early bound: connect, sell, handle refusals, pay, disconnect.
 
-    till_early [port]
+    C:\FPC\3.2.2\bin\i386-win32\fpc.exe till_early.pas
+    .\till_early.exe 127.0.0.1:9100
 
   For Free Pascal and Delphi. This file is kept in UTF-8. }
 program till_early;
@@ -55,7 +56,7 @@ begin
     Till.transactionTotals(Totals, Result_, Exresult, Suppress);
     Totalled := Succeeded('transactionTotals');
   except
-    { The call itself is impossible: nothing was sent, and the variables are as they were. }
+    { The call itself is invalid: nothing was sent, and the variables are unchanged. }
     on Error: EOleSysError do
       WriteLn('  ', Error.ClassName, ' ', IntToHex(Error.ErrorCode, 8));
   end;
@@ -79,18 +80,18 @@ begin
   WriteLn('register ', SerialNumber);
 
   Check(Sold('Καφές ελληνικός', 2, 1.80, 24), 'selling coffee');
-  { No VAT rate of the register is 17. }
+  { The register has no VAT rate of 17 %. }
   Check(not Sold('Τυρόπιτα', 1, 2.20, 17) and Sold('Τυρόπιτα', 1, 2.20, 13), 'a refused item');
   Check(Sold('Νερό', 0.5, 0.50, 13), 'selling water');
   Till.commentPrinterPrint(Thanks, Small, Result_, Exresult, Suppress);
   Check(Succeeded('commentPrinterPrint'), 'thanking');
 
-  { A record to be filled has to be there. }
+  { A record to be filled must exist. }
   Check(not Totalled(Totals), 'totals into nothing');
   Totals := CreateComObject(CLASS_clsTransTotal) as _clsTransTotal;
   Check(Totalled(Totals), 'asking for the total');
   WriteLn('total ', Totals.receiptTotalAmt:0:2);
-  { A card gives no change. }
+  { Change cannot be given on a card. }
   Check(not Paid(2, 'ΚΑΡΤΑ', 10) and Paid(1, 'ΜΕΤΡΗΤΑ', 10), 'paying');
 
   Till.DisConnect_(Port, Result_, Exresult, Suppress);

@@ -1,6 +1,7 @@
-{ A small till, late bound: connect, sell, be refused, mend it, pay, disconnect.
+{ A small till, late bound: connect, sell, handle refusals, pay, disconnect.
 
-    till_late [port]
+    C:\FPC\3.2.2\bin\i386-win32\fpc.exe till_late.pas
+    .\till_late.exe 127.0.0.1:9100
 
   For Free Pascal and Delphi. This file is kept in UTF-8. }
 program till_late;
@@ -28,7 +29,7 @@ begin
   if Result_ <> 0 then WriteLn('  ', Step, ': ', VarToStr(Result_), ' ', VarToStr(Exresult));
 end;
 
-{ The quantity is what somebody typed: a text is taken for the number that it is. }
+{ The quantity is what somebody typed: a text that is a number is accepted. }
 function Sold(const Description: WideString; const Quantity: OleVariant; Price, VatRate: Double): Boolean;
 begin
   WriteLn('selling ', VarToStr(Quantity), ' x ', Description);
@@ -37,7 +38,7 @@ begin
     Till.ItemSale(Description, Quantity, Price, VatRate, 1, Result_, Exresult, Suppress);
     Sold := Succeeded('ItemSale');
   except
-    { The call itself is impossible: nothing was sent, and the variables are as they were. }
+    { The call itself is invalid: nothing was sent, and the variables are unchanged. }
     on Error: EOleSysError do
       WriteLn('  ', Error.ClassName, ' ', IntToHex(Error.ErrorCode, 8));
   end;
@@ -66,7 +67,7 @@ begin
   WriteLn('register ', VarToStr(SerialNumber));
 
   Check(Sold('Καφές ελληνικός', 2, 1.80, 24), 'selling coffee');
-  { No VAT rate of the register is 17. }
+  { The register has no VAT rate of 17 %. }
   Check(not Sold('Τυρόπιτα', 1, 2.20, 17) and Sold('Τυρόπιτα', 1, 2.20, 13), 'a refused item');
   Check(not Sold('Νερό', 'μισό', 0.50, 13) and Sold('Νερό', '0,5', 0.50, 13), 'an impossible quantity');
   Till.commentPrinterPrint('Σας ευχαριστούμε!', 1, Result_, Exresult, Suppress);
@@ -76,7 +77,7 @@ begin
   Till.transactionTotals(Totals, Result_, Exresult, Suppress);
   Check(Succeeded('transactionTotals'), 'asking for the total');
   WriteLn('total ', Double(Totals.receiptTotalAmt):0:2);
-  { A card gives no change. }
+  { Change cannot be given on a card. }
   Check(not Paid(2, 'ΚΑΡΤΑ', 10) and Paid(1, 'ΜΕΤΡΗΤΑ', 10), 'paying');
 
   Till.DisConnect_(Port, Result_, Exresult, Suppress);

@@ -1,6 +1,6 @@
-# A small till: connect, sell, be refused, mend it, pay, disconnect. Not run here.
+# A small till: connect, sell, handle refusals, pay, disconnect. Not run here.
 #
-#   powershell -ExecutionPolicy Bypass -File till.ps1 [port]
+#   powershell -ExecutionPolicy Bypass -File till.ps1 127.0.0.1:9100
 #
 # The release has this file in UTF-16. Among the sources it is in UTF-8, for which Windows PowerShell wants a mark at its
 # beginning: save a copy as "UTF-8 with BOM" or as UTF-16 before running it. PowerShell 7 takes it as it is.
@@ -22,14 +22,14 @@ function Confirm-Step([bool] $Done, [string] $Step) {
     if (-not $Done) { throw "FAIL $Step" }
 }
 
-# The quantity is what somebody typed: a text is taken for the number that it is.
+# The quantity is what somebody typed: a text that is a number is accepted.
 function Add-Sale([string] $Description, $Quantity, [double] $Price, [double] $VatRate) {
     Write-Host "selling $Quantity x $Description"
     try {
         $null = $register.ItemSale($Description, $Quantity, $Price, $VatRate, 1, [ref] $script:result,
             [ref] $script:exresult, [ref] $script:suppress)
     } catch {
-        # The call itself is impossible: nothing was sent, and the variables are as they were.
+        # The call itself is invalid: nothing was sent, and the variables are unchanged.
         Write-Host "  $($_.Exception.Message)"
         return $false
     }
@@ -51,7 +51,7 @@ Confirm-Step (Test-Success 'getSerialNumber') 'finding a register'
 Write-Host "register $serialNumber"
 
 Confirm-Step (Add-Sale 'Καφές ελληνικός' 2 1.80 24) 'selling coffee'
-# No VAT rate of the register is 17.
+# The register has no VAT rate of 17 %.
 Confirm-Step (-not (Add-Sale 'Τυρόπιτα' 1 2.20 17) -and (Add-Sale 'Τυρόπιτα' 1 2.20 13)) 'a refused item'
 Confirm-Step (-not (Add-Sale 'Νερό' 'μισό' 0.50 13) -and (Add-Sale 'Νερό' '0,5' 0.50 13)) 'an impossible quantity'
 $null = $register.commentPrinterPrint('Σας ευχαριστούμε!', 1, [ref] $result, [ref] $exresult, [ref] $suppress)
@@ -61,7 +61,7 @@ $totals = New-Object -ComObject 'VarlenFiscalQ7734.clsTransTotal'
 $register.transactionTotals($totals, [ref] $result, [ref] $exresult, [ref] $suppress)
 Confirm-Step (Test-Success 'transactionTotals') 'asking for the total'
 Write-Host ('total {0:F2}' -f $totals.receiptTotalAmt)
-# A card gives no change.
+# Change cannot be given on a card.
 Confirm-Step (-not (Add-Payment 2 'ΚΑΡΤΑ' 10) -and (Add-Payment 1 'ΜΕΤΡΗΤΑ' 10)) 'paying'
 
 $null = $register.DisConnect_([ref] $Port, [ref] $result, [ref] $exresult, [ref] $suppress)

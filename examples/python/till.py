@@ -1,7 +1,7 @@
-"""A small till: connect, sell, be refused, mend it, pay, disconnect. Not run here.
+"""A small till: connect, sell, handle refusals, pay, disconnect. Not run here.
 
-    pip install pywin32
-    python till.py [port]
+    py -m pip install pywin32
+    py till.py 127.0.0.1:9100
 """
 
 import sys
@@ -78,7 +78,7 @@ class Register:
         print(f"paying {amount:.2f} {description}")
         self.operate("Payment", kind, description, amount, 0, 0)
         if self.module.StatusRead.isTransactionOpen:
-            raise RuntimeError("something remains to be paid")
+            raise RuntimeError("the receipt is not fully paid")
 
 
 def expect(failure, action, *given):
@@ -87,22 +87,22 @@ def expect(failure, action, *given):
     except failure as error:
         print(f"  {type(error).__name__}: {error}")
     else:
-        raise AssertionError("that was expected to fail")
+        raise AssertionError("this was expected to fail")
 
 
 def main():
     with Register(sys.argv[1] if len(sys.argv) > 1 else "127.0.0.1:9100") as register:
         print("register", register.serial_number())
         register.sell("Καφές ελληνικός", 2, 1.80, 24)
-        # No VAT rate of the register is 17.
+        # The register has no VAT rate of 17 %.
         expect(Refused, register.sell, "Τυρόπιτα", 1, 2.20, 17)
         register.sell("Τυρόπιτα", 1, 2.20, 13)
-        # The call itself is impossible: nothing was sent. error.hresult is DISP_E_TYPEMISMATCH.
+        # The call itself is invalid: nothing was sent. error.hresult is DISP_E_TYPEMISMATCH.
         expect(pywintypes.com_error, register.sell, "Νερό", "μισό", 0.50, 13)
         register.sell("Νερό", "0,5", 0.50, 13)
         register.operate("commentPrinterPrint", "Σας ευχαριστούμε!", 1)
         print(f"total {register.total():.2f}")
-        # A card gives no change.
+        # Change cannot be given on a card.
         expect(Refused, register.pay, 2, "ΚΑΡΤΑ", 10)
         register.pay(1, "ΜΕΤΡΗΤΑ", 10)
     print("ok")

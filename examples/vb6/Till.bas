@@ -1,7 +1,7 @@
 Attribute VB_Name = "TillModule"
-' A small till, early bound: connect, sell, be refused, mend it, pay, disconnect. Not run here.
+' A small till, early bound: connect, sell, handle refusals, pay, disconnect. Not run here.
 '
-'   Till.exe [port]
+'   Till.exe 127.0.0.1:9100
 '
 ' The release has this file in code page 1253 with CR LF, as Visual Basic reads it. Among the sources it is in UTF-8:
 ' README.md tells how to save a copy.
@@ -29,19 +29,19 @@ Public Sub Main()
   Debug.Print "register " & SerialNumber
 
   Require Sold("Καφές ελληνικός", 2, 1.8, 24), "selling coffee"
-  ' No VAT rate of the register is 17.
+  ' The register has no VAT rate of 17 %.
   If Not Sold("Τυρόπιτα", 1, 2.2, 17) Then Require Sold("Τυρόπιτα", 1, 2.2, 13), "a refused item"
   Require Sold("Νερό", 0.5, 0.5, 13), "selling water"
   ' A constant goes in as it is: the compiler makes a variable for it.
   Register.commentPrinterPrint "Σας ευχαριστούμε!", 1, Result, Exresult, Suppress
   Require Succeeded("commentPrinterPrint"), "thanking"
 
-  ' A record to be filled has to be there.
+  ' A record to be filled must exist.
   Require Not Totalled(Totals), "totals into nothing"
   Set Totals = New VarlenFiscalQ7734.clsTransTotal
   Require Totalled(Totals), "asking for the total"
   Debug.Print "total " & Format$(Totals.receiptTotalAmt, "0.00")
-  ' A card gives no change.
+  ' Change cannot be given on a card.
   If Not Paid(2, "ΚΑΡΤΑ", 10) Then Require Paid(1, "ΜΕΤΡΗΤΑ", 10), "paying"
 
   Register.DisConnect_ Port, Result, Exresult, Suppress
@@ -75,7 +75,7 @@ Private Function Totalled(Totals As VarlenFiscalQ7734.clsTransTotal) As Boolean
   On Error Resume Next
   Register.transactionTotals Totals, Result, Exresult, Suppress
   If Err.Number <> 0 Then
-    ' The call itself is impossible: nothing was sent, and the variables are as they were.
+    ' The call itself is invalid: nothing was sent, and the variables are unchanged.
     Debug.Print "  error " & Err.Number & " " & Err.Description
   Else
     Totalled = Succeeded("transactionTotals")

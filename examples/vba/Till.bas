@@ -1,5 +1,5 @@
 Attribute VB_Name = "TillModule"
-' A small till, late bound: connect, sell, be refused, mend it, pay, disconnect. Not run here.
+' A small till, late bound: connect, sell, handle refusals, pay, disconnect. Not run here.
 '
 ' The release has this file in code page 1253, as the editor imports it. Among the sources it is in UTF-8: README.md tells
 ' how to save a copy. The system's language for programs without Unicode has to be Greek.
@@ -24,7 +24,7 @@ Public Sub Till()
   Debug.Print "register " & SerialNumber
 
   If Not Sold("Καφές ελληνικός", 2, 1.8, 24) Then Exit Sub
-  ' No VAT rate of the register is 17.
+  ' The register has no VAT rate of 17 %.
   If Not Sold("Τυρόπιτα", 1, 2.2, 17) Then
     If Not Sold("Τυρόπιτα", 1, 2.2, 13) Then Exit Sub
   End If
@@ -38,7 +38,7 @@ Public Sub Till()
   Register.transactionTotals Totals, Result, Exresult, Suppress
   If Not Succeeded("transactionTotals") Then Exit Sub
   Debug.Print "total " & Format$(Totals.receiptTotalAmt, "0.00")
-  ' A card gives no change.
+  ' Change cannot be given on a card.
   If Not Paid(2, "ΚΑΡΤΑ", 10) Then
     If Not Paid(1, "ΜΕΤΡΗΤΑ", 10) Then Exit Sub
   End If
@@ -48,14 +48,14 @@ Public Sub Till()
   If Result = 1 Then Debug.Print "ok"
 End Sub
 
-' The quantity is what somebody typed, a cell for instance: a text is taken for the number that it is.
+' The quantity is what somebody typed, a cell for instance: a text that is a number is accepted.
 Private Function Sold(ByVal Description As String, ByVal Quantity As Variant, ByVal Price As Double, _
     ByVal VatRate As Double) As Boolean
   Debug.Print "selling " & Quantity & " x " & Description
   On Error Resume Next
   Register.ItemSale Description, Quantity, Price, VatRate, 1, Result, Exresult, Suppress
   If Err.Number <> 0 Then
-    ' The call itself is impossible: nothing was sent, and the variables are as they were.
+    ' The call itself is invalid: nothing was sent, and the variables are unchanged.
     Debug.Print "  error " & Err.Number & " " & Err.Description
   Else
     Sold = Succeeded("ItemSale")

@@ -1,6 +1,6 @@
 ' Closing the day: X report, Z report, its journal. emulator: --fault "on A/ 4 code 134"
 '
-'   cscript //nologo close_the_day.vbs [port]
+'   cscript //nologo close_the_day.vbs 127.0.0.1:9100
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
@@ -9,9 +9,14 @@ Option Explicit
 Dim module, port, Result, Exresult, Suppress
 Suppress = True
 
-port = "COM1"
-If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
+If WScript.Arguments.Count = 0 Then
+  WScript.Echo "This closes the register's day. Give its port, for the emulator:" & vbCrLf & _
+    "cscript //nologo """ & WScript.ScriptFullName & """ 127.0.0.1:9100"
+  WScript.Quit 2
+End If
+port = WScript.Arguments(0)
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+WScript.Echo "connecting to " & port
 module.Connect_ port, Result, Exresult, Suppress
 Check "Connect_"
 
@@ -22,7 +27,7 @@ Check "Payment"
 module.issueXReport Result, Exresult, Suppress
 Check "issueXReport"
 
-' The tests' register cannot write its journal at first, as the first line tells.
+' The tests' register cannot write its journal at first, as the first line says.
 If Not DayClosed Then
   WScript.Echo "the day is still open: " & Reason & "; look at the register, then once more"
   If Not DayClosed Then Check "issueZReport"

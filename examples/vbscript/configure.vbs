@@ -1,6 +1,6 @@
 ' Setting the register up: header, VAT rates, departments, settings, VAT number, server.
 '
-'   cscript //nologo configure.vbs [port]
+'   cscript //nologo configure.vbs 127.0.0.1:9100
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
@@ -9,9 +9,14 @@ Option Explicit
 Dim module, port, Result, Exresult, Suppress, Pass
 Suppress = True
 
-port = "COM1"
-If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
+If WScript.Arguments.Count = 0 Then
+  WScript.Echo "This changes the register's settings. Give its port, for the emulator:" & vbCrLf & _
+    "cscript //nologo """ & WScript.ScriptFullName & """ 127.0.0.1:9100"
+  WScript.Quit 2
+End If
+port = WScript.Arguments(0)
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+WScript.Echo "connecting to " & port
 module.Connect_ port, Result, Exresult, Suppress
 Check "Connect_"
 

@@ -1,6 +1,6 @@
 ' Finding the register: its port, who it is, its serial number.
 '
-'   cscript //nologo connect.vbs [port] [network address]
+'   cscript //nologo connect.vbs COM1 127.0.0.1:9100
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
@@ -13,7 +13,7 @@ Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
 ' A port that this machine does not have, to show what a till sees then.
 If Connected("COM99") Then Fail "COM99 is not expected to be there"
 
-port = "COM1"
+port = "127.0.0.1:9100"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 ShowRegister port
 ' The register may be on the network as well.
@@ -29,10 +29,11 @@ Sub ShowRegister(port)
   Disconnect port
 End Sub
 
-' Connect_ opens the port and sends nothing; that a register is there, only its answer shows.
+' Connect_ opens the port and sends nothing. Only an answer shows that a register is there.
 Function Connected(port)
   Dim pass
   Connected = False
+  WScript.Echo "connecting to " & port
   module.Connect_ port, Result, Exresult, Suppress
   If Result = 0 Then module.GetVersionInfo Result, Exresult, Suppress, pass
   If Result = 0 Then
@@ -40,7 +41,7 @@ Function Connected(port)
     Connected = True
   Else
     WScript.Echo port & ": " & Result & " " & Exresult
-    ' Without this the next Connect_ would not even look.
+    ' Without this the next Connect_ would keep the open port.
     Disconnect port
   End If
 End Function

@@ -1,6 +1,6 @@
 ' What a till does when a call fails. emulator: --fault "after 1 on 3/S paper-end"
 '
-'   cscript //nologo handle_errors.vbs [port]
+'   cscript //nologo handle_errors.vbs 127.0.0.1:9100
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
@@ -9,14 +9,15 @@ Option Explicit
 Dim module, port, Result, Exresult, Suppress
 Suppress = True
 
-port = "COM1"
+port = "127.0.0.1:9100"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+WScript.Echo "connecting to " & port
 module.Connect_ port, Result, Exresult, Suppress
 If Not Succeeded("Connect_") Then WScript.Quit 1
 
 Sell "Καφές", 1, 1.80, 24
-' The tests' register is out of paper now, as the first line tells.
+' The tests' register is out of paper now, as the first line says.
 If Not Sell("Τυρόπιτα", 1, 2.20, 13) Then
   WScript.Echo "new paper, and once more"
   Sell "Τυρόπιτα", 1, 2.20, 13
@@ -35,7 +36,7 @@ Function Sell(description, quantity, price, vatRate)
   On Error Resume Next
   module.ItemSale description, quantity, price, vatRate, 1, Result, Exresult, Suppress
   If Err.Number <> 0 Then
-    ' The call itself is impossible: nothing was sent, and the variables are as they were.
+    ' The call itself is invalid: nothing was sent, and the variables are unchanged.
     WScript.Echo "error " & Err.Number & ": a mistake in the program"
     Sell = False
     Exit Function

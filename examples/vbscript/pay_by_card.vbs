@@ -1,6 +1,6 @@
 ' Paying by card: the terminal, a payment that fails, one that succeeds. emulator: --card-seconds 1 --card 156
 '
-'   cscript //nologo pay_by_card.vbs [port]
+'   cscript //nologo pay_by_card.vbs 127.0.0.1:9100
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
@@ -9,16 +9,21 @@ Option Explicit
 Dim module, port, Result, Exresult, Suppress
 Suppress = True
 
-port = "COM1"
-If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
+If WScript.Arguments.Count = 0 Then
+  WScript.Echo "This changes the register's card terminal. Give its port, for the emulator:" & vbCrLf & _
+    "cscript //nologo """ & WScript.ScriptFullName & """ 127.0.0.1:9100"
+  WScript.Quit 2
+End If
+port = WScript.Arguments(0)
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+WScript.Echo "connecting to " & port
 module.Connect_ port, Result, Exresult, Suppress
 Check "Connect_"
 
 SetTerminal 1, "192.168.1.60", 4000
 module.ItemSale "Καφές", 2, 1.80, 24, 1, Result, Exresult, Suppress
 Check "ItemSale"
-' The tests' terminal declines the first payment, as the first line tells.
+' The tests' terminal declines the first payment, as the first line says.
 If Not PaidByCard(3.60) Then
   ShowRemaining
   WScript.Echo "another card"
@@ -44,17 +49,17 @@ Sub SetTerminal(number, address, terminalPort)
   WScript.Echo "terminal " & number & " answers at " & address
 End Sub
 
-' Comes back when the terminal is done; meanwhile a window tells the operator to wait.
+' Returns when the terminal has finished; meanwhile a window asks the operator to wait.
 Function PaidByCard(amount)
   Const Card = 2, FirstTerminal = 1, ItsType = 0
-  WScript.Echo "paying " & FormatNumber(amount, 2) & " by card"
+  WScript.Echo "paying " & FormatNumber(amount, 2) & " by card; waiting for the terminal"
   module.Payment Card, "ΚΑΡΤΑ", amount, FirstTerminal, ItsType, Result, Exresult, Suppress
   PaidByCard = Result = 0 And Not module.StatusRead.isTransactionOpen
   If Result <> 0 Then WScript.Echo Result & " " & Exresult
 End Function
 
-' The answer is "00/00/06/", behind it what remains, the change and what is paid, each with "/". When the printer needs
-' somebody, its words stand there in place of the answer.
+' The answer is "00/00/06/", followed by what remains, the change and what is paid, each with "/". When the printer
+' needs attention, its message is there instead.
 Sub ShowRemaining
   Dim fields, Pass
   module.SendCommand_ "5/99/1/1/1/", Result, Exresult, Suppress, Pass

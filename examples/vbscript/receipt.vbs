@@ -1,6 +1,8 @@
 ' A receipt through the component: connect, sell, void, comment, pay in cash.
 '
-'   cscript //nologo receipt.vbs [port]     or a double click, with the emulator running on this machine
+'   cscript //nologo receipt.vbs 127.0.0.1:9100
+'
+' or a double click, with the emulator running on this machine
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).

@@ -1,24 +1,27 @@
-' A till that can be killed at any moment and says at its next start what became of its last receipt and payment.
+' A till that can be killed at any moment. At its next start it says what became of its last receipt and payment.
 '
-'   cscript //nologo recover.vbs [port]
+'   cscript //nologo recover.vbs 127.0.0.1:9100
 '
-' This file is kept in UTF-8. Script hosts read the ANSI code page: on a Greek machine save a copy in code page 1253
-' before running it (iconv -f UTF-8 -t CP1253).
+' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
+' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 Option Explicit
 
-' What a picture of the register holds, in this order; amounts in cents.
+' What a snapshot of the register holds, in this order; amounts in cents.
 Const ReceiptsToday = 0, LatestNumber = 1, LatestTotal = 2, OpenNow = 3, Remaining = 4
 
 Dim module, files, port, savedTo, known, Result, Exresult, Suppress, Pass
 Suppress = True
 
-port = "COM1"
+port = "127.0.0.1:9100"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 Set files = CreateObject("Scripting.FileSystemObject")
 savedTo = files.GetParentFolderName(WScript.ScriptFullName) & "\recover.txt"
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+WScript.Echo "connecting to " & port
 module.Connect_ port, Result, Exresult, Suppress
 If Result <> 0 Then Fail "Connect_: " & Result & " " & Exresult
+module.GetVersionInfo Result, Exresult, Suppress, Pass
+If Result <> 0 Then Fail "no register on " & port & ": " & Result & " " & Exresult
 
 Recover
 If IsReceiptOpen Then
@@ -95,7 +98,7 @@ Sub Perform(what, amount, detail)
   WScript.Echo what & ", " & amount & ": " & was
 End Sub
 
-' "committed", "not committed" or "unknown", by the pictures before and now.
+' "committed", "not committed" or "unknown", by the snapshots before and now.
 Function Judge(what, amount, before, now)
   Dim b, n, due, total, isClosed, isStillOpen
   Judge = "unknown"

@@ -1,6 +1,6 @@
-' A small till: connect, sell, be refused, mend it, pay, disconnect.
+' A small till: connect, sell, handle refusals, pay, disconnect.
 '
-'   cscript //nologo till.vbs [port]
+'   cscript //nologo till.vbs 127.0.0.1:9100
 '
 ' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
 ' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
@@ -14,6 +14,7 @@ port = "127.0.0.1:9100"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 Set module = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
 
+WScript.Echo "connecting to " & port
 module.Connect_ port, Result, Exresult, Suppress
 Require Succeeded("Connect_"), "connecting"
 Dim serialNumber
@@ -22,7 +23,7 @@ Require Succeeded("getSerialNumber"), "finding a register"
 WScript.Echo "register " & serialNumber
 
 Require Sold("Καφές ελληνικός", 2, 1.80, 24), "selling coffee"
-' No VAT rate of the register is 17.
+' The register has no VAT rate of 17 %.
 If Not Sold("Τυρόπιτα", 1, 2.20, 17) Then Require Sold("Τυρόπιτα", 1, 2.20, 13), "a refused item"
 If Not Sold("Νερό", "μισό", 0.50, 13) Then Require Sold("Νερό", "0,5", 0.50, 13), "an impossible quantity"
 module.commentPrinterPrint "Σας ευχαριστούμε!", 1, Result, Exresult, Suppress
@@ -33,7 +34,7 @@ Set totals = CreateObject("VarlenFiscalQ7734.clsTransTotal")
 module.transactionTotals totals, Result, Exresult, Suppress
 Require Succeeded("transactionTotals"), "asking for the total"
 WScript.Echo "total " & FormatNumber(totals.receiptTotalAmt, 2)
-' A card gives no change.
+' Change cannot be given on a card.
 If Not Paid(2, "ΚΑΡΤΑ", 10) Then Require Paid(1, "ΜΕΤΡΗΤΑ", 10), "paying"
 
 module.DisConnect_ port, Result, Exresult, Suppress
@@ -41,14 +42,14 @@ module.DisConnect_ port, Result, Exresult, Suppress
 Require Result = 1, "disconnecting"
 WScript.Echo "ok"
 
-' The quantity is what somebody typed: a text is taken for the number that it is.
+' The quantity is what somebody typed: a text that is a number is accepted.
 Function Sold(description, quantity, price, vatRate)
   WScript.Echo "selling " & quantity & " x " & description
   Sold = False
   On Error Resume Next
   module.ItemSale description, quantity, price, vatRate, 1, Result, Exresult, Suppress
   If Err.Number <> 0 Then
-    ' The call itself is impossible: nothing was sent, and the variables are as they were.
+    ' The call itself is invalid: nothing was sent, and the variables are unchanged.
     WScript.Echo "  error " & Err.Number
     Exit Function
   End If

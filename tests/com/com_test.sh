@@ -215,13 +215,32 @@ killed_at() {
   (($(grep -c 'EFTPOS 01' "$WORK/device.paper") == slips)) || die "charged another time: $(<"$WORK/device.paper")"
 }
 
+# double_click: no script of examples/ sends anything to the register at COM1 unless it is told to.
+double_click() {
+  local script pid pids=()
+  start_emulator device --log "$WORK/log"
+  link_com_port 1 "$WORK/device.pty"
+  for script in "$repo"/examples/{vbscript/*.vbs,jscript/*.js}; do
+    run_script "$bits" "$script" >"$WORK/$(basename "$script").printed" &
+    pids+=($!)
+  done
+  for pid in "${pids[@]}"; do wait "$pid" || true; done
+  cat "$WORK"/*.printed
+  (($(wc -l <"$WORK/log") == 1)) || die "the register was sent something: $(<"$WORK/log")"
+  for script in configure close_the_day pay_by_card; do
+    grep -q "$script.vbs\" 127.0.0.1:9100" "$WORK/$script.vbs.printed" || die "$script begins without a port"
+  done
+  run_script "$bits" "$repo/examples/vbscript/read.vbs" COM1 >"$WORK/printed"
+  (($(wc -l <"$WORK/log") > 1)) || die "that register takes nothing at all"
+}
+
 wine_up
 [[ $subject == registration* ]] || registered
 case $subject in
   registration) registration "$bits" HKLM ;;
   registration_for_user) registration "$bits" HKCU /i:user /n ;;
   type_library | typed_caller) "$subject" "$bits" ;;
-  killed_till) killed_till ;;
+  killed_till | double_click) "$subject" ;;
   within) till_programs "$bits" guests ;;
   silence) till_programs "$bits" silence suppressed ;;
   left) till_programs "$bits" left released ended look ;;

@@ -63,6 +63,22 @@ nodejs() {
   till "$package/bin/node.exe" "$(windows_path "$WORK/till.cjs")"
 }
 
+# By the lines of the README, from a folder as the release has it.
+cpp() {
+  local triplet=x86_64-w64-mingw32 line
+  if ((bits == 32)); then triplet=i686-w64-mingw32; fi
+  mkdir -p "$WORK/release/examples"
+  cp "$repo/build/win$bits/com/MirvaneEFT.idl" "$repo/component/com/base.idl" "$WORK/release"
+  cp -r "$repo/examples/cpp" "$WORK/release/examples"
+  cd "$WORK/release/examples/cpp"
+  while read -r line; do
+    line=$triplet-${line//\\//}
+    ${line/g++/g++-posix}
+  done < <(grep -E '^    (widl|g\+\+) ' README.md)
+  cd "$repo"
+  till "$WORK/release/examples/cpp/till_$1.exe"
+}
+
 csharp() {
   npm_package "$([[ $bits == 32 ]] && echo dotnet-2.1-win-ia32 || echo dotnet-2.0.0-win)"
   code_page=CP1253
@@ -78,7 +94,7 @@ start_emulator device --udp 0
 case $name in
   vbscript) script "$repo/examples/vbscript/till.vbs" ;;
   jscript) script "$repo/examples/jscript/till.js" ;;
-  cpp_*) till "$repo/build/win$bits/examples/cpp/till-${name#*_}.exe" ;;
+  cpp_*) cpp "${name#*_}" ;;
   pascal_*) pascal "${name#*_}" ;;
   *) "$name" ;;
 esac

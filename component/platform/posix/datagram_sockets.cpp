@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <chrono>
 
-#include "platform/posix/host_platform.h"
+#include "platform/posix/last_error.h"
 
 namespace mirvane::platform {
 namespace {

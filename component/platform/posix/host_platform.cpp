@@ -233,11 +233,6 @@ Platform& hostPlatform() {
   return platform;
 }
 
-SystemError lastError() {
-  const int number = errno;
-  return {number, fromUtf8(std::generic_category().message(number))};
-}
-
 Process hostProcess() {
   std::error_code error;
   const auto program = std::filesystem::read_symlink("/proc/self/exe", error);

@@ -6,9 +6,6 @@
 
 namespace mirvane::platform {
 
-/// Why the system refused the call just made.
-SystemError lastError();
-
 /// Where the debug trace goes natively, one line a call; nowhere until the host program sets it.
 void setTraceSink(std::function<void(TextView line)> sink);
 

@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <chrono>
 
-#include "platform/posix/host_platform.h"
+#include "platform/posix/last_error.h"
 #include "text/code_page.h"
 
 namespace mirvane::platform {

@@ -5,7 +5,9 @@
 
 #include "emulator/program/system.h"
 
+#include <array>
 #include <cstdlib>
+#include <iostream>
 
 #include "text/code_page.h"
 
@@ -23,7 +25,16 @@ std::vector<std::string> commandLine(int /*count*/, char** /*arguments*/) {
   return arguments;
 }
 
-void prepareConsole() { SetConsoleOutputCP(CP_UTF8); }
+// A click would select text, and whoever writes waits until the selection ends. The console may be a shell's, which
+// gets it back as it was.
+void prepareConsole() {
+  SetConsoleOutputCP(CP_UTF8);
+  static DWORD before = 0;
+  const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+  if (!GetConsoleMode(input, &before)) return;
+  SetConsoleMode(input, (before | ENABLE_EXTENDED_FLAGS) & ~static_cast<DWORD>(ENABLE_QUICK_EDIT_MODE));
+  std::atexit([] { SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), before | ENABLE_EXTENDED_FLAGS); });
+}
 
 void writeOut(std::string_view bytes) {
   const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
@@ -36,7 +47,12 @@ void openBrowser(const std::string& url) {
   ShellExecuteA(nullptr, "open", url.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
 }
 
-void keepConsole() { std::system("pause"); }
+void keepConsole() {
+  std::array<DWORD, 2> processes{};
+  if (GetConsoleProcessList(processes.data(), processes.size()) != 1) return;
+  std::cerr << "Press Enter to close this window." << std::endl;
+  std::cin.get();
+}
 
 // Two programs could listen at one port then.
 bool mayReusePorts() { return false; }

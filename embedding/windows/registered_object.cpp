@@ -1,26 +1,26 @@
+#include "embedding/windows/registered_object.h"
+
 #include <objbase.h>
 #include <oleauto.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <memory>
 #include <stdexcept>
+#include <vector>
 
-#include "automation/object.h"
-#include "check/machine.h"
 #include "component/component.h"
 #include "platform/windows/windows.h"
-#include "state/module_state.h"
 #include "text/code_page.h"
 
-namespace mirvane::check {
+namespace mirvane::embedding {
 namespace {
 
-// An object of a registered component, called by name as a program calls it that was compiled against nothing, with
-// typed references to its variables.
 class RegisteredObject final : public Object {
  public:
-  explicit RegisteredObject(IDispatch* dispatch) : dispatch_(dispatch) {}
+  explicit RegisteredObject(IDispatch* dispatch, const PublicClass* ours = nullptr)
+      : dispatch_(dispatch), ours_(ours) {}
   RegisteredObject(const RegisteredObject&) = delete;
   RegisteredObject& operator=(const RegisteredObject&) = delete;
   ~RegisteredObject() override { dispatch_->Release(); }
@@ -29,14 +29,29 @@ class RegisteredObject final : public Object {
 
   const ClassInfo& classInfo() const override {
     static const ClassInfo kNoClassOfOurs("Object", {});
-    return kNoClassOfOurs;
+    return ours_ == nullptr ? kNoClassOfOurs : ours_->describe();
   }
 
   Value invoke(std::string_view member, Access access, Arguments arguments) override;
 
  private:
   IDispatch* dispatch_;
+  const PublicClass* ours_;
 };
+
+// The public class that `is` is true of; null where there is none.
+template <class Is>
+const PublicClass* publicClass(const Is& is) {
+  const auto classes = publicClasses();
+  const auto found = std::ranges::find_if(classes, is);
+  return found == classes.end() ? nullptr : &*found;
+}
+
+const PublicClass* classNamed(TextView programmaticId) {
+  return publicClass([name = toUtf8(programmaticId)](const PublicClass& each) {
+    return name == std::string(kTypeLibraryName) + "." + std::string(each.describe().name());
+  });
+}
 
 [[noreturn]] void fail(HRESULT outcome, std::string_view where) {
   std::array<char, 40> code{};
@@ -48,6 +63,8 @@ class RegisteredObject final : public Object {
   message.erase(message.find_last_not_of("\r\n. ") + 1);
   throw std::runtime_error(std::string(where) + code.data() + (message.empty() ? "" : " " + message));
 }
+
+[[noreturn]] void raise(HRESULT outcome) { throw AutomationError(static_cast<AutomationCode>(outcome)); }
 
 BSTR toBstr(TextView text) {
   return SysAllocStringLen(reinterpret_cast<const OLECHAR*>(text.data()), static_cast<UINT>(text.size()));
@@ -121,7 +138,7 @@ Value RegisteredObject::invoke(std::string_view member, Access /*access*/, Argum
   LPOLESTR names = name.data();
   DISPID id = DISPID_UNKNOWN;
   HRESULT outcome = dispatch_->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id);
-  if (FAILED(outcome)) fail(outcome, member);
+  if (FAILED(outcome)) raise(outcome);
   std::vector<std::unique_ptr<Passed>> passed;
   std::vector<VARIANT> given;
   for (const Argument& argument : arguments) {
@@ -132,40 +149,59 @@ Value RegisteredObject::invoke(std::string_view member, Access /*access*/, Argum
   VARIANT returned{};
   outcome = dispatch_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD | DISPATCH_PROPERTYGET, &parameters,
                               &returned, nullptr, nullptr);
-  if (FAILED(outcome)) fail(outcome, member);
+  if (FAILED(outcome)) raise(outcome);
   for (const auto& each : passed) each->writeBack();
   return valueOf(returned);
 }
 
+// The calling thread's apartment, for as long as the program runs.
+void enterApartment() {
+  static const HRESULT kEntered = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  if (FAILED(kEntered)) fail(kEntered, "CoInitializeEx");
+}
+
 IDispatch* create(const std::wstring& programmaticId, HRESULT& outcome) {
-  static const HRESULT kStarted = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  enterApartment();
   CLSID id{};
   void* created = nullptr;
-  outcome = FAILED(kStarted) ? kStarted : CLSIDFromProgID(programmaticId.c_str(), &id);
+  outcome = CLSIDFromProgID(programmaticId.c_str(), &id);
   if (SUCCEEDED(outcome)) outcome = CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &created);
   return static_cast<IDispatch*>(created);
 }
 
-ObjectPtr createOther(TextView programmaticId) {
-  HRESULT outcome = S_OK;
-  IDispatch* const created = create(toWide(programmaticId), outcome);
-  if (created == nullptr) return nullptr;
-  return std::make_shared<RegisteredObject>(created);
-}
-
 }  // namespace
 
-ObjectPtr createComponent(const std::string& className) {
-  const std::string name = std::string(kTypeLibraryName) + "." + className;
+ObjectPtr createRegistered(TextView programmaticId) {
   HRESULT outcome = S_OK;
-  IDispatch* const created = create(std::wstring(name.begin(), name.end()), outcome);
-  if (created == nullptr) fail(outcome, name);
-  return std::make_shared<RegisteredObject>(created);
+  IDispatch* const created = create(toWide(programmaticId), outcome);
+  if (created == nullptr) fail(outcome, toUtf8(programmaticId));
+  return std::make_shared<RegisteredObject>(created, classNamed(programmaticId));
 }
 
-void startCore() {
-  startComponent();
-  moduleState().createObject = &createOther;
+ObjectPtr findRegistered(TextView programmaticId) {
+  HRESULT outcome = S_OK;
+  IDispatch* const created = create(toWide(programmaticId), outcome);
+  return created == nullptr ? nullptr : std::make_shared<RegisteredObject>(created, classNamed(programmaticId));
 }
 
-}  // namespace mirvane::check
+ObjectPtr createFrom(const std::filesystem::path& library, std::string_view classId) {
+  enterApartment();
+  const HMODULE module = LoadLibraryExW(library.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+  auto* const entry = module == nullptr ? nullptr : GetProcAddress(module, "DllGetClassObject");
+  if (entry == nullptr) fail(HRESULT_FROM_WIN32(GetLastError()), toUtf8(fromWide(library.wstring())));
+  const auto classObject = reinterpret_cast<LPFNGETCLASSOBJECT>(reinterpret_cast<void*>(entry));
+  CLSID id{};
+  void* factory = nullptr;
+  void* created = nullptr;
+  HRESULT outcome = IIDFromString(std::wstring(classId.begin(), classId.end()).c_str(), &id);
+  if (SUCCEEDED(outcome)) outcome = classObject(id, IID_IClassFactory, &factory);
+  if (SUCCEEDED(outcome)) {
+    outcome = static_cast<IClassFactory*>(factory)->CreateInstance(nullptr, IID_IDispatch, &created);
+    static_cast<IClassFactory*>(factory)->Release();
+  }
+  if (FAILED(outcome)) fail(outcome, classId);
+  return std::make_shared<RegisteredObject>(
+      static_cast<IDispatch*>(created), publicClass([&](const PublicClass& each) { return each.classId == classId; }));
+}
+
+}  // namespace mirvane::embedding
