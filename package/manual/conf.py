@@ -121,8 +121,13 @@ def rewrite(app, doctree):
             section["classes"].append("door")
 
 
-def without_links(text):
-    return re.sub(r"\s+", " ", text).strip()
+def text_of(node):
+    if isinstance(node, (nodes.section, nodes.title, nodes.comment, nodes.raw)) or node.tagname == "toctree":
+        return ""
+    if isinstance(node, nodes.Text):
+        return node.astext()
+    blank = "" if isinstance(node, (nodes.TextElement, nodes.Inline)) else " "
+    return blank.join(text_of(child) for child in node.children)
 
 
 def sections_of(app):
@@ -132,15 +137,11 @@ def sections_of(app):
             doctree = app.env.get_doctree(name)
             page_title = app.env.titles[name].astext()
             for section in doctree.findall(nodes.section):
-                text = " ".join(
-                    child.astext()
-                    for child in section.children
-                    if not isinstance(child, (nodes.section, nodes.title, nodes.comment)) and child.tagname != "toctree"
-                )
+                text = " ".join(text_of(child) for child in section.children)
                 is_page = isinstance(section.parent, nodes.document)
                 anchor = "" if is_page else section["ids"][0]
                 title = section.next_node(nodes.title).astext()
-                yield [name + ".html", anchor, page_title, "" if is_page else title, without_links(text)]
+                yield [name + ".html", anchor, page_title, "" if is_page else title, re.sub(r"\s+", " ", text).strip()]
 
 
 def write_index(app, exception):
@@ -168,6 +169,35 @@ def add_to_page(app, page, template, context, doctree):
     context["furo_navigation_tree"] = "".join(groups)
 
 
+def mend_theme(app, exception):
+    """What Debian's build of the theme lacks, and what a browser does not load from a folder."""
+    if exception:
+        return
+    static = Path(app.outdir, "_static")
+    style = static / "styles/furo.css"
+    css = style.read_text(encoding="utf-8")
+    # A path of Debian's web server.
+    normalize = Path("/usr/share/javascript/normalize.css/normalize.css").read_text(encoding="utf-8")
+    css = replaced_once(css, "@import url(/javascript/normalize.css/normalize.css);", normalize)
+    # The same colours where the system is dark and the reader has not chosen.
+    dark = re.search(r'  body\[data-theme="dark"\] (\{[^}]*\})', css)
+    css += f'@media not print and (prefers-color-scheme: dark) {{\nbody[data-theme="auto"] {dark[1]} }}\n'
+    style.write_text(css, encoding="utf-8")
+    # A module, which browsers refuse there.
+    script, imported = static / "scripts/furo.js", static / "scripts/gumshoe-patched.js"
+    own = replaced_once(script.read_text(encoding="utf-8"), 'import Gumshoe from "./gumshoe-patched.js";\n', "")
+    script.write_text(imported.read_text(encoding="utf-8") + own, encoding="utf-8")
+    imported.unlink()
+    for unused in ("searchtools.js", "language_data.js", "debug.css", "file.png", "minus.png", "plus.png"):
+        (static / unused).unlink(missing_ok=True)
+
+
+def replaced_once(text, old, new):
+    if text.count(old) != 1:
+        raise ExtensionError(f"the theme has changed: {old}")
+    return text.replace(old, new)
+
+
 def leave_out_own_search(app):
     # It finds whole pages only, no numbers, and no summary where pages come from a folder.
     app.builder.search = False
@@ -180,3 +210,4 @@ def setup(app):
     app.connect("doctree-read", rewrite, priority=100)
     app.connect("html-page-context", add_to_page, priority=900)
     app.connect("build-finished", write_index)
+    app.connect("build-finished", mend_theme, priority=900)
