@@ -123,7 +123,7 @@ def rewrite(app, doctree):
 
 def text_of(node):
     if isinstance(node, (nodes.section, nodes.title, nodes.comment, nodes.raw)) or node.tagname == "toctree":
-        return ""
+        return " "
     if isinstance(node, nodes.Text):
         return node.astext()
     blank = "" if isinstance(node, (nodes.TextElement, nodes.Inline)) else " "
@@ -181,7 +181,7 @@ def mend_theme(app, exception):
     css = replaced_once(css, "@import url(/javascript/normalize.css/normalize.css);", normalize)
     # The same colours where the system is dark and the reader has not chosen.
     dark = re.search(r'  body\[data-theme="dark"\] (\{[^}]*\})', css)
-    css += f'@media not print and (prefers-color-scheme: dark) {{\nbody[data-theme="auto"] {dark[1]} }}\n'
+    css += f'@media screen and (prefers-color-scheme: dark) {{\nbody[data-theme="auto"] {dark[1]} }}\n'
     style.write_text(css, encoding="utf-8")
     # A module, which browsers refuse there.
     script, imported = static / "scripts/furo.js", static / "scripts/gumshoe-patched.js"
