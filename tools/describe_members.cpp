@@ -54,7 +54,8 @@ till._FlagAsMethod("DrawerOpen")  # every method once, by its name
 ```
 
 Python finds a result in `Result.value`. C# and Python have not been run here in this form; [languages](languages.md)
-says what was run, and how other languages call the component. Optional parameters are left out.
+says what was run, and how other languages call the component. Most optional
+parameters are left out.
 
 ## The outcome of a call
 
