@@ -224,8 +224,8 @@ void listMethods(std::ostream& page, const ClassInfo& info, Descriptions& descri
 void writeReference(std::ostream& page, Descriptions& descriptions) {
   page << kMadeBy << "# Reference\n\n" << descriptions.of("reference") << "\n\n" << kHowToRead;
   page << "## Types\n\n"
-       << "The declarations below are in Visual Basic's words. `ByRef`: the component may write to the variable. "
-       << "A method `As Variant` returns Empty: what came of it is in `Result`.\n\n"
+       << "The declarations below are in Visual Basic. `ByRef`: the component may write to the variable. "
+       << "Methods declared `As Variant` return Empty; the outcome is in `Result`.\n\n"
        << "| here | type library | C# | Delphi |\n|---|---|---|---|\n"
        << "| Boolean | VARIANT_BOOL | bool | WordBool |\n"
        << "| Byte | unsigned char | byte | Byte |\n"
