@@ -73,7 +73,7 @@ Nearly every method has these three parameters.
 
 // ---- Classes
 
-constexpr std::size_t kColumns = 110;
+constexpr std::size_t kColumns = 80;
 
 constexpr TypeWords kWords = {"", "Boolean", "Byte", "Integer", "Long", "Double", "String", "Variant", "Object"};
 

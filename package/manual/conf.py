@@ -4,6 +4,7 @@ import json
 import os
 import re
 from pathlib import Path
+from urllib.parse import unquote
 
 from docutils import nodes
 from pygments.lexers.basic import VBScriptLexer
@@ -37,6 +38,8 @@ html_sidebars = {
 html_copy_source = False
 html_show_copyright = False
 html_use_index = False
+# Texts in quotes are literal.
+smartquotes = False
 
 GREEK_WORDS = {
     "Search": "Αναζήτηση",
@@ -84,14 +87,17 @@ def add_contents(app, page, source):
         source[0] += f"\n\n```{{toctree}}\n:hidden:\n:caption: {caption}\n\n{pages}\n```\n"
 
 
-def rewritten(page, link):
+def rewritten(app, page, link):
     """A link of the repository as the manual has it; None when its target is not part of the release."""
     path, hash_, anchor = link.partition("#")
-    if path == "" or re.match("[a-z]+:", path):
+    if re.match("[a-z]+:", path):
         return link
-    target = os.path.normpath(os.path.join(os.path.dirname(FILES[page]), path))
+    target = os.path.normpath(os.path.join(os.path.dirname(FILES[page]), path)) if path else FILES[page]
     if target in NAMES:
-        return relative(NAMES[target] + ".html", page) + hash_ + anchor
+        name = NAMES[target]
+        if anchor:
+            app.env.anchors_wanted.add((name, unquote(anchor), FILES[page]))
+        return (relative(name + ".html", page) if path else "") + hash_ + anchor
     if (CONTENT / target).exists():
         return relative(os.path.join("..", target), page)
     if not (REPO / target).exists():
@@ -109,7 +115,7 @@ def slug(title, taken):
 def rewrite(app, doctree):
     page = app.env.docname
     for reference in list(doctree.findall(nodes.reference)):
-        link = rewritten(page, reference.get("refuri", ""))
+        link = rewritten(app, page, reference.get("refuri", ""))
         if link is None:
             reference.replace_self(reference.children)
         else:
@@ -119,6 +125,12 @@ def rewrite(app, doctree):
         section["ids"] = [slug(section.next_node(nodes.title).astext(), taken)]
         if page in ("index", "el/index") and isinstance(section.parent, nodes.section):
             section["classes"].append("door")
+
+
+def check_anchors(app, exception):
+    for name, anchor, file in sorted(app.env.anchors_wanted):
+        if not any(anchor in section["ids"] for section in app.env.get_doctree(name).findall(nodes.section)):
+            raise ExtensionError(f"{file}: {FILES[name]} has no heading #{anchor}")
 
 
 def text_of(node):
@@ -198,16 +210,18 @@ def replaced_once(text, old, new):
     return text.replace(old, new)
 
 
-def leave_out_own_search(app):
+def prepare(app):
+    app.env.anchors_wanted = set()
     # It finds whole pages only, no numbers, and no summary where pages come from a folder.
     app.builder.search = False
 
 
 def setup(app):
     app.add_lexer("vb", VBScriptLexer)
-    app.connect("builder-inited", leave_out_own_search)
+    app.connect("builder-inited", prepare)
     app.connect("source-read", add_contents)
     app.connect("doctree-read", rewrite, priority=100)
     app.connect("html-page-context", add_to_page, priority=900)
+    app.connect("build-finished", check_anchors)
     app.connect("build-finished", write_index)
     app.connect("build-finished", mend_theme, priority=900)
