@@ -120,6 +120,9 @@ def rewrite(app, doctree):
             reference.replace_self(reference.children)
         else:
             reference["refuri"] = link
+    for node in list(doctree.findall(lambda node: isinstance(node, (nodes.comment, nodes.raw)))):
+        if isinstance(node, nodes.comment) or node.astext().startswith("<!--"):
+            node.parent.remove(node)
     taken = {}
     for section in doctree.findall(nodes.section):
         section["ids"] = [slug(section.next_node(nodes.title).astext(), taken)]
