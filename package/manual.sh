@@ -1,5 +1,5 @@
 #!/bin/bash
-# Makes the manual, and start.html, which leads to it, in the release's folder. The same commit gives the same bytes.
+# Makes the manual, and index.html, which leads to it, in the release's folder. The same commit gives the same bytes.
 #
 #   package/manual.sh CONTENT VERSION
 set -euo pipefail
@@ -18,4 +18,4 @@ rm -rf "$content/manual"
 PYTHONDONTWRITEBYTECODE=1 MANUAL_REPO=$repo MANUAL_CONTENT=$content /usr/bin/python3 -m sphinx -q -W -b html \
   -c package/manual -D "version=$2" -d "$source/work" "$source/pages" "$content/manual"
 rm "$content/manual/"{.buildinfo,objects.inv}
-install -m 644 package/manual/start.html "$content"
+install -m 644 package/manual/index.html "$content"

@@ -36,7 +36,7 @@ Var RecordsBox
 
 ; Windows need not be started anew for what the page tells.
 !define MUI_FINISHPAGE_NOREBOOTSUPPORT
-!define MUI_FINISHPAGE_SHOWREADME "$INSTDIR\start.html"
+!define MUI_FINISHPAGE_SHOWREADME "$INSTDIR\index.html"
 !define MUI_FINISHPAGE_SHOWREADME_TEXT "$(SHOW_GUIDES)"
 !define MUI_FINISHPAGE_TEXT "$(FINISHED)$\r$\n$\r$\n$InUseText"
 Page custom choose choose_done

@@ -67,6 +67,14 @@ def read_contents():
     return groups, names
 
 
+def read_contact():
+    """The address to write to, the second line of package/owner.txt; empty where there is none yet."""
+    owner = REPO / "package/owner.txt"
+    lines = owner.read_text(encoding="utf-8").splitlines() if owner.exists() else []
+    return lines[1].strip() if len(lines) > 1 else ""
+
+
+CONTACT = read_contact()
 GROUPS, NAMES = read_contents()
 FILES = {name: file for file, name in NAMES.items()}
 
@@ -172,6 +180,7 @@ def add_to_page(app, page, template, context, doctree):
     other = page[3:] if greek else "el/" + page
     context["other_language"] = other if other in names else "index" if greek else "el/index"
     context["is_greek"] = greek
+    context["contact"] = CONTACT
     # A page shows the contents of its language; the Greek ones lead to the English too.
     groups = re.split(r'(?=<p class="caption")', context["furo_navigation_tree"])
     if greek:

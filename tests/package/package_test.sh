@@ -138,7 +138,7 @@ wine() {
   same_as_archive
   sell
   start_running
-  echo old >"$folder/start.html"
+  echo old >"$folder/index.html"
   install 3010
   kill "$running"
   wait "$running" || true
