@@ -91,7 +91,7 @@ std::string argument(const Parameter& parameter, const ExampleValue& valueOf, co
   if (parameter.name == Outcome::kNames.back().name) return isCSharp ? "true" : "True";
   if (parameter.isOutput) return std::string(dialect.byReference).append(parameter.name);
   if (isRecord(parameter)) return std::string(parameter.name);
-  const std::string value = valueOf(parameter);
+  std::string value = valueOf(parameter);
   if (isCSharp && (value == "True" || value == "False")) return value == "True" ? "true" : "false";
   return value;
 }
