@@ -107,17 +107,17 @@ std::string example(const ClassInfo& info, const Member& member, const ExampleVa
   }
   const bool isProperty = member.kind == MemberKind::get;
   const bool keeps = isProperty || (member.result.kind != TypeKind::none && member.result.kind != TypeKind::variant);
-  const bool isCSharp = &dialect == &kCSharp;
   std::string call;
   if (isProperty) {
     call = filled(dialect.keepObject, variableOf(member.result.name));
   } else if (keeps) {
     call = filled(dialect.keepValue, "answer");
   }
-  call.append(variableOf(info.name())).append(".").append(member.name);
-  if (isProperty) {
-    call += isCSharp ? "[" + arguments + "]" : "(" + arguments + ")";
-  } else if (keeps) {
+  call.append(variableOf(info.name())).append(".");
+  // C# has no properties with parameters by reference; it calls their accessor.
+  if (isProperty && &dialect == &kCSharp) call += "get_";
+  call += member.name;
+  if (keeps) {
     call += "(" + arguments + ")";
   } else if (!arguments.empty() || &dialect != &kVbScript) {
     call.append(dialect.openCall).append(arguments).append(dialect.closeCall);
