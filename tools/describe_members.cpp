@@ -53,6 +53,7 @@ till = Dispatch("VarlenFiscalQ7734.fiscalTrevikModule")
 till._FlagAsMethod("DrawerOpen")  # every method once, by its name
 ```
 
+`adjust` is what `adjustment` returned; `journal` and `socket` are a `FiscalJournal` and a `cTCPIP`, created like `till`.
 Python finds a result in `Result.value`. C# and Python have not been run here in this form; [languages](languages.md)
 says what was run, and how other languages call the component. Most optional
 parameters are left out.
