@@ -8,22 +8,22 @@
 namespace mirvane::campaign {
 namespace {
 
-constexpr const char* kUsage = R"(What a till is told against what the register booked.
+constexpr const char* kUsage = R"(Compares what a till is told with what the register booked.
 
-  campaign SOURCES                 runs everything; writes the tables into docs/reliability.md and
-                                   docs/after-a-failure.md below SOURCES, and what the share may find into
-                                   campaign/accepted.txt. Fails when money goes wrong where the protocol could tell
-  campaign SOURCES share           runs a share; fails for the same, and when it finds more than what is accepted
-  campaign SOURCES find [ROW]      names the days of that row, or of all, in which something was found
+  campaign SOURCES                 runs everything, about five minutes; writes the tables into docs/reliability.md
+                                   and docs/after-a-failure.md below SOURCES, and what the share may find into
+                                   campaign/accepted.txt. Fails if money goes wrong beyond the protocol's limits
+  campaign SOURCES share           runs a share; also fails if it finds more than what is accepted
+  campaign SOURCES find [ROW]      lists the days of that row, or of all rows, in which something was found
   campaign SOURCES LINE WORD...    one day, call by call. LINE is 0 serial, 1 or 2 a network that acknowledges the
                                    frame or the ENQ. A WORD is:
     day, cards, sales, saved-1 … saved-6                     what the till does: a day, declined cards and equal lines,
                                                              a thousand sales, a till that saves what it does
-    other-register, loop-plug, scale                         who sits on the serial line when it comes back
+    other-register, loop-plug, scale                         which device is on the serial line when it comes back
     calls, calls-with-same, connects-again, lets-go          what the program does within its calls
     "killed after N"                                         of saved-1 … saved-6: the program ends at that moment
-    "seed N"                                                 of the rules with a rate
-    anything else                                            a rule of the emulator's: "after 3 till-ack lost"
+    "seed N"                                                 seed for the rules with a rate
+    anything else                                            a rule of the emulator: "after 3 till-ack lost"
 )";
 
 constexpr const char* kAccepted = "/campaign/accepted.txt";

@@ -56,11 +56,8 @@ for file in build/win32/com/MirvaneEFT.idl component/com/base.idl; do
 done
 # Those of the source tree alone are none of its users'.
 git ls-files examples | grep -vE '\.md$|CMakeLists\.txt$|^examples/native/' | while read -r file; do put_source "$file"; done
-put docs/*.png docs
-[[ ! -e docs/result-codes.json ]] || put docs/result-codes.json docs
-# Guides for those who use the component; those for its own developers stay with the sources.
-git ls-files README.md CHANGELOG.md 'docs/*.md' 'emulator/*.md' 'examples/*.md' |
-  grep -vxE 'docs/(one-call|decisions|add-a-driver)\.md' | xargs package/pages.pl "$content"
+put docs/result-codes.json docs
+package/manual.sh "$content" "$version"
 
 if [[ ${MIRVANE_CERTIFICATE-} ]]; then
   find "$content" -name '*.dll' -o -name '*.exe' | xargs -n 1 package/sign.sh

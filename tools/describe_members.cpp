@@ -10,6 +10,9 @@
 #include <set>
 #include <sstream>
 
+#include "facade/fiscal_null_module.h"
+#include "interface/outcome.h"
+#include "tools/call_examples.h"
 #include "tools/class_description.h"
 #include "tools/descriptions.h"
 
@@ -21,9 +24,57 @@ constexpr std::string_view kMadeBy =
     "<!-- Made by describe-members (./run docs) from the member tables and docs/descriptions.txt. Not to be edited. "
     "-->\n\n";
 
+constexpr std::string_view kHowToRead =
+    R"(## How to read the examples
+
+Each example is one call in VBScript, C# and Python. These lines come before all of them.
+
+```vb
+Dim Result, Exresult
+Set till = CreateObject("VarlenFiscalQ7734.fiscalTrevikModule")
+```
+```csharp
+using VarlenFiscalQ7734;   // the COM reference "Varlen Fiscal cash registers"
+short Result = 0;
+string Exresult = "";
+var till = new fiscalTrevikModule();
+```
+```python
+import pythoncom
+from pythoncom import VT_BSTR, VT_I2, VT_I4, VT_R8, VT_UI1
+from win32com.client import VARIANT
+from win32com.client.dynamic import DumbDispatch as Dispatch
+
+def by_reference(kind, value):
+    return VARIANT(pythoncom.VT_BYREF | kind, value)
+
+Result, Exresult = by_reference(VT_I2, 0), by_reference(VT_BSTR, "")
+till = Dispatch("VarlenFiscalQ7734.fiscalTrevikModule")
+till._FlagAsMethod("DrawerOpen")  # every method once, by its name
+```
+
+`adjust` is what `adjustment` returned; `journal` and `socket` are a `FiscalJournal` and a `cTCPIP`, created like `till`.
+Python finds a result in `Result.value`. C# and Python have not been run here in this form; [languages](languages.md)
+says what was run, and how other languages call the component. Most optional
+parameters are left out.
+
+## The outcome of a call
+
+Nearly every method has these three parameters.
+
+| parameter | | meaning | unit | range |
+|---|---|---|---|---|
+| `Result` | out | 0 when the operation succeeded: see [result codes](result-codes.md) | – | 0; above 0 the register's code, below 0 a failed port or link |
+| `Exresult` | out | the text for the operator, or what the call reads | characters | – |
+| `SupressError_` | in | True shows no message box | – | True, False |
+
+`Result` and `Exresult` must be variables: see [languages](languages.md#by-reference).
+
+)";
+
 // ---- Classes
 
-constexpr std::size_t kColumns = 110;
+constexpr std::size_t kColumns = 80;
 
 constexpr TypeWords kWords = {"", "Boolean", "Byte", "Integer", "Long", "Double", "String", "Variant", "Object"};
 
@@ -96,20 +147,86 @@ void writeProperties(std::ostream& page, const ClassInfo& info, Descriptions& de
   if (!written.empty()) page << "\n";
 }
 
+// ---- Methods
+
+/// What is told about a parameter.
+struct ParameterText {
+  std::string meaning, unit, range, example;
+};
+
+ParameterText textOf(const ClassInfo& info, const Member& member, const Parameter& parameter,
+                     Descriptions& descriptions) {
+  const std::string name = std::string("(").append(parameter.name).append(")");
+  const std::string own = subjectOf(info.name(), member.name) + name;
+  std::string text = descriptions.has(own) ? descriptions.of(own) : descriptions.of(name);
+  ParameterText parts;
+  for (std::string* part : {&parts.meaning, &parts.unit, &parts.range}) {
+    const std::size_t end = text.find(" |");
+    if (end == std::string::npos) throw std::runtime_error(own + " has not four parts");
+    *part = text.substr(0, end);
+    text.erase(0, std::min(end + 3, text.size()));
+  }
+  parts.example = text;
+  return parts;
+}
+
+/// As a cell of a table.
+std::string cell(std::string text) {
+  for (std::size_t at = 0; (at = text.find('|', at)) != std::string::npos; at += 2) text.insert(at, "\\");
+  return text;
+}
+
+std::string directionOf(const Parameter& parameter) {
+  if (parameter.isOutput) return "out";
+  return parameter.isOptional ? "in, optional" : "in";
+}
+
+bool isOutcome(const Parameter& parameter) {
+  return std::ranges::any_of(Outcome::kNames, [&](const Parameter& one) { return one.name == parameter.name; });
+}
+
+void writeParameters(std::ostream& page, const ClassInfo& info, const Member& member, Descriptions& descriptions) {
+  const auto isOwn = [](const Parameter& parameter) { return !isOutcome(parameter); };
+  if (std::ranges::none_of(member.parameters, isOwn)) return;
+  page << "| parameter | | meaning | unit | range |\n|---|---|---|---|---|\n";
+  for (const Parameter& parameter : member.parameters) {
+    if (isOutcome(parameter)) continue;
+    const ParameterText text = textOf(info, member, parameter, descriptions);
+    page << "| `" << parameter.name << "` | " << directionOf(parameter) << " | " << cell(text.meaning) << " | "
+         << cell(text.unit) << " | " << cell(text.range) << " |\n";
+  }
+  page << "\n";
+}
+
 void writeMethods(std::ostream& page, const ClassInfo& info, Descriptions& descriptions) {
   for (const Member& member : info.members()) {
     if (isProperty(member)) continue;
-    page << "**" << member.name << "**, id " << member.dispatchId << ". " << sentenceOf(info, member, descriptions)
-         << "\n\n```vb\n"
+    page << "### " << member.name << "\n\n"
+         << sentenceOf(info, member, descriptions) << " Dispatch id " << member.dispatchId << ".\n\n```vb\n"
          << declaration(member) << "\n```\n\n";
+    writeParameters(page, info, member, descriptions);
+    page << callExamples(info, member, [&](const Parameter& parameter) {
+      return textOf(info, member, parameter, descriptions).example;
+    }) << "\n";
   }
 }
 
+/// The methods of the null driver look like the facade's, and refuse.
+void listMethods(std::ostream& page, const ClassInfo& info, Descriptions& descriptions) {
+  page << "| id | method | |\n|---|---|---|\n";
+  for (const Member& member : info.members()) {
+    if (isProperty(member)) continue;
+    page << "| " << member.dispatchId << " | `" << member.name << "` | "
+         << descriptions.of(subjectOf(info.name(), member.name)) << " |\n";
+  }
+  page << "\n";
+}
+
 void writeReference(std::ostream& page, Descriptions& descriptions) {
-  page << kMadeBy << "# Reference\n\n" << descriptions.of("reference") << "\n\n";
+  page << kMadeBy << "# Reference\n\n" << descriptions.of("reference") << "\n\n" << kHowToRead;
   page << "## Types\n\n"
-       << "The declarations below are in Visual Basic's words. `ByRef`: the component may write to the variable. "
-       << "A method `As Variant` returns Empty: what came of it is in `Result`.\n\n"
+       << "The declarations below are in Visual Basic. `ByRef`: the component may write to the variable. "
+       << "Methods declared `As Variant` return Empty; the outcome is in `Result`.\n\n"
        << "| here | type library | C# | Delphi |\n|---|---|---|---|\n"
        << "| Boolean | VARIANT_BOOL | bool | WordBool |\n"
        << "| Byte | unsigned char | byte | Byte |\n"
@@ -129,7 +246,7 @@ void writeReference(std::ostream& page, Descriptions& descriptions) {
          << descriptions.of(std::string(info.name())) << "\n\n";
     std::ostringstream members;
     writeProperties(members, info, descriptions);
-    writeMethods(members, info, descriptions);
+    (&info == &fiscalNullModule::describe() ? listMethods : writeMethods)(members, info, descriptions);
     std::string text = members.str();
     text.pop_back();
     page << text;

@@ -23,23 +23,22 @@ constexpr std::string_view kIntroduction =
 
 # Result codes
 
-What `Result` tells after a call, what it means, and what to do. Find the number in the list, or search this page for
-the text on the screen. How a till deals with each kind is told in [handle errors](handle-errors.md). Programs read
-the same from [result-codes.json](result-codes.json).
+What `Result` means after a call, and what to do. Find the number in the list, or search this page for the text on the
+screen. For how a till should react see [handle errors](handle-errors.md). Programs can read the same from
+[result-codes.json](result-codes.json).
 
-**May the same call be made again?** "yes": nothing was done, so the call can be made again once the cause is mended.
-"yes, later": nothing was done, and the call cannot be made before what keeps it from being done is over. "no": it would
-be done twice, or is being done already. "ask first": ask the register what it has done, with
-`printerStatusRead` and `StatusRead`, and with `transactionTotals` while a receipt is open. `Payment`, `executeCashIn`
-and `executeCashOut` send several commands, of which the first may be done: after these, whatever the code, ask first.
+**May the call be repeated?** "yes": nothing was done; repeat the call once the cause is fixed. "yes, later": nothing was
+done; repeat the call once the obstacle is gone. "no": it would be done twice, or is being done already. "ask first": ask
+the register what it has done, with `printerStatusRead` and `StatusRead`, and with `transactionTotals` while a receipt is
+open. `Payment`, `executeCashIn` and `executeCashOut` send several commands, of which the first may be done: after these,
+ask first, whatever the code.
 
-In the last column, "waited for" means that the call itself waits, with a window, until the device has ended the state;
-"sent again" that the command is then sent again; "critical" that the till cannot go on without help, often a
-technician's.
+In the last column, "waited for" means that the call waits, and shows a window, until the register has ended the state;
+"sent again" that the component then sends the command again; "critical" that the till cannot continue without help, often
+a technician's.
 
-The texts of the register's codes are its own, as they appear in `Exresult`, in message boxes and in service calls.
-Of many of them no more is known than the text; the page says so. So does a code that has no place here at all: its
-`Exresult` is the register's reply as it came.
+The texts of the register's codes are its own, as they appear in `Exresult` and in message boxes. For many codes only the
+text is known; the page says so. For a code that is not listed here, `Exresult` is the register's reply as it came.
 )";
 
 constexpr std::string_view kJsonNote =
@@ -89,7 +88,7 @@ void writeExplanations(std::ostream& page, bool devices) {
     const bool isTextAlone = code.knowledge == Knowledge::kTextAlone;
     page << "\n### " << title(code) << "\n\n";
     if (!code.text.empty()) page << "\"" << code.text << "\"\n\n";
-    page << code.meaning.en << (isTextAlone ? " *So its text says; more is not known.*" : "") << "\\\n"
+    page << code.meaning.en << (isTextAlone ? " *This is what its text says; more is not known.*" : "") << "\\\n"
          << code.meaning.el << (isTextAlone ? " *Αυτό λέει το κείμενό του· άλλο δεν είναι γνωστό.*" : "") << "\n\n"
          << "- **Cashier:** " << code.cashier.en << "\n"
          << "- **Ταμίας:** " << code.cashier.el << "\n"

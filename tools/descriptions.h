@@ -10,7 +10,7 @@
 namespace mirvane {
 
 /// The sentences by what they tell about: "class", "class.member", "class.*" for the members without one of their own,
-/// or "FISCAL_TYPES.constant". They are Markdown.
+/// "FISCAL_TYPES.constant", or a parameter: "class.member(parameter)", "(parameter)". They are Markdown.
 class Descriptions {
  public:
   /// Reads a file with a line "subject: text" for each; throws for one that is not so.
@@ -27,6 +27,8 @@ class Descriptions {
       }
     }
   }
+
+  bool has(const std::string& subject) const { return find(subject) != texts_.end(); }
 
   /// Throws when there is none.
   const std::string& of(const std::string& subject) {
@@ -46,6 +48,7 @@ class Descriptions {
  private:
   std::map<std::string, std::string>::const_iterator find(const std::string& subject) const {
     const auto own = texts_.find(subject);
+    if (subject.ends_with(')')) return own;
     return own != texts_.end() ? own : texts_.find(subject.substr(0, subject.find('.')) + ".*");
   }
 

@@ -85,32 +85,30 @@ inline constexpr std::array<Parameter, 7> kItem = {"itemDesc",
 
 inline constexpr auto SendCommand_ = operation<void(Text&, Outcome, Text&)>(
     "SendCommand_", {3, 1}, {"CmdString", "Pass"},
-    "Sends one device command of the program's own; `Exresult` becomes the reply. `Pass` is not used.");
+    "Sends one command of your own to the register; `Exresult` becomes the reply. `Pass` is not used.");
 inline constexpr auto GetVersionInfo = operation<void(Outcome, Text&)>(
     "GetVersionInfo", {4, 2}, {"Pass"},
-    "Asks the device who it is: `Exresult` becomes four lines: model, version and build, version of this "
-    "component, its name. `Pass` is not used.");
+    "Identifies the register: `Exresult` becomes four lines: model, version and build, version of this component, "
+    "its name. `Pass` is not used.");
 inline constexpr auto Connect_ = operation<void(Text, Outcome)>(
     "Connect_", {5, 3}, {"PORT"},
-    "Opens the port: \"COM1\" and so on, or \"192.168.1.50:9100\", with \":\" and a local port behind if "
-    "need be. Sends nothing to the device. An open port is kept, whatever `PORT` says.");
+    "Opens the port: \"COM1\" and so on, or \"192.168.1.50:9100\", optionally followed by \":\" and a local port. "
+    "Sends nothing to the register. A port that is already open stays open, whatever `PORT` says.");
 inline constexpr auto DisConnect_ = operation<WithText>(
     "DisConnect_", {6, 4}, {"PORT"},
-    "Closes the port. `Result` is 1 when one was closed, 0 when none was open; `Exresult` stays as it "
-    "was.");
+    "Closes the port. `Result` is 1 if it was closed, 0 if none was open; `Exresult` does not change.");
 inline constexpr auto logoLineDescLength = property<std::int16_t()>(
     "logoLineDescLength", {1, 49},
-    "Longest logo line in characters: 48, and 0 without a device. Reading it before `Connect_` makes "
+    "Longest logo line in characters: 48, or 0 when no register is connected. Reading it before `Connect_` makes "
     "`Connect_` fail: see [connect](connect.md).");
 
 // ---- Receipt
 
 inline constexpr auto ItemSale = operation<ItemLine>(
     "ItemSale", {7, 5}, kItem,
-    "Sells: prints an item line, and opens a receipt when none is open. `itemVatRate` is the rate in "
-    "percent, one of the device's. Description and comment have 30 characters.");
-inline constexpr auto ItemVoid =
-    operation<ItemLine>("ItemVoid", {8, 6}, kItem, "Takes back a line of the open receipt.");
+    "Sells an item: prints its line, and opens a receipt if none is open. `itemVatRate` is in percent and must be one "
+    "of the register's rates. Description and comment are cut to 30 characters.");
+inline constexpr auto ItemVoid = operation<ItemLine>("ItemVoid", {8, 6}, kItem, "Cancels a line of the open receipt.");
 inline constexpr auto ItemRefund =
     operation<ItemLine>("ItemRefund", {9, 7}, kItem, "Takes back goods of an earlier receipt.");
 /// Pays, and closes the receipt when nothing is left to pay. The form without a card terminal, of the null driver.
@@ -121,58 +119,59 @@ inline constexpr auto Payment = operation<Value(Integer&, Text&, Real&, Outcome,
 // ---- Paper, drawer, display, documents
 
 inline constexpr auto FeedPaper =
-    operation<WithInteger>("FeedPaper", {12, 9}, {"Lines_"}, "Feeds paper by so many lines.");
+    operation<WithInteger>("FeedPaper", {12, 9}, {"Lines_"}, "Feeds the paper by the given number of lines.");
 inline constexpr auto commentPrinterPrint = operation<Value(Text&, Integer&, Outcome)>(
     "commentPrinterPrint", {13, 10}, {"CommentText_", "Size_"},
-    "Prints a comment of at most 48 characters. A blank one prints nothing and succeeds.");
+    "Prints a comment of at most 48 characters. A blank comment prints nothing and succeeds.");
 inline constexpr auto commentDisplayPrint = operation<Value(Integer&, Text&, Outcome)>(
     "commentDisplayPrint", {14, 11}, {"lineNumber", "CommentText_"},
-    "Shows a text of at most 20 characters on a line of the customer's display. Accents stay, and \"/\" "
-    "must not be in it.");
+    "Shows a text of at most 20 characters on a line of the customer display. Accents are kept; the text must not "
+    "contain \"/\".");
 inline constexpr auto issueZReport = operation<Plain>(
     "issueZReport", {15, 12}, kNone,
-    "Closes the fiscal day: takes its journal, then prints the Z report. Clear `Result` before the call: "
-    "see [close the day](close-the-day.md).");
+    "Closes the fiscal day: saves its journal, then prints the Z report. Set `Result` before the call: see "
+    "[close the day](close-the-day.md).");
 inline constexpr auto issueZReprintReport = operation<Plain>(
     "issueZReprintReport", {16, 13}, kNone,
-    "Prints the last Z report once more, or finishes a closing that got stuck. Clear `Result` before the "
-    "call.");
+    "Prints the last Z report again, or finishes a closing that got stuck. Set `Result` before the call.");
 inline constexpr auto issueXReport =
     operation<Plain>("issueXReport", {17, 14}, kNone, "Prints the day's totals so far and closes nothing.");
 inline constexpr auto DrawerOpen = operation<Plain>("DrawerOpen", {18, 15}, kNone, "Opens the cash drawer.");
 inline constexpr auto CutPaper = operation<Value(bool&, Outcome)>(
     "CutPaper", {19, 16}, {"Full_"}, "Cuts the paper: fully when `Full_` is True, otherwise partially.");
-inline constexpr auto executeCashIn = operation<WithAmount>("executeCashIn", {20, 17}, {"Amount", "cashInDesc"},
-                                                            "Puts cash into the drawer, with a document of its own.");
-inline constexpr auto executeCashOut = operation<WithAmount>(
-    "executeCashOut", {21, 18}, {"Amount", "cashOutDesc"}, "Takes cash out of the drawer, with a document of its own.");
+inline constexpr auto executeCashIn =
+    operation<WithAmount>("executeCashIn", {20, 17}, {"Amount", "cashInDesc"},
+                          "Records cash put into the drawer; prints a document of its own.");
+inline constexpr auto executeCashOut =
+    operation<WithAmount>("executeCashOut", {21, 18}, {"Amount", "cashOutDesc"},
+                          "Records cash taken out of the drawer; prints a document of its own.");
 inline constexpr auto VoidReceipt = operation<Plain>(
-    "VoidReceipt", {22, 19}, kNone, "Cancels the open receipt, or closes it when it cannot be cancelled any more.");
+    "VoidReceipt", {22, 19}, kNone, "Cancels the open receipt, or closes it if it can no longer be cancelled.");
 
 // ---- Reads and settings
 
 inline constexpr auto getDate =
-    operation<WithText>("getDate", {23, 20}, {output("d")}, "The device's date, as it writes it.");
+    operation<WithText>("getDate", {23, 20}, {output("d")}, "Reads the register's date, in its own format.");
 inline constexpr auto getTime =
-    operation<WithText>("getTime", {24, 21}, {output("d")}, "The device's time, as it writes it.");
+    operation<WithText>("getTime", {24, 21}, {output("d")}, "Reads the register's time, in its own format.");
 inline constexpr auto getSerialNumber =
     operation<WithText>("getSerialNumber", {25, 22}, {output("sN")},
-                        "The device's serial number; `FiscalSN` of the status knows it from then on.");
+                        "Reads the register's serial number; from then on `FiscalSN` of the status has it.");
 inline constexpr auto getHeader = operation<Value(PrintedLines<5, true>, Outcome)>(
-    "getHeader", {26, 23}, kNone, "The five lines above each receipt, and their sizes.");
+    "getHeader", {26, 23}, kNone, "Reads the five lines above each receipt, and their sizes.");
 inline constexpr auto setHeader = operation<Value(PrintedLines<5, false>, Outcome)>(
     "setHeader", {27, 24}, kNone, "Sets the five lines above each receipt, and their sizes.");
 inline constexpr auto getFooter = operation<Value(PrintedLines<3, true>, Outcome)>(
-    "getFooter", {28, 25}, kNone, "The three lines below each receipt, and their sizes.");
+    "getFooter", {28, 25}, kNone, "Reads the three lines below each receipt, and their sizes.");
 inline constexpr auto setFooter = operation<Value(PrintedLines<3, false>, Outcome)>(
     "setFooter", {29, 26}, kNone, "Sets the three lines below each receipt, and their sizes.");
 inline constexpr auto setTempFooter = operation<Value(Text&, Text&, Text&, Outcome)>(
-    "setTempFooter", {30, 27}, {"line1", "line2", "line3"}, "A footer for the open or the next receipt only.");
-inline constexpr auto getVatCategories =
-    operation<Value(VatRates<true>, Outcome)>("getVatCategories", {31, 28}, kNone, "The five VAT rates in percent.");
+    "setTempFooter", {30, 27}, {"line1", "line2", "line3"}, "Sets a footer for the open or the next receipt only.");
+inline constexpr auto getVatCategories = operation<Value(VatRates<true>, Outcome)>(
+    "getVatCategories", {31, 28}, kNone, "Reads the five VAT rates in percent.");
 inline constexpr auto setVatCategories = operation<Value(VatRates<false>, Outcome)>(
     "setVatCategories", {32, 29}, kNone,
-    "Sets the five VAT rates in percent. Sends nothing when the device has them already.");
+    "Sets the five VAT rates in percent. Sends nothing if the register already has them.");
 inline constexpr auto sentBitmapData =
     operation<Value(Text&, Integer&, Outcome)>("sentBitmapData", {33, 30}, {"BMPfileName", "BitmapID"},
                                                "Not available: refused with `Result` 6, and nothing is sent.");
@@ -181,32 +180,34 @@ inline constexpr auto setReceiptBitmap = operation<WithInteger>(
 inline constexpr auto setReceiptBitmapSize = operation<WithInteger>(
     "setReceiptBitmapSize", {35, 32}, {"sizeOf"}, "Not available: refused with `Result` 6, and nothing is sent.");
 inline constexpr auto settingsRead =
-    operation<WithRecord<clsParam>>("settingsRead", {36, 33}, {"c"}, "Reads the device's settings into a clsParam.");
+    operation<WithRecord<clsParam>>("settingsRead", {36, 33}, {"c"}, "Reads the register's settings into a clsParam.");
 inline constexpr auto settingsWrite = operation<WithRecord<clsParam>>(
     "settingsWrite", {37, 34}, {"c"},
-    "Writes a clsParam to the device. Mind `useLCDdisplay` when it was read before: see "
+    "Writes the settings in a clsParam to the register. Check `useLCDdisplay` if you read it before: see "
     "[configure](configure.md).");
 inline constexpr auto setDepartment = operation<void(Integer&, Text&, Integer&, Outcome)>(
     "setDepartment", {42, 35}, {"depID", "depDescription", "depCategory"},
     "Does nothing, and leaves `Result` as it was: see [configure](configure.md).");
 inline constexpr auto setCategory = operation<void(Integer&, Text&, Outcome)>(
-    "setCategory", {43, 36}, {"catID", "catDescription"}, "Names a category of goods; 35 characters.");
+    "setCategory", {43, 36}, {"catID", "catDescription"}, "Names a category of goods, with at most 35 characters.");
 inline constexpr auto transactionTotals = operation<WithRecord<clsTransTotal>>(
-    "transactionTotals", {44, 37}, {"c"}, "Totals of the open receipt.", WithoutDevice::kCleared);
+    "transactionTotals", {44, 37}, {"c"}, "Reads the totals of the open receipt.", WithoutDevice::kCleared);
 inline constexpr auto getSalesPerDepartment = operation<WithRecord<clsAccumulator>>(
-    "getSalesPerDepartment", {45, 38}, {"c"}, "Today's sales of the department `Id`.", WithoutDevice::kCleared);
+    "getSalesPerDepartment", {45, 38}, {"c"}, "Reads today's sales of the department `Id`.", WithoutDevice::kCleared);
 inline constexpr auto getSalesPerCategory = operation<WithRecord<clsAccumulator>>(
-    "getSalesPerCategory", {46, 39}, {"c"}, "Today's sales of the category of goods `Id`.", WithoutDevice::kCleared);
+    "getSalesPerCategory", {46, 39}, {"c"}, "Reads today's sales of the category of goods `Id`.",
+    WithoutDevice::kCleared);
 inline constexpr auto getDailyTotals = operation<WithRecord<clsDailyAcc>>(
-    "getDailyTotals", {47, 40}, {"c"}, "Totals of the fiscal day.", WithoutDevice::kCleared);
+    "getDailyTotals", {47, 40}, {"c"}, "Reads the totals of the fiscal day so far, without the open receipt.",
+    WithoutDevice::kCleared);
 inline constexpr auto StatusRead = property<std::shared_ptr<clsStatus>()>(
-    "StatusRead", {48, 41}, "The state as the device's last reply told it. Asks the device nothing.");
+    "StatusRead", {48, 41}, "The state from the register's last reply. Sends nothing.");
 inline constexpr auto printerStatusRead = operation<void(Outcome)>(
-    "printerStatusRead", {49, 42}, kNone, "Asks the device for its state, for `StatusRead` to tell.");
+    "printerStatusRead", {49, 42}, kNone, "Asks the register for its state, which `StatusRead` then returns.");
 inline constexpr auto setVATNumber = operation<void(Text&, Outcome, Text&)>(
     "setVATNumber", {50, 43}, {"sVat", "Pass"},
-    "Sets the owner's VAT number, and prints \"VAT = \" and the number in any case. `Result` is that of "
-    "the paper feed behind it: see [configure](configure.md). `Pass` is not used.");
+    "Sets the owner's VAT number, and prints \"VAT = \" and the number in any case. `Result` is that of the paper feed "
+    "that follows: see [configure](configure.md). `Pass` is not used.");
 inline constexpr auto setTaxCardNumber = operation<void(Text&, Outcome, Text&)>(
     "setTaxCardNumber", {53, 0}, {"nTaxCard", "Pass"}, "Not available: refused with `Result` 6, and nothing is sent.");
 inline constexpr auto setServer = operation<void(Byte, Text, Text, Text, Outcome, Text&)>(
@@ -216,20 +217,21 @@ inline constexpr auto setServer = operation<void(Byte, Text, Text, Text, Outcome
 inline constexpr auto getServer = operation<void(Byte&, Text&, Text&, Text&, Outcome, Text&)>(
     "getServer", {52, 45, "getServerSettings"},
     {output("bActiveSend"), output("sWeb"), output("sPort"), output("sAES"), "Pass"},
-    "Reads what `setServerSettings` sets. `Pass` is not used.");
+    "Reads the tax authority's server. `Pass` is not used.");
 
 // ---- Card terminals
 
 inline constexpr auto eftRead =
-    operation<WithRecord<clsEFT>>("eftRead", {38, 46}, {"c"}, "Reads the card terminal of the number `eftId`.");
-inline constexpr auto eftWrite = operation<WithRecord<clsEFT>>(
-    "eftWrite", {39, 47, "eftSet"}, {"c"},
-    "Writes the card terminal of the number `eftId`. `eftEnabled` and `eftMDW` go as their sum, at most "
-    "255: beyond that an overflow (6) is raised and nothing is sent.");
-inline constexpr auto eftTest =
-    operation<WithRecord<clsEFT>>("eftTest", {40, 48}, {"c"}, "Has the device try whether the card terminal answers.");
-inline constexpr auto eftdel = operation<WithRecord<clsEFT>>(
-    "eftdel", {41, 0}, {"c"}, "Removes the card terminal of the number `eftId` from the device.");
+    operation<WithRecord<clsEFT>>("eftRead", {38, 46}, {"c"}, "Reads the settings of card terminal number `eftId`.");
+inline constexpr auto eftWrite =
+    operation<WithRecord<clsEFT>>("eftWrite", {39, 47, "eftSet"}, {"c"},
+                                  "Writes the settings of card terminal number `eftId`. `eftEnabled` and `eftMDW` are "
+                                  "sent as their sum, at most 255: "
+                                  "a larger sum raises an overflow (6), and nothing is sent.");
+inline constexpr auto eftTest = operation<WithRecord<clsEFT>>(
+    "eftTest", {40, 48}, {"c"}, "Makes the register test whether the card terminal answers.");
+inline constexpr auto eftdel =
+    operation<WithRecord<clsEFT>>("eftdel", {41, 0}, {"c"}, "Removes card terminal number `eftId` from the register.");
 
 // ---- About results
 

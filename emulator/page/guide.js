@@ -39,7 +39,7 @@ fetch('openapi.json').then((response) => response.json()).then(({ paths, compone
     make('h2', 'Operations'),
     ...Object.entries(paths).flatMap(([path, methods]) =>
       Object.entries(methods).map(([method, operation]) => operationElement(path, method, operation))),
-    make('h2', 'What they tell'),
+    make('h2', 'Data'),
     make('dl', '', ...Object.entries(components.schemas).flatMap(([name, schema]) =>
       [make('dt', name), make('dd', brief(schema))])));
 });

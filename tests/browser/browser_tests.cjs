@@ -86,7 +86,7 @@ const cases = {
     await emulator.fetch('DELETE', '/faults');
   },
   async whatTheTillSendsIsStruckAndItsPeerIsTold() {
-    await page.click('#sent >> text=lose its ACK');
+    await page.click('#sent >> text=drop its ACK');
     await shows('#rules li', 'next till-ack lost');
     assert.equal(await code(sale), '00');
     await shows('#entries b', 'the till\'s ACK was lost');

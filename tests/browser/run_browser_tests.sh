@@ -1,6 +1,7 @@
 #!/bin/bash
-# Tries the emulator's interface for tests, and drives its page in Debian's chromium: tests/browser/run_browser_tests.sh [native|windows]. The Windows
-# program runs under Wine, and is sold at over the network and over a COM port.
+# Tries the emulator's HTTP interface, drives its page in Debian's chromium, and looks at the manual:
+# tests/browser/run_browser_tests.sh [native|windows|manual]. The Windows program runs under Wine, and is sold at over the
+# network and over a COM port.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 repo=$(cd "$here/../.." && pwd)
@@ -18,6 +19,15 @@ trap 'exit 130' INT TERM
 if ! cmp -s "$here/package-lock.json" "$here/node_modules/.locked"; then
   (cd "$here" && npm ci --ignore-scripts --no-audit --no-fund)
   cp "$here/package-lock.json" "$here/node_modules/.locked"
+fi
+if [[ ${1-} == manual ]]; then
+  rm -rf "$WORK/content"
+  mkdir -p "$WORK/content"
+  cd "$repo"
+  git ls-files examples docs/result-codes.json | xargs cp --parents -t "$WORK/content"
+  package/manual.sh "$WORK/content" 1.0.0
+  node "$here/manual_tests.cjs" "$WORK/content/manual"
+  exit
 fi
 # A pair of serial ports, joined by a cable.
 rm -f "$WORK"/*.port
