@@ -28,7 +28,7 @@ write_files() {
     fi
     case $path in
       *.dll | *.exe) echo "!insertmacro install_program \"$content/$path\" \"$(basename "$path")\"" ;;
-      *) echo "File \"$content/$path\"" ;;
+      *) echo "!insertmacro install_file \"$content/$path\" \"$(basename "$path")\"" ;;
     esac
   done
   echo '!macroend'
@@ -46,6 +46,10 @@ write_files() {
 }
 
 write_files >"$files"
+mapfile -t owner <"$here/owner.txt"
+publisher=${owner[0]:-MirvaneEFT}
 makensis -V2 -WX -NOCD -INPUTCHARSET UTF8 "-DVERSION=$2" "-DOUTPUT=$output" "-DFILES=$files" \
+  "-DPUBLISHER=$publisher" "-DCONTACT=${owner[1]-}" "-DCOPYRIGHT=Copyright (c) $(date -ud "@$SOURCE_DATE_EPOCH" +%Y) $publisher" \
+  "-DKILOBYTES=$(du -sk --apparent-size "$content" | cut -f 1)" \
   ${MIRVANE_CERTIFICATE+"-DSIGN=$here/sign.sh"} "$here/setup.nsi"
 if [[ ${MIRVANE_CERTIFICATE-} ]]; then "$here/sign.sh" "$output"; fi
