@@ -1,10 +1,11 @@
 #!/bin/bash
-# Makes the release out of what is built: MirvaneEFT-VERSION.zip, and MirvaneEFT-VERSION-setup.exe with the same
-# content. The same commit gives the same bytes. What goes into it lies beside them in MirvaneEFT-VERSION.
+# Makes the release out of what is built: MirvaneEFT-VERSION.zip, MirvaneEFT-VERSION-setup.exe with the same content, and
+# SHA256SUMS of both. The same commit gives the same bytes. What goes into it lies beside them in MirvaneEFT-VERSION.
 #
 #   package/make.sh FOLDER [--sign FILE]
 #
-# FILE is a certificate with its key (.p12, .pfx): see package/sign.sh.
+# FILE is a certificate with its key (.p12, .pfx): see package/sign.sh. package/owner.txt may have two lines: the name of
+# whoever publishes the release, and the address to write to. The programs' properties and the pages then have them.
 set -euo pipefail
 repo=$(cd "$(dirname "$0")/.." && pwd)
 cd "$repo"
@@ -45,7 +46,7 @@ put_source() {
   esac
 }
 
-rm -rf "$out/$name" "$out/$name".zip "$out/$name"-setup.exe
+rm -rf "$out/$name" "$out/$name".zip "$out/$name"-setup.exe "$out/SHA256SUMS"
 for bits in 32 64; do
   put "build/win$bits/com/"MirvaneEFT.{dll,tlb,manifest} "build/win$bits/Lang.dat" "win$bits"
   find "build/win$bits" -name mirvane-check.exe -exec install -D -m 644 -t "$content/win$bits" {} +
@@ -54,11 +55,13 @@ put build/win32/mirvane-emulator.exe emulator
 for file in build/win32/com/MirvaneEFT.idl component/com/base.idl; do
   with_windows_line_ends <"$file" >"$content/$(basename "$file")"
 done
-git ls-files examples | grep -v '\.md$' | while read -r file; do put_source "$file"; done
+# What is in examples/native is for programs on Linux.
+git ls-files examples ':!examples/native' | grep -v '\.md$' | while read -r file; do put_source "$file"; done
 put docs/*.png docs
 [[ ! -e docs/result-codes.json ]] || put docs/result-codes.json docs
 # Guides for those who use the component; those for its own developers stay with the sources.
-git ls-files README.md CHANGELOG.md 'docs/*.md' 'emulator/*.md' 'examples/*.md' |
+with_windows_line_ends <package/notices.txt >"$content/notices.txt"
+git ls-files README.md CHANGELOG.md licence.md 'docs/*.md' 'emulator/*.md' 'examples/*.md' ':!examples/native' |
   grep -vxE 'docs/(one-call|decisions|add-a-driver)\.md' | xargs package/pages.pl "$content"
 
 if [[ ${MIRVANE_CERTIFICATE-} ]]; then
@@ -67,3 +70,4 @@ fi
 find "$content" -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
 (cd "$out" && find "$name" -type f | sort | zip -q -X -@ "$name.zip")
 package/setup.sh "$content" "$version" "$out/$name-setup.exe"
+(cd "$out" && sha256sum "$name.zip" "$name-setup.exe" >SHA256SUMS)

@@ -49,7 +49,7 @@ write_files >"$files"
 mapfile -t owner <"$here/owner.txt"
 publisher=${owner[0]:-MirvaneEFT}
 makensis -V2 -WX -NOCD -INPUTCHARSET UTF8 "-DVERSION=$2" "-DOUTPUT=$output" "-DFILES=$files" \
-  "-DPUBLISHER=$publisher" "-DCONTACT=${owner[1]-}" "-DCOPYRIGHT=Copyright (c) $(date -ud "@$SOURCE_DATE_EPOCH" +%Y) $publisher" \
+  "-DPUBLISHER=$publisher" "-DCONTACT=${owner[1]-}" "-DCOPYRIGHT=Copyright (c) 2026 $publisher" \
   "-DKILOBYTES=$(du -sk --apparent-size "$content" | cut -f 1)" \
   ${MIRVANE_CERTIFICATE+"-DSIGN=$here/sign.sh"} "$here/setup.nsi"
 if [[ ${MIRVANE_CERTIFICATE-} ]]; then "$here/sign.sh" "$output"; fi

@@ -10,6 +10,10 @@ WORK=$out/work
 unset WINE_IS_UP
 export MIRVANE_PREFIX="$repo/build/wine-package"
 source tools/wine.sh
+source tests/package/setup_cases.sh
+# Start menu entries are Wine's business, not that of the machine's own menu.
+WINEDLLOVERRIDES+=';winemenubuilder.exe=d'
+disk=$WINEPREFIX/drive_c
 version=$(sed -n 's/.*MIRVANE_VERSION "\(.*\)"/\1/p' build/win32/generated/version.h)
 content=$out/signed/MirvaneEFT-$version
 setup=$content-setup.exe
@@ -39,15 +43,17 @@ content() {
   openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=Test -days 2 -addext extendedKeyUsage=codeSigning \
     -keyout "$out/key.pem" -out "$out/certificate.pem" 2>/dev/null
   openssl pkcs12 -export -inkey "$out/key.pem" -in "$out/certificate.pem" -passout pass: -out "$out/test.p12"
-  package/make.sh "$out/signed" --sign "$out/test.p12" >"$WORK/make.log" 2>&1 || die "$(<"$WORK/make.log")"
+  MIRVANE_TIMESTAMP=none package/make.sh "$out/signed" --sign "$out/test.p12" >"$WORK/make.log" 2>&1 || die "$(<"$WORK/make.log")"
   find "$content" -name '*.dll' -o -name '*.exe' >"$WORK/programs"
   echo "$setup" >>"$WORK/programs"
   while read -r file; do
     osslsigncode verify -CAfile "$out/certificate.pem" "$file" >"$WORK/verify.log" || die "$file: $(<"$WORK/verify.log")"
     strings -el "$file" | grep -A1 -x ProductVersion | grep -qx "$version" || die "$file does not tell its version"
+    strings -el "$file" | grep -qx CompanyName || die "$file does not tell its company"
   done <"$WORK/programs"
 
   (umask 077 && TZ=Asia/Tokyo package/make.sh "$out/one") && package/make.sh "$out/other"
+  (cd "$out/one" && sha256sum --quiet -c SHA256SUMS)
   for file in "$out/one/"*.*[pe]; do cmp "$file" "$out/other/$(basename "$file")"; done
 
   for file in "$content"/win*/*.{dll,exe}; do
@@ -55,6 +61,10 @@ content() {
   done | sort -u | grep -vxFf package/windows7.imports >"$WORK/new_imports" || true
   [[ ! -s $WORK/new_imports ]] ||
     die "not known to be in Windows 7 SP1; what is goes into package/windows7.imports: $(<"$WORK/new_imports")"
+  # Every library whose headers the Windows build is given.
+  for file in build/win32/include/*; do
+    grep -qi "$(basename "$file")" "$content/notices.txt" || die "notices.txt does not mention $file"
+  done
   find "$content" -name '*.html' | while read -r file; do broken_links "$file"; done >"$WORK/broken_links"
   [[ ! -s $WORK/broken_links ]] || die "$(<"$WORK/broken_links")"
 }
@@ -117,20 +127,12 @@ sell() {
   done
 }
 
-# A program that has a file open which the upgrade replaces. What merely runs does not lock its file under Wine.
-start_running() {
-  in_wine "$(windows_path "$content/emulator/mirvane-emulator.exe")" --udp 0 --quiet \
-    --paper 'C:\Program Files\MirvaneEFT\emulator\mirvane-emulator.exe' >"$WORK/running.log" 2>&1 &
-  running=$!
-  await grep -q ready "$WORK/running.log" || die "the emulator does not run: $(<"$WORK/running.log")"
-}
-
 same_as_archive() {
-  ! diff -r "$WORK/MirvaneEFT-$version" "$folder" | grep -vE '(uninstall.exe|records)$' || die "not what is in the archive"
+  ! diff -r "$WORK/MirvaneEFT-$version" "$folder" | grep -vE '(uninstall.exe|records|\.tmp\.old)$' || die "not what is in the archive"
 }
 
 wine() {
-  local folder="$WINEPREFIX/drive_c/Program Files/MirvaneEFT" bits
+  local folder="$disk/Program Files/MirvaneEFT" bits
   wine_lock_up
   rm -rf "$WINEPREFIX"
   wine_up
@@ -145,22 +147,19 @@ wine() {
   done
   snapshot before
 
-  install 0 /RECORDS=1
   unzip -qo "$content.zip" -d "$WORK"
+  wrong_switches
+  install 0 /RECORDS=1
   same_as_archive
+  in_the_menu
   sell
-  start_running
-  echo old >"$folder/emulator/index.html"
-  install 3010
-  kill "$running"
-  wait "$running" || true
-  sell
-  [[ $(find "$folder/emulator" -type f | wc -l) == 4 ]] || die "no new file waits for the next start"
-  wine_down
-  wine_up
-  same_as_archive
-  touch "$folder/journal"
+  refused_installations
+  other_folders
+  failures
+  files_in_use
   install 0
+  sell
+  touch "$folder/journal"
   mapfile -t records < <(cd "$folder" && find win32/records win64/records -name 'line-*')
   ((${#records[@]} >= 2)) || die "the sales left no records: ${records[*]}"
   uninstall "$folder" ./journal "${records[@]/#/./}"
@@ -169,7 +168,7 @@ wine() {
   snapshot installed
   grep -qiF 'till\\win64\\MirvaneEFT.dll' "$WORK/installed.HKCU" || die "it is not registered for the user"
   cmp "$WORK/before.HKLM" "$WORK/installed.HKLM" || die "it wrote for everybody"
-  uninstall "$WINEPREFIX/drive_c/till"
+  uninstall "$disk/till"
 }
 
 "$1"
