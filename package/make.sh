@@ -31,13 +31,17 @@ with_windows_line_ends() {
   sed 's/\r*$/\r/'
 }
 
+for_script_host() {
+  printf '\xff\xfe' && with_windows_line_ends | iconv -f UTF-8 -t UTF-16LE
+}
+
 # put_source FILE: in the encoding in which its reader takes Greek for Greek, whatever the machine's code page.
 put_source() {
   local target=$content/$1
   mkdir -p "$(dirname "$target")"
   case $1 in
     # Windows' script hosts.
-    *.vbs | */jscript/*.js | *.ps1) (printf '\xff\xfe' && with_windows_line_ends <"$1" | iconv -f UTF-8 -t UTF-16LE) >"$target" ;;
+    *.vbs | */jscript/*.js | *.ps1) for_script_host <"$1" >"$target" ;;
     # Delphi and Visual C++ take what has no mark for the machine's code page.
     *.pas | *.cpp | *.h | *.cs) (printf '\xef\xbb\xbf' && with_windows_line_ends <"$1") >"$target" ;;
     # Visual Basic reads Greek Windows' code page alone.
@@ -63,6 +67,20 @@ put docs/*.png docs
 with_windows_line_ends <package/notices.txt >"$content/notices.txt"
 git ls-files README.md CHANGELOG.md licence.md 'docs/*.md' 'emulator/*.md' 'examples/*.md' ':!examples/native' |
   grep -vxE 'docs/(one-call|decisions|add-a-driver)\.md' | xargs package/pages.pl "$content"
+
+# What try-on-windows.cmd tries: the tests that need nothing but Windows.
+try=$content/try-on-windows
+mkdir -p "$try/scripts"
+with_windows_line_ends <package/try-on-windows/try-on-windows.cmd >"$try.cmd"
+with_windows_line_ends <package/try-on-windows/try.js >"$try/try.js"
+for script in calling.js calling.vbs day.vbs facade.vbs receipt.vbs; do
+  (cat "tests/com/scripts/$script" && [[ $script == *.js ]] || cat tests/com/expect.vbs) |
+    for_script_host >"$try/scripts/$script"
+done
+for bits in 32 64; do
+  put build/win$bits/tests/com/{host,left,typed-caller,within}.exe build/win$bits/examples/cpp/till-{early,late}.exe \
+    "try-on-windows/win$bits"
+done
 
 if [[ ${MIRVANE_CERTIFICATE-} ]]; then
   find "$content" -name '*.dll' -o -name '*.exe' | xargs -n 1 package/sign.sh

@@ -149,7 +149,6 @@ files_in_use() {
   restart
   same_as_archive
   in_wine 'C:\till\uninstall.exe' /S '_?=C:\till'
-  rm "$folder/uninstall.exe"
-  is_left "$folder" || die "after uninstalling there is: $(find "$folder")"
+  is_left "$folder" ./uninstall.exe || die "after uninstalling there is: $(find "$folder")"
   folder="$disk/Program Files/MirvaneEFT"
 }
