@@ -63,8 +63,8 @@ done
 git ls-files examples ':!examples/native' | grep -v '\.md$' | while read -r file; do put_source "$file"; done
 put docs/*.png docs
 [[ ! -e docs/result-codes.json ]] || put docs/result-codes.json docs
-# Guides for those who use the component; those for its own developers stay with the sources.
 with_windows_line_ends <package/notices.txt >"$content/notices.txt"
+# Guides for those who use the component; those for its own developers stay with the sources.
 git ls-files README.md CHANGELOG.md licence.md 'docs/*.md' 'emulator/*.md' 'examples/*.md' ':!examples/native' |
   grep -vxE 'docs/(one-call|decisions|add-a-driver)\.md' | xargs package/pages.pl "$content"
 
@@ -73,7 +73,7 @@ try=$content/try-on-windows
 mkdir -p "$try/scripts"
 with_windows_line_ends <package/try-on-windows/try-on-windows.cmd >"$try.cmd"
 with_windows_line_ends <package/try-on-windows/try.js >"$try/try.js"
-for script in calling.js calling.vbs day.vbs facade.vbs receipt.vbs; do
+for script in calling.js calling.vbs facade.vbs receipt.vbs; do
   (cat "tests/com/scripts/$script" && [[ $script == *.js ]] || cat tests/com/expect.vbs) |
     for_script_host >"$try/scripts/$script"
 done

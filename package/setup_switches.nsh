@@ -113,10 +113,14 @@ Function next_word
 FunctionEnd
 
 Function check_folder
-  StrCpy $0 $GivenFolder 1 -1
-  ${If} $0 == "\"
+  ${Do}
+    StrCpy $0 $GivenFolder 1 -1
+    ${If} $0 != " "
+    ${AndIf} $0 != "\"
+      ${ExitDo}
+    ${EndIf}
     StrCpy $GivenFolder $GivenFolder -1
-  ${EndIf}
+  ${Loop}
   StrCpy $0 $GivenFolder 2
   StrCpy $1 $GivenFolder 2 1
   ${If} $1 == ":\"

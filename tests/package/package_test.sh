@@ -1,14 +1,15 @@
 #!/bin/bash
 # The release as people get it. "content" makes it, signed, in build/package-test, and looks at it; "wine" installs it in a
-# prefix that is made for it, sells, upgrades, uninstalls. What they leave behind is in build/package-test.
+# prefix that is made for it, sells, upgrades, uninstalls; "try_on_windows" runs what the release brings to be tried by. What
+# they leave behind is in build/package-test.
 set -euo pipefail
 repo=$(cd "$(dirname "$0")/../.." && pwd)
 cd "$repo"
 out=$repo/build/package-test
-WORK=$out/work
+WORK=$out/work-$1
 # Not the Wine that `./run test` has started.
 unset WINE_IS_UP
-export MIRVANE_PREFIX="$repo/build/wine-package"
+export MIRVANE_PREFIX="$repo/build/wine-package-$1"
 source tools/wine.sh
 source tests/package/setup_cases.sh
 # Start menu entries are Wine's business, not that of the machine's own menu.
@@ -93,6 +94,20 @@ snapshot() {
   done
 }
 
+# What a new prefix lacks that every Windows has; then the registry as it is before anything is installed.
+first_steps() {
+  local bits key name
+  # The first script of all makes Wine's script host register itself.
+  for name in empty.vbs empty.js; do
+    echo >"$WORK/$name"
+    for bits in 32 64; do run_script "$bits" "$WORK/$name"; done
+  done
+  for key in Classes 'Microsoft\Windows\CurrentVersion\Uninstall'; do
+    in_wine "$(system_program 64 reg)" add "HKCU\\Software\\$key" /f >"$WORK/reg.log"
+  done
+  snapshot before
+}
+
 # install CODE SWITCH...: Linux sees the last eight bits of the exit code.
 install() {
   local status=0
@@ -128,7 +143,7 @@ sell() {
 }
 
 same_as_archive() {
-  ! diff -r "$WORK/MirvaneEFT-$version" "$folder" | grep -vE '(uninstall.exe|records|\.tmp\.old)$' || die "not what is in the archive"
+  ! diff -r -x 'try-on-windows*' "$WORK/MirvaneEFT-$version" "$folder" | grep -vE '(uninstall.exe|records|\.tmp\.old)$' || die "not what is in the archive"
 }
 
 wine() {
@@ -138,15 +153,7 @@ wine() {
   wine_up
   unregistered 32
   unregistered 64
-  # The first script of all makes Wine's script host register itself.
-  echo >"$WORK/empty.vbs"
-  for bits in 32 64; do run_script "$bits" "$WORK/empty.vbs"; done
-  # Windows' own, which a new prefix lacks.
-  for key in Classes 'Microsoft\Windows\CurrentVersion\Uninstall'; do
-    in_wine "$(system_program 64 reg)" add "HKCU\\Software\\$key" /f >"$WORK/reg.log"
-  done
-  snapshot before
-
+  first_steps
   unzip -qo "$content.zip" -d "$WORK"
   wrong_switches
   install 0 /RECORDS=1
@@ -170,5 +177,33 @@ wine() {
   cmp "$WORK/before.HKLM" "$WORK/installed.HKLM" || die "it wrote for everybody"
   uninstall "$disk/till"
 }
+
+# ---- try_on_windows
+
+try_on_windows() {
+  local name="MirvaneEFT-$version" bits trial
+  wine_lock_up
+  rm -rf "$WINEPREFIX"
+  wine_up
+  first_steps
+  cp "$content.zip" "$setup" "$WORK"
+  (cd "$WORK" && unzip -qo "$name.zip" && find "$name" | sort >files.before)
+  wine_limit=850 in_wine cmd /c "$(windows_path "$WORK/$name/try-on-windows.cmd")" /nopause >"$WORK/printed" 2>&1 || die "$(report)"
+  for bits in 32 64; do
+    for trial in 'mirvane-check --self-test' 'example receipt.vbs' 'program within guests' 'example till.js, installed'; do
+      report | grep -q "^passed *$trial, $bits-bit" || die "not tried: $trial, $bits-bit: $(report)"
+    done
+  done
+  report | grep -q '^passed *upgrading while a program runs' || die "$(report)"
+  for trial in 'scripts in UTF-16' PowerShell 'C#, x86'; do
+    report | grep -q "^not there *$trial" || die "it does not say that Wine lacks $trial: $(report)"
+  done
+  snapshot after
+  for hive in HKLM HKCU; do diff "$WORK/before.$hive" "$WORK/after.$hive" || die "it left keys in $hive"; done
+  [[ $(cd "$WORK" && find "$name" | sort | comm -13 files.before -) == "$name/try-on-windows.txt" ]] || die "it left files"
+  [[ ! -e $disk/bbox && ! $(find "$disk/users" -name 'try-on-windows*') ]] || die "it left files on the disk"
+}
+
+report() { iconv -f UTF-16 -t UTF-8 "$WORK/MirvaneEFT-$version/try-on-windows.txt" | tr -d '\r'; }
 
 "$1"
