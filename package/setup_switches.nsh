@@ -24,14 +24,16 @@ Var Wrong         ; why the command line cannot be followed
 
 Function read_switches
   Call parse_switches
-  ${If} $LogFile == ""
-    StrCpy $LogFile "$TEMP\MirvaneEFT-setup.log"
+  ${If} $LogFile != ""
+    ClearErrors
+    FileOpen $Log "$LogFile" w
+    ${If} ${Errors}
+      StrCpy $Wrong "$(WRONG_LOG) $LogFile"
+      StrCpy $LogFile ""
+    ${EndIf}
   ${EndIf}
-  ClearErrors
-  FileOpen $Log "$LogFile" w
-  ${If} ${Errors}
-  ${AndIf} $Wrong == ""
-    StrCpy $Wrong "$(WRONG_LOG) $LogFile"
+  ; A second installer at the same time has none.
+  ${If} $LogFile == ""
     FileOpen $Log "$TEMP\MirvaneEFT-setup.log" w
   ${EndIf}
   FileWriteUTF16LE /BOM $Log "MirvaneEFT ${VERSION}$\r$\n$CMDLINE$\r$\n"
