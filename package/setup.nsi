@@ -252,12 +252,16 @@ Section
   ${If} $ForEverybody = 0
     StrCpy $UserFolder ""
   ${EndIf}
-  ${If} $UserFolder == $INSTDIR
+  ; A folder may be named in two ways.
+  GetFullPathName /SHORT $0 $INSTDIR
+  GetFullPathName /SHORT $1 $FormerFolder
+  GetFullPathName /SHORT $2 $UserFolder
+  ${If} $0 == $1
+    StrCpy $FormerFolder ""
+  ${EndIf}
+  ${If} $0 == $2
     !insertmacro take_away $UserFolder
     StrCpy $UserFolder ""
-  ${EndIf}
-  ${If} $FormerFolder == $INSTDIR
-    StrCpy $FormerFolder ""
   ${EndIf}
 
   !insertmacro remove_set_aside

@@ -11,6 +11,7 @@ var windows = environment("SystemRoot");
 var architecture = environment("PROCESSOR_ARCHITECTURE");
 var is64Bit = architecture !== "x86";
 var isAdministrator = false;
+var bitnesses = is64Bit && architecture !== "ARM64" ? [64, 32] : [32];
 var readsUtf16, hasVbscript;
 var address = "";
 var lastLine = new Date();
@@ -32,6 +33,7 @@ function main() {
   for (var i = 0; i < folders.length; ++i) foldersWereThere[i] = files.FolderExists(folders[i]);
   try {
     lookAround();
+    eachBitness(tryUnregistered);
     tryRegistered();
     tryInstaller();
   } catch (error) {
@@ -51,7 +53,8 @@ function lookAround() {
   isAdministrator = run("reg add HKLM\\Software\\MirvaneTry /f").code === 0;
   if (isAdministrator) run("reg delete HKLM\\Software\\MirvaneTry /f");
   say(trimmed(run("ver").text) + ", " + architecture + ", " + (isAdministrator ? "" : "not ") + "as administrator");
-  var host = scriptHost(is64Bit ? 64 : 32);
+  if (bitnesses.length === 1) notThere("64-bit programs", "the 64-bit DLL is for another processor");
+  var host = scriptHost(bitnesses[0]);
   readsUtf16 = ended(run(host + quoted(write("probe.js", "WScript.Echo(\"ok\");", true)))) === "";
   if (readsUtf16) passed("scripts in UTF-16");
   else notThere("scripts in UTF-16", "copies in this machine's code page are run");
@@ -59,20 +62,35 @@ function lookAround() {
   if (!hasVbscript) notThere("VBScript", "it is an optional feature of Windows 11");
 }
 
-function tryRegistered() {
-  eachBitness(function (bits) {
-    var title = "registering the " + bits + "-bit DLL" + (isAdministrator ? "" : " for this user");
-    if (register(bits, "")) passed(title); else failed(title, "regsvr32 refuses it");
+// A till in a folder with the component, and a manifest that tells Windows so.
+function tryUnregistered(bits) {
+  var folder = work + "\\unregistered" + bits, architecture = bits === 32 ? "x86" : "amd64";
+  var dll = release + "\\win" + bits + "\\MirvaneEFT.dll";
+  function identity(name, version) {
+    return "<assemblyIdentity type=\"win32\" name=\"" + name + "\" version=\"" + version + "\" processorArchitecture=\"" +
+      architecture + "\"/>";
+  }
+  files.CreateFolder(folder);
+  files.CopyFile(dll, folder + "\\");
+  files.CopyFile(release + "\\win" + bits + "\\Lang.dat", folder + "\\");
+  files.CopyFile(here + "\\win" + bits + "\\till-late.exe", folder + "\\");
+  write("unregistered" + bits + "\\till-late.exe.manifest", "<assembly xmlns=\"urn:schemas-microsoft-com:asm.v1\" " +
+    "manifestVersion=\"1.0\">" + identity("Till", "1.0.0.0") + "<dependency><dependentAssembly>" +
+    identity("MirvaneEFT", files.GetFileVersion(dll)) + "</dependentAssembly></dependency></assembly>", false);
+  withEmulator("", function () {
+    var till = run(quoted(folder + "\\till-late.exe") + " " + address);
+    verdict("without registration, " + bits + "-bit", ended(till), till.text);
   });
+}
+
+function tryRegistered() {
+  registerAll("registering", "");
   eachBitness(trySelfTest);
   eachBitness(tryScripts);
   eachBitness(tryPrograms);
   notThere("a window while a serial line is silent, and two programs at one line", "it takes a serial port");
   tryLanguages();
-  eachBitness(function (bits) {
-    var title = "taking the registration of the " + bits + "-bit DLL back";
-    if (register(bits, "/u ")) passed(title); else failed(title, "regsvr32 refuses it");
-  });
+  registerAll("taking back the registration of", "/u ");
 }
 
 function trySelfTest(bits) {
@@ -141,7 +159,7 @@ function tryLanguages() {
       powershell(folder) + "-File " + quoted(examples + "powershell\\till.ps1"));
   }
   sharp("x86", "Framework");
-  if (is64Bit) sharp("x64", "Framework64");
+  if (bitnesses[0] === 64) sharp("x64", "Framework64");
   power("PowerShell", "System32");
   if (is64Bit) power("PowerShell, 32-bit", "SysWOW64");
   tryLanguage("Python", "python -c \"import win32com.client; print('there')\"", /^there/m, "",
@@ -214,21 +232,26 @@ function cleanUp() {
 
 // ---- What a trial does
 
+// eachBitness(TRIAL): or with the one that the command line names.
 function eachBitness(trial) {
-  if (architecture === "ARM64") notThere("64-bit", "the 64-bit DLL is for another processor");
-  else if (is64Bit) trial(64);
-  else notThere("64-bit", "this Windows is 32-bit");
-  trial(32);
+  var only = WScript.Arguments.length ? Number(WScript.Arguments(0)) : 0;
+  for (var i = 0; i < bitnesses.length; ++i) {
+    if (!only || only === bitnesses[i]) trial(bitnesses[i]);
+  }
 }
 
 // system(BITS): the folder of Windows' own programs, as a script host of Windows' own bitness sees it.
 function system(bits) { return windows + (is64Bit && bits === 32 ? "\\SysWOW64\\" : "\\System32\\"); }
 function scriptHost(bits) { return quoted(system(bits) + "cscript.exe") + " //nologo "; }
 
-function register(bits, how) {
+function registerAll(what, how) {
   if (!isAdministrator) how += "/n /i:user ";
-  return start(quoted(system(bits) + "regsvr32.exe") + " /s " + how +
-    quoted(release + "\\win" + bits + "\\MirvaneEFT.dll")) === 0;
+  for (var i = 0; i < bitnesses.length; ++i) {
+    var code = start(quoted(system(bitnesses[i]) + "regsvr32.exe") + " /s " + how +
+      quoted(release + "\\win" + bitnesses[i] + "\\MirvaneEFT.dll"));
+    verdict(what + " the " + bitnesses[i] + "-bit DLL" + (isAdministrator ? "" : " for this user"),
+      code ? "regsvr32 ended with " + code : "", "");
+  }
 }
 
 function isRegistered() {
