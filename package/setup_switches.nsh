@@ -92,6 +92,12 @@ Function parse_switches
     ${ElseIf} $8 != "/NCRC"
     ${AndIf} $Wrong == ""
       StrCpy $Wrong "$(UNKNOWN_SWITCH) $8"
+      ; Whoever means /S, as in /SILENT or /quiet, has nobody there to answer a box.
+      StrCpy $0 $8 2
+      ${If} $0 == "/S"
+      ${OrIf} $0 == "/Q"
+        SetSilent silent
+      ${EndIf}
     ${EndIf}
   ${Loop}
 FunctionEnd

@@ -111,10 +111,10 @@ first_steps() {
   snapshot before
 }
 
-# install CODE SWITCH...: Linux sees the last eight bits of the exit code.
+# install CODE SWITCH...: silently, unless `silent` is another switch. Linux sees the last eight bits of the exit code.
 install() {
   local status=0
-  in_wine "$(windows_path "$setup")" /S "${@:2}" >"$WORK/setup.log" 2>&1 || status=$?
+  in_wine "$(windows_path "$setup")" "${silent:-/S}" "${@:2}" >"$WORK/setup.log" 2>&1 || status=$?
   [[ $status == $(($1 & 255)) ]] || die "the installer (${*:2}) ended with $status instead of $1: $(<"$WORK/setup.log")"
 }
 

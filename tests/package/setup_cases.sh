@@ -17,6 +17,7 @@ wrong_switches() {
   refused 6 'διαδρομή' /D=till
   refused 6 'C:\ti*ll' '/D=C:\ti*ll'
   refused 6 'Άγνωστη παράμετρος: /RECORD=1' /RECORD=1
+  silent=/SILENT refused 6 'Άγνωστη παράμετρος: /SILENT'
   refused 6 '/RECORDS=yes' /RECORDS=yes
   refused 6 'Άγνωστη παράμετρος: C:\till' 'C:\till'
   refused 6 '/ALLUSERS και /CURRENTUSER' /ALLUSERS /CURRENTUSER
