@@ -5,7 +5,7 @@
 #   package/make.sh FOLDER [--sign FILE]
 #
 # FILE is a certificate with its key (.p12, .pfx): see package/sign.sh. package/owner.txt may have two lines: the name of
-# whoever publishes the release, and the address to write to. The programs' properties and the pages then have them.
+# whoever publishes the release, and the address to write to. The programs' properties and the list of programs then have them.
 set -euo pipefail
 repo=$(cd "$(dirname "$0")/.." && pwd)
 cd "$repo"

@@ -52,8 +52,6 @@ sub anchor_of {
   return $count ? "$anchor-$count" : $anchor;
 }
 
-open my $owner, '<', 'package/owner.txt' or die $!;
-my (undef, $contact) = map { s/\s+$//r } <$owner>;
 open my $file, '<', 'package/page.html' or die $!;
 my $template = slurp($file);
 for my $page (@pages) {
@@ -65,8 +63,7 @@ for my $page (@pages) {
   my %seen;
   $body =~ s{<h(\d)>(.*?)</h\d>}{sprintf '<h%s id="%s">%s</h%s>', $1, anchor_of($2, \%seen), $2, $1}ges;
   my ($title) = $body =~ m{<h1[^>]*>(.*?)</h1>}s;
-  my %values = (TITLE => $title =~ s/<[^>]*>//gr, BODY => $body, INDEX => abs2rel('index.html', dirname($page)),
-    CONTACT => $contact ? "<footer>$contact</footer>\n" : '');
+  my %values = (TITLE => $title =~ s/<[^>]*>//gr, BODY => $body, INDEX => abs2rel('index.html', dirname($page)));
 
   my $output = "$content/" . html_name($page);
   make_path(dirname($output));
