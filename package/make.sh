@@ -1,10 +1,11 @@
 #!/bin/bash
-# Makes the release out of what is built: MirvaneEFT-VERSION.zip, and MirvaneEFT-VERSION-setup.exe with the same
-# content. The same commit gives the same bytes. What goes into it lies beside them in MirvaneEFT-VERSION.
+# Makes the release out of what is built: MirvaneEFT-VERSION.zip, MirvaneEFT-VERSION-setup.exe with the same content, and
+# SHA256SUMS of both. The same commit gives the same bytes. What goes into it lies beside them in MirvaneEFT-VERSION.
 #
 #   package/make.sh FOLDER [--sign FILE]
 #
-# FILE is a certificate with its key (.p12, .pfx): see package/sign.sh.
+# FILE is a certificate with its key (.p12, .pfx): see package/sign.sh. package/owner.txt may have two lines: the name of
+# whoever publishes the release, and the address to write to. The programs' properties and the list of programs then have them.
 set -euo pipefail
 repo=$(cd "$(dirname "$0")/.." && pwd)
 cd "$repo"
@@ -30,13 +31,17 @@ with_windows_line_ends() {
   sed 's/\r*$/\r/'
 }
 
+for_script_host() {
+  printf '\xff\xfe' && with_windows_line_ends | iconv -f UTF-8 -t UTF-16LE
+}
+
 # put_source FILE: in the encoding in which its reader takes Greek for Greek, whatever the machine's code page.
 put_source() {
   local target=$content/$1
   mkdir -p "$(dirname "$target")"
   case $1 in
     # Windows' script hosts.
-    *.vbs | */jscript/*.js | *.ps1) (printf '\xff\xfe' && with_windows_line_ends <"$1" | iconv -f UTF-8 -t UTF-16LE) >"$target" ;;
+    *.vbs | */jscript/*.js | *.ps1) for_script_host <"$1" >"$target" ;;
     # Delphi and Visual C++ take what has no mark for the machine's code page.
     *.pas | *.cpp | *.h | *.cs) (printf '\xef\xbb\xbf' && with_windows_line_ends <"$1") >"$target" ;;
     # Visual Basic reads Greek Windows' code page alone.
@@ -45,7 +50,7 @@ put_source() {
   esac
 }
 
-rm -rf "$out/$name" "$out/$name".zip "$out/$name"-setup.exe
+rm -rf "$out/$name" "$out/$name".zip "$out/$name"-setup.exe "$out/SHA256SUMS"
 for bits in 32 64; do
   put "build/win$bits/com/"MirvaneEFT.{dll,tlb,manifest} "build/win$bits/Lang.dat" "win$bits"
   find "build/win$bits" -name mirvane-check.exe -exec install -D -m 644 -t "$content/win$bits" {} +
@@ -57,7 +62,22 @@ done
 # Those of the source tree alone are none of its users'.
 git ls-files examples | grep -vE '\.md$|CMakeLists\.txt$|^examples/native/' | while read -r file; do put_source "$file"; done
 put docs/result-codes.json docs
+with_windows_line_ends <package/notices.txt >"$content/notices.txt"
 package/manual.sh "$content" "$version"
+
+# What try-on-windows.cmd tries: the tests that need nothing but Windows.
+try=$content/try-on-windows
+mkdir -p "$try/scripts"
+with_windows_line_ends <package/try-on-windows/try-on-windows.cmd >"$try.cmd"
+with_windows_line_ends <package/try-on-windows/try.js >"$try/try.js"
+for script in calling.js calling.vbs facade.vbs receipt.vbs; do
+  (cat "tests/com/scripts/$script" && [[ $script == *.js ]] || cat tests/com/expect.vbs) |
+    for_script_host >"$try/scripts/$script"
+done
+for bits in 32 64; do
+  put build/win$bits/tests/com/{host,left,typed-caller,within}.exe build/win$bits/examples/cpp/till-{early,late}.exe \
+    "try-on-windows/win$bits"
+done
 
 if [[ ${MIRVANE_CERTIFICATE-} ]]; then
   find "$content" -name '*.dll' -o -name '*.exe' | xargs -n 1 package/sign.sh
@@ -65,3 +85,4 @@ fi
 find "$content" -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
 (cd "$out" && find "$name" -type f | sort | zip -q -X -@ "$name.zip")
 package/setup.sh "$content" "$version" "$out/$name-setup.exe"
+(cd "$out" && sha256sum "$name.zip" "$name-setup.exe" >SHA256SUMS)

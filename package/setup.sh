@@ -1,5 +1,5 @@
 #!/bin/bash
-# Makes the installer of a folder's content.
+# Makes the installer of a folder's content, without try-on-windows, which is for machines where nothing is installed.
 #
 #   package/setup.sh CONTENT VERSION OUTPUT
 set -euo pipefail
@@ -19,7 +19,8 @@ in_folder() {
 write_files() {
   local folder='' path
   local -a all
-  mapfile -t all < <(cd "$content" && find . -type f -printf '%P\n' | sort)
+  local wanted=(-not -path './try-on-windows*')
+  mapfile -t all < <(cd "$content" && find . "${wanted[@]}" -type f -printf '%P\n' | sort)
   echo '!macro install_files'
   for path in "${all[@]}"; do
     if [[ $(dirname "$path") != "$folder" ]]; then
@@ -28,7 +29,7 @@ write_files() {
     fi
     case $path in
       *.dll | *.exe) echo "!insertmacro install_program \"$content/$path\" \"$(basename "$path")\"" ;;
-      *) echo "File \"$content/$path\"" ;;
+      *) echo "!insertmacro install_file \"$content/$path\" \"$(basename "$path")\"" ;;
     esac
   done
   echo '!macroend'
@@ -39,13 +40,17 @@ write_files() {
       *) echo "Delete \"$(in_folder "$path")\"" ;;
     esac
   done
-  (cd "$content" && find . -depth -type d -printf '%P\n') | while read -r path; do
+  (cd "$content" && find . -depth "${wanted[@]}" -type d -printf '%P\n') | while read -r path; do
     echo "RMDir \"$(in_folder "${path:-.}")\""
   done
   echo '!macroend'
 }
 
 write_files >"$files"
+mapfile -t owner <"$here/owner.txt"
+publisher=${owner[0]:-MirvaneEFT}
 makensis -V2 -WX -NOCD -INPUTCHARSET UTF8 "-DVERSION=$2" "-DOUTPUT=$output" "-DFILES=$files" \
+  "-DPUBLISHER=$publisher" "-DCONTACT=${owner[1]-}" "-DCOPYRIGHT=Copyright (c) 2026 $publisher" \
+  "-DKILOBYTES=$(du -sk --apparent-size "$content" | cut -f 1)" \
   ${MIRVANE_CERTIFICATE+"-DSIGN=$here/sign.sh"} "$here/setup.nsi"
 if [[ ${MIRVANE_CERTIFICATE-} ]]; then "$here/sign.sh" "$output"; fi

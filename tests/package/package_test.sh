@@ -1,15 +1,20 @@
 #!/bin/bash
 # The release as people get it. "content" makes it, signed, in build/package-test, and looks at it; "wine" installs it in a
-# prefix that is made for it, sells, upgrades, uninstalls. What they leave behind is in build/package-test.
+# prefix that is made for it, sells, upgrades, uninstalls; "try_on_windows.32" and "try_on_windows.64" run what the release
+# brings to be tried by. What they leave behind is in build/package-test.
 set -euo pipefail
 repo=$(cd "$(dirname "$0")/../.." && pwd)
 cd "$repo"
 out=$repo/build/package-test
-WORK=$out/work
+WORK=$out/work-$1
 # Not the Wine that `./run test` has started.
 unset WINE_IS_UP
-export MIRVANE_PREFIX="$repo/build/wine-package"
+export MIRVANE_PREFIX="$repo/build/wine-package-$1"
 source tools/wine.sh
+source tests/package/setup_cases.sh
+# Start menu entries are Wine's business, not that of the machine's own menu.
+WINEDLLOVERRIDES+=';winemenubuilder.exe=d'
+disk=$WINEPREFIX/drive_c
 version=$(sed -n 's/.*MIRVANE_VERSION "\(.*\)"/\1/p' build/win32/generated/version.h)
 content=$out/signed/MirvaneEFT-$version
 setup=$content-setup.exe
@@ -29,15 +34,19 @@ content() {
   openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=Test -days 2 -addext extendedKeyUsage=codeSigning \
     -keyout "$out/key.pem" -out "$out/certificate.pem" 2>/dev/null
   openssl pkcs12 -export -inkey "$out/key.pem" -in "$out/certificate.pem" -passout pass: -out "$out/test.p12"
-  package/make.sh "$out/signed" --sign "$out/test.p12" >"$WORK/make.log" 2>&1 || die "$(<"$WORK/make.log")"
+  MIRVANE_TIMESTAMP=none package/make.sh "$out/signed" --sign "$out/test.p12" >"$WORK/make.log" 2>&1 || die "$(<"$WORK/make.log")"
   find "$content" -name '*.dll' -o -name '*.exe' >"$WORK/programs"
   echo "$setup" >>"$WORK/programs"
   while read -r file; do
     osslsigncode verify -CAfile "$out/certificate.pem" "$file" >"$WORK/verify.log" || die "$file: $(<"$WORK/verify.log")"
+    # Nobody looks at the tests' own.
+    [[ $file != */try-on-windows/* ]] || continue
     strings -el "$file" | grep -A1 -x ProductVersion | grep -qx "$version" || die "$file does not tell its version"
+    strings -el "$file" | grep -qx CompanyName || die "$file does not tell its company"
   done <"$WORK/programs"
 
   (umask 077 && TZ=Asia/Tokyo package/make.sh "$out/one") && package/make.sh "$out/other"
+  (cd "$out/one" && sha256sum --quiet -c SHA256SUMS)
   for file in "$out/one/"*.*[pe]; do cmp "$file" "$out/other/$(basename "$file")"; done
 
   for file in "$content"/win*/*.{dll,exe}; do
@@ -45,6 +54,11 @@ content() {
   done | sort -u | grep -vxFf package/windows7.imports >"$WORK/new_imports" || true
   [[ ! -s $WORK/new_imports ]] ||
     die "not known to be in Windows 7 SP1; what is goes into package/windows7.imports: $(<"$WORK/new_imports")"
+  [[ ! -e $content/examples/native ]] || die "what is for Linux went into the release"
+  # Every library whose headers the Windows build is given.
+  for file in build/win32/include/*; do
+    grep -qi "$(basename "$file")" "$content/notices.txt" || die "notices.txt does not mention $file"
+  done
 }
 
 # ---- wine
@@ -71,10 +85,24 @@ snapshot() {
   done
 }
 
-# install CODE SWITCH...: Linux sees the last eight bits of the exit code.
+# What a new prefix lacks that every Windows has; then the registry as it is before anything is installed.
+first_steps() {
+  local bits key name
+  # The first script of all makes Wine's script host register itself.
+  for name in empty.vbs empty.js; do
+    echo >"$WORK/$name"
+    for bits in 32 64; do run_script "$bits" "$WORK/$name"; done
+  done
+  for key in Classes 'Microsoft\Windows\CurrentVersion\Uninstall'; do
+    in_wine "$(system_program 64 reg)" add "HKCU\\Software\\$key" /f >"$WORK/reg.log"
+  done
+  snapshot before
+}
+
+# install CODE SWITCH...: silently, unless `silent` is another switch. Linux sees the last eight bits of the exit code.
 install() {
   local status=0
-  in_wine "$(windows_path "$setup")" /S "${@:2}" >"$WORK/setup.log" 2>&1 || status=$?
+  in_wine "$(windows_path "$setup")" "${silent:-/S}" "${@:2}" >"$WORK/setup.log" 2>&1 || status=$?
   [[ $status == $(($1 & 255)) ]] || die "the installer (${*:2}) ended with $status instead of $1: $(<"$WORK/setup.log")"
 }
 
@@ -105,50 +133,34 @@ sell() {
   done
 }
 
-# A program that has a file open which the upgrade replaces. What merely runs does not lock its file under Wine.
-start_running() {
-  in_wine "$(windows_path "$content/emulator/mirvane-emulator.exe")" --udp 0 --quiet \
-    --paper 'C:\Program Files\MirvaneEFT\emulator\mirvane-emulator.exe' >"$WORK/running.log" 2>&1 &
-  running=$!
-  await grep -q ready "$WORK/running.log" || die "the emulator does not run: $(<"$WORK/running.log")"
-}
-
 same_as_archive() {
-  ! diff -r "$WORK/MirvaneEFT-$version" "$folder" | grep -vE '(uninstall.exe|records)$' || die "not what is in the archive"
+  local differences
+  differences=$(diff -r -x 'try-on-windows*' "$WORK/MirvaneEFT-$version" "$folder" |
+    grep -vE '(uninstall.exe|records|\.tmp\.old)$') || true
+  [[ ! $differences ]] || die "not what is in the archive: $differences"
 }
 
 wine() {
-  local folder="$WINEPREFIX/drive_c/Program Files/MirvaneEFT" bits
+  local folder="$disk/Program Files/MirvaneEFT" bits
   wine_lock_up
   rm -rf "$WINEPREFIX"
   wine_up
   unregistered 32
   unregistered 64
-  # The first script of all makes Wine's script host register itself.
-  echo >"$WORK/empty.vbs"
-  for bits in 32 64; do run_script "$bits" "$WORK/empty.vbs"; done
-  # Windows' own, which a new prefix lacks.
-  for key in Classes 'Microsoft\Windows\CurrentVersion\Uninstall'; do
-    in_wine "$(system_program 64 reg)" add "HKCU\\Software\\$key" /f >"$WORK/reg.log"
-  done
-  snapshot before
-
-  install 0 /RECORDS=1
+  first_steps
   unzip -qo "$content.zip" -d "$WORK"
+  wrong_switches
+  install 0 /RECORDS=1
   same_as_archive
+  in_the_menu
   sell
-  start_running
-  echo old >"$folder/index.html"
-  install 3010
-  kill "$running"
-  wait "$running" || true
-  sell
-  [[ $(find "$folder/emulator" -type f | wc -l) == 2 ]] || die "no new file waits for the next start"
-  wine_down
-  wine_up
-  same_as_archive
-  touch "$folder/journal"
+  refused_installations
+  other_folders
+  failures
+  files_in_use
   install 0
+  sell
+  touch "$folder/journal"
   mapfile -t records < <(cd "$folder" && find win32/records win64/records -name 'line-*')
   ((${#records[@]} >= 2)) || die "the sales left no records: ${records[*]}"
   uninstall "$folder" ./journal "${records[@]/#/./}"
@@ -157,7 +169,35 @@ wine() {
   snapshot installed
   grep -qiF 'till\\win64\\MirvaneEFT.dll' "$WORK/installed.HKCU" || die "it is not registered for the user"
   cmp "$WORK/before.HKLM" "$WORK/installed.HKLM" || die "it wrote for everybody"
-  uninstall "$WINEPREFIX/drive_c/till"
+  uninstall "$disk/till"
 }
 
-"$1"
+# ---- try_on_windows
+
+try_on_windows() {
+  local bits=$1 name="MirvaneEFT-$version" trial
+  wine_lock_up
+  rm -rf "$WINEPREFIX"
+  wine_up
+  first_steps
+  cp "$content.zip" "$setup" "$WORK"
+  (cd "$WORK" && unzip -qo "$name.zip" && find "$name" | sort >files.before)
+  wine_limit=1700 in_wine cmd /c "$(windows_path "$WORK/$name/try-on-windows.cmd")" /nopause "$bits" >"$WORK/printed" 2>&1 ||
+    die "$(report)"
+  for trial in 'mirvane-check --self-test' 'without registration' 'example receipt.vbs' 'program within guests' \
+    'example till.js, installed'; do
+    report | grep -q "^passed *$trial, $bits-bit" || die "not tried: $trial, $bits-bit: $(report)"
+  done
+  report | grep -q '^passed *upgrading while a program runs' || die "$(report)"
+  for trial in 'scripts in UTF-16' PowerShell 'C#'; do
+    report | grep -q "^not there *$trial" || die "it does not say that Wine lacks $trial: $(report)"
+  done
+  snapshot after
+  for hive in HKLM HKCU; do diff "$WORK/before.$hive" "$WORK/after.$hive" || die "it left keys in $hive"; done
+  [[ $(cd "$WORK" && find "$name" | sort | comm -13 files.before -) == "$name/try-on-windows.txt" ]] || die "it left files"
+  [[ ! -e $disk/bbox && ! $(find "$disk/users" -name 'try-on-windows*') ]] || die "it left files on the disk"
+}
+
+report() { iconv -f UTF-16 -t UTF-8 "$WORK/MirvaneEFT-$version/try-on-windows.txt" | tr -d '\r'; }
+
+"${1%.*}" "${1#*.}"
