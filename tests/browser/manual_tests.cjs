@@ -24,7 +24,7 @@ const cases = {
       const first = await page.locator('#search-results a').first().evaluate((link) => link.href);
       assert.equal(decodeURIComponent(first), decodeURIComponent(addressOf(where)), query);
       await page.goto(first);
-      assert.ok(await page.evaluate((id) => document.getElementById(id), where.split('#')[1]), where);
+      assert.ok(await page.evaluate((id) => document.getElementById(id) !== null, where.split('#')[1]), where);
     }
   },
   async everyPageFitsAPhoneAndSpeaksOfNothingOfOurs(page) {
