@@ -21,10 +21,10 @@ const cases = {
       await page.goto(addressOf(language === 'el' ? 'el/index.html' : 'sell.html'));
       await page.fill('.sidebar-search', query);
       await page.press('.sidebar-search', 'Enter');
-      const first = page.locator('#search-results a').first();
-      await first.click();
-      assert.equal(decodeURIComponent(page.url()), decodeURIComponent(addressOf(where)), query);
-      await page.locator(`section[id="${where.split('#')[1]}"]`).waitFor();
+      const first = await page.locator('#search-results a').first().evaluate((link) => link.href);
+      assert.equal(decodeURIComponent(first), decodeURIComponent(addressOf(where)), query);
+      await page.goto(first);
+      assert.ok(await page.evaluate((id) => document.getElementById(id) !== null, where.split('#')[1]), where);
     }
   },
   async everyPageFitsAPhoneAndSpeaksOfNothingOfOurs(page) {
@@ -42,7 +42,7 @@ const cases = {
     const dark = await background();
     await page.locator('.theme-toggle:visible').click();
     assert.notEqual(await background(), dark);
-    await page.locator('.sidebar-language a').click();
+    await page.goto(await page.locator('.sidebar-language a').evaluate((link) => link.href));
     assert.equal(await page.getAttribute('html', 'lang'), 'el');
     assert.equal(await page.locator('.door').count(), 3);
   },
