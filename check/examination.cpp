@@ -132,7 +132,8 @@ Outcome examine(const Examination& wanted) {
   const Outcome verdict = speaker.verdict(whatIsNotChecked(wanted, looksAtMachine));
   if (wanted.report.empty()) return verdict;
   const fs::path file = fs::absolute(pathOf(wanted.report));
-  const std::string holds = say(texts::kReportHolds);
+  std::string holds = say(texts::kReportHolds);
+  if constexpr (sizeof MIRVANE_CONTACT > 1) holds += "\n" + say(texts::kSendTo, {MIRVANE_CONTACT});
   std::string report = now() + "\n" + holds + "\n\n" + speaker.said();
   for (const fs::path& folder : folders) {
     report += newestRecords(folder / "records");

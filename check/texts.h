@@ -72,6 +72,7 @@ constexpr Phrase kReportHolds = {
     "καταγραφής. Εκεί τα μυστικά, όπως το κλειδί του διακομιστή της ΑΑΔΕ, είναι καλυμμένα.",
     "It holds what is shown here, the Windows version, the user's name, and the end of the newest records. Secrets in "
     "the records, such as the tax server's key, are masked."};
+constexpr Phrase kSendTo = {"Στείλτε την στο %1.", "Send it to %1."};
 constexpr Phrase kReportFailed = {"Η αναφορά δεν γράφεται: %1", "The report cannot be written: %1"};
 constexpr Phrase kNewestRecords = {"Αρχείο καταγραφής: %1", "Record: %1"};
 constexpr Phrase kPressKey = {"Πατήστε Enter για να κλείσει το παράθυρο.", "Press Enter to close this window."};
