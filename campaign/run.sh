@@ -1,0 +1,7 @@
+# ./run campaign
+
+campaign() {
+  setup emulator
+  build_preset native campaign
+  build/native/campaign/campaign . "$@"
+}

@@ -1,0 +1,7 @@
+# ./run emulator
+
+emulator() {
+  setup emulator
+  build_preset native mirvane-emulator
+  exec build/native/mirvane-emulator "$@"
+}
