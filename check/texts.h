@@ -238,8 +238,9 @@ constexpr Phrase kModel = {"Απαντά η ταμειακή %1, έκδοση %2
 constexpr Phrase kSerialNumber = {"Αριθμός μητρώου: %1.", "Serial number: %1."};
 constexpr Phrase kRefused = {"Η ταμειακή απαντά στο %1 με τον κωδικό %2: %3.",
                              "The register answers %1 with code %2: %3."};
-constexpr Phrase kMendCode = {"Διορθώστε ό,τι αναφέρει η ταμειακή. Για τους κωδικούς δείτε το manual\\result-codes.html.",
-                              "Fix what the register reports. For codes see manual\\result-codes.html."};
+constexpr Phrase kMendCode = {
+    "Διορθώστε ό,τι αναφέρει η ταμειακή. Για τους κωδικούς δείτε το manual\\result-codes.html.",
+    "Fix what the register reports. For codes see manual\\result-codes.html."};
 constexpr Phrase kExplained = {"%1 (%2)", "%1 (%2)"};
 constexpr Phrase kPaper = {"Ο εκτυπωτής έχει χαρτί και είναι έτοιμος.", "The printer has paper and is ready."};
 constexpr Phrase kPrinter = {"Ο εκτυπωτής δεν είναι έτοιμος: %1.", "The printer is not ready: %1."};
