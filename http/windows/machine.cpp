@@ -3,13 +3,13 @@
 #include <shellapi.h>  // which does not include the former itself
 // clang-format on
 
-#include "emulator/program/system.h"
+#include "http/machine.h"
 
 #include <cstdlib>
 
 #include "text/code_page.h"
 
-namespace mirvane::emulator {
+namespace mirvane {
 
 std::vector<std::string> commandLine(int /*count*/, char** /*arguments*/) {
   int count = 0;
@@ -41,4 +41,4 @@ void keepConsole() { std::system("pause"); }
 // Two programs could listen at one port then.
 bool mayReusePorts() { return false; }
 
-}  // namespace mirvane::emulator
+}  // namespace mirvane
