@@ -25,26 +25,29 @@ Worker::Worker(platform::Platform& machine, Store& store, Board& board, const Te
 void Worker::wake() { hasWork_ = true; }
 
 void Worker::run(const std::function<void(std::uint32_t)>& sleep) {
-  std::string trouble;
-  for (;;) {
-    try {
-      const bool hasWorked = step();
-      trouble.clear();
-      if (!hasWorked) sleep(kPatience);
-    } catch (const Stopped&) {
-      return;
-    } catch (const std::exception& error) {
-      // A store that cannot be written: nothing is sent that it does not know. What is in hand is taken up anew.
-      isReady_ = false;
-      if (trouble != error.what()) board_.log("trouble", {{"text", error.what()}});
-      trouble = error.what();
-      board_.change([&](Board::Facts& facts) { facts.held = trouble; });
-      sleep(kPatience);
+  try {
+    for (;;) {
+      if (!step()) sleep(kPatience);
     }
+  } catch (const Stopped&) {
+    board_.log("ended", {});
   }
 }
 
 bool Worker::step() {
+  try {
+    return work();
+  } catch (const std::exception& error) {
+    // A store that cannot be written: nothing is sent that it does not know. What is in hand is taken up anew.
+    isReady_ = false;
+    const std::string why = error.what();
+    if (board_.facts().held != why) board_.log("trouble", {{"text", why}});
+    board_.change([&](Board::Facts& facts) { facts.held = why; });
+    return false;
+  }
+}
+
+bool Worker::work() {
   if (!makeReady()) return false;
   std::optional<Job> job = store_.claim();
   const bool isPaused = job && job->state == State::kNeedsPayment && job->version == pausedAt_;

@@ -11,8 +11,7 @@ class Worker {
  public:
   Worker(platform::Platform& machine, Store& store, Board& board, const Text& port);
 
-  /// One job, or a look at the register when there is none. False when there was nothing to do. Throws Stopped,
-  /// StoreError.
+  /// One job, or a look at the register when there is none. False when nothing could be done. Throws Stopped.
   bool step();
   /// Does all that there is to do, until `stop`: `sleep` waits for a wish, or for so many milliseconds.
   void run(const std::function<void(std::uint32_t milliseconds)>& sleep);
@@ -24,6 +23,7 @@ class Worker {
   /// How far a receipt has come.
   struct Progress;
 
+  bool work();
   bool makeReady();
   bool isOlderThanRegister(const Picture& now);
   void hold(const Picture& now);

@@ -94,7 +94,6 @@ int serve(const Options& options) {
   worker.stop();
   alarm.ring();
   thread.join();
-  board.log("ended", {});
   return 0;
 }
 
