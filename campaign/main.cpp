@@ -13,7 +13,8 @@ constexpr const char* kUsage = R"(What a till is told against what the register 
   campaign SOURCES                 runs everything; writes the tables into docs/reliability.md and
                                    docs/after-a-failure.md below SOURCES, and what the share may find into
                                    campaign/accepted.txt. Fails when money goes wrong where the protocol could tell
-  campaign SOURCES service         runs the days of the service alone, and writes their table
+  campaign SOURCES service [N]     runs the days of the service alone, and writes their table; or one in N of them,
+                                   and names those that went wrong
   campaign SOURCES share           runs a share; fails for the same, and when it finds more than what is accepted
   campaign SOURCES find [ROW]      names the days of that row, or of all, in which something was found
   campaign SOURCES LINE WORD...    one day, call by call. LINE is 0 serial, 1 or 2 a network that acknowledges the
@@ -97,18 +98,29 @@ int runEverything(const Plan& plan, const std::string& sources) {
   return judge(plan, sums);
 }
 
-int runServiceAlone(Plan plan, const std::string& sources) {
+/// One in `share` of the days.
+int runServiceAlone(Plan plan, const std::string& sources, std::size_t share) {
   std::erase_if(plan.runs, [&](const Run& run) { return plan.rows[run.row].group != Row::Group::kService; });
-  const Sums sums = sumsOf(plan, runPlan(plan), false);
+  std::size_t number = 0;
+  std::erase_if(plan.runs, [&](const Run&) { return number++ % share != 0; });
+  const std::vector<Tally> tallies = runPlan(plan);
+  for (std::size_t i = 0; share > 1 && i < plan.runs.size(); ++i) {
+    if (tallies[i][kWrong] + tallies[i][kBookedTwice] + tallies[i][kChargedTwice] > 0) {
+      std::cout << plan.runs[i].text() << ": " << findings(tallies[i]) << "\n";
+    }
+  }
+  const Sums sums = sumsOf(plan, tallies, false);
   const std::string service = tables(plan, sums, Row::Group::kService, Row::Group::kService);
   std::cout << service;
-  writeInto(sources + "/docs/reliability.md", service, " service");
+  if (share == 1) writeInto(sources + "/docs/reliability.md", service, " service");
   return judge(plan, sums);
 }
 
 int find(Plan plan, const std::string& row) {
-  std::erase_if(plan.runs, [&](const Run& run) { const bool isService = plan.rows[run.row].group == Row::Group::kService;
-    return !row.empty() && (isService ? "service " : "") + plan.rows[run.row].name != row; });
+  std::erase_if(plan.runs, [&](const Run& run) {
+    const bool isService = plan.rows[run.row].group == Row::Group::kService;
+    return !row.empty() && (isService ? "service " : "") + plan.rows[run.row].name != row;
+  });
   const std::vector<Tally> tallies = runPlan(plan);
   for (std::size_t i = 0; i < plan.runs.size(); ++i) {
     const std::string found = findings(tallies[i]);
@@ -126,7 +138,9 @@ int runOne(const Run& run) {
 int run(const std::vector<std::string>& arguments) {
   if (arguments.size() == 1) return runEverything(makePlan(), arguments[0]);
   if (arguments[1] == "share") return runShare(makePlan(), arguments[0] + kAccepted);
-  if (arguments[1] == "service") return runServiceAlone(makePlan(), arguments[0]);
+  if (arguments[1] == "service") {
+    return runServiceAlone(makePlan(), arguments[0], arguments.size() > 2 ? std::stoul(arguments[2]) : 1);
+  }
   if (arguments[1] == "find") return find(makePlan(), arguments.size() > 2 ? arguments[2] : "");
   return runOne({0, kLines[std::stoul(arguments[1])], {arguments.begin() + 2, arguments.end()}});
 }

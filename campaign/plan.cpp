@@ -21,9 +21,8 @@ constexpr std::size_t kServiceWork = static_cast<std::size_t>(Work::kSaved) + kS
 constexpr std::uint32_t kShare = 48;
 
 // In the order of their enumerations.
-const std::string kWorks[] = {"day",     "cards",   "sales",   "saved-1", "saved-2",
-                              "saved-3", "saved-4", "saved-5", "saved-6",
-                              "service-1", "service-2", "service-3", "service-4"};
+const std::string kWorks[] = {"day",     "cards",   "sales",     "saved-1",   "saved-2",   "saved-3",  "saved-4",
+                              "saved-5", "saved-6", "service-1", "service-2", "service-3", "service-4"};
 const std::string kStrangers[] = {"", "other-register", "loop-plug", "scale"};
 const std::string kWithins[] = {"", "calls", "calls-with-same", "connects-again", "lets-go"};
 

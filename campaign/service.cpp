@@ -84,9 +84,12 @@ std::string sale(const std::string& id, const std::string& price, const std::str
 }
 
 const ServiceScenario& serviceScenarioAt(std::size_t number) {
-  const std::string kTwoAndOne = sale("R1", "2.5") + "," + sale("R1", "2.5") + "," + sale("R1", "2.5", R"(,"type":"void")");
+  const std::string kTwoAndOne =
+      sale("R1", "2.5") + "," + sale("R1", "2.5") + "," + sale("R1", "2.5", R"(,"type":"void")");
   static const ServiceScenario kAll[kServiceScenarios] = {
-      {{receipt("R1", kTwoAndOne + R"(,{"type":"discount","amount":0.5,"on":"subtotal"},{"type":"comment","text":"ΕΥΧΑΡΙΣΤΟΥΜΕ"})",
+      {{receipt("R1",
+                kTwoAndOne +
+                    R"(,{"type":"discount","amount":0.5,"on":"subtotal"},{"type":"comment","text":"ΕΥΧΑΡΙΣΤΟΥΜΕ"})",
                 R"({"type":"cash","amount":5})"),
         receipt("R2", sale("R2", "5"), R"({"type":"card","amount":3,"terminal":1},{"type":"cash"})"),
         {"PUT", "/v1/cash/C1", R"({"direction":"in","amount":20})", "C1"}}},
