@@ -105,7 +105,7 @@ int runServiceAlone(Plan plan, const std::string& sources, std::size_t share) {
   std::erase_if(plan.runs, [&](const Run&) { return number++ % share != 0; });
   const std::vector<Tally> tallies = runPlan(plan);
   for (std::size_t i = 0; share > 1 && i < plan.runs.size(); ++i) {
-    if (tallies[i][kWrong] + tallies[i][kBookedTwice] + tallies[i][kChargedTwice] > 0) {
+    if (!findings(tallies[i]).empty()) {
       std::cout << plan.runs[i].text() << ": " << findings(tallies[i]) << "\n";
     }
   }

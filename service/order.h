@@ -70,6 +70,7 @@ struct Abilities {
   std::vector<double> vatRates;
   std::vector<std::int16_t> terminals;
   bool isKnown() const { return !vatRates.empty(); }
+  bool operator==(const Abilities&) const = default;
 };
 
 /// Everything that is wrong with what was asked, each with its place.

@@ -206,33 +206,44 @@ bool Register::measured(const std::function<bool()>& call) {
 
 bool Register::connect() {
   constexpr std::int16_t kNotOpen = -6;
-  if (isConnected_ && result() != kNotOpen && result() != 100) return true;
-  Text number;
-  isConnected_ = call("Connect_", Text(port_)) && call("getSerialNumber", number) && isCertain();
+  constexpr std::int16_t kNoDevice = 100;
+  if (isConnected_ && result() != kNotOpen && result() != kNoDevice) return true;
+  isConnected_ = false;
+  if (!call("Connect_", Text(port_))) return false;
+  std::optional<Nature> before;
+  for (int i = 0; i < kLooks && !isConnected_; ++i) {
+    std::optional<Nature> now = readNature();
+    if (!now && result() < 0) return false;
+    isConnected_ = now && now == before;
+    before = std::move(now);
+  }
   if (!isConnected_) return false;
-  serialNumber_ = toUtf8(number);
-  readAbilities();
-  board_.change([this](Board::Facts& facts) {
+  serialNumber_ = before->serialNumber;
+  board_.change([&](Board::Facts& facts) {
     facts.isConnected = true;
     facts.serialNumber = serialNumber_;
+    facts.abilities = before->abilities;
   });
   board_.log("connected", {{"serialNumber", serialNumber_}});
   return true;
 }
 
-void Register::readAbilities() {
+std::optional<Register::Nature> Register::readNature() {
   constexpr std::int16_t kMostTerminals = 5;
-  Abilities abilities;
+  Nature nature;
+  Text number;
+  if (!call("getSerialNumber", number) || !isCertain()) return std::nullopt;
+  nature.serialNumber = toUtf8(number);
   double rates[5] = {};
-  if (call("getVatCategories", rates[0], rates[1], rates[2], rates[3], rates[4]) && isCertain()) {
-    abilities.vatRates.assign(std::begin(rates), std::end(rates));
-  }
+  if (!call("getVatCategories", rates[0], rates[1], rates[2], rates[3], rates[4])) return std::nullopt;
+  nature.abilities.vatRates.assign(std::begin(rates), std::end(rates));
   for (std::int16_t i = 1; i <= kMostTerminals; ++i) {
     const auto terminal = std::make_shared<clsEFT>();
     terminal->eftId = i;
-    if (call("eftRead", *terminal) && terminal->eftEnabled != 0) abilities.terminals.push_back(i);
+    if (call("eftRead", *terminal) && terminal->eftEnabled != 0) nature.abilities.terminals.push_back(i);
+    if (result() < 0) return std::nullopt;
   }
-  board_.change([&](Board::Facts& facts) { facts.abilities = abilities; });
+  return nature;
 }
 
 bool Register::ring(const Line& line) {

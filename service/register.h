@@ -86,7 +86,13 @@ class Register {
   class StoppableClock;
 
   bool measured(const std::function<bool()>& call);
-  void readAbilities();
+  /// What does not change while it is connected; believed when it comes twice, too.
+  struct Nature {
+    std::string serialNumber;
+    Abilities abilities;
+    bool operator==(const Nature&) const = default;
+  };
+  std::optional<Nature> readNature();
 
   platform::Platform& machine_;
   Board& board_;

@@ -15,7 +15,7 @@ using campaign::LineKind;
 using campaign::Machine;
 using emulator::Code;
 using emulator::Document;
-using testing::ElementsAre;
+using testing::Each;
 using testing::HasSubstr;
 
 const std::string kCoffee = R"("lines":[{"description":"ΚΑΦΕΣ","price":2.5,"vat":24}])";
@@ -198,7 +198,8 @@ TEST_F(Service, PaperIsWaitedForInTheMiddleOfAReceipt) {
     if (event == std::string("waiting")) waits.push_back(textOf(members, "on"));
   };
   EXPECT_EQ(stateAfter("receipts/a", twice), "committed");
-  EXPECT_THAT(waits, ElementsAre("paper"));
+  EXPECT_THAT(waits, Each(std::string("paper")));
+  EXPECT_FALSE(waits.empty());
   EXPECT_EQ(receiptsSold(), 1);
 }
 
