@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "protocol/command.h"
 #include "protocol/reply.h"
 #include "records/cls_daily_acc.h"
 #include "records/cls_eft.h"
@@ -44,34 +45,6 @@ Wait waitOf(std::int16_t code, const Text& text) {
 
 // ---- What the component finds around it
 
-/// Everything that waits looks at it.
-class Register::StoppableClock : public platform::Clock {
- public:
-  StoppableClock(platform::Clock& below, const std::atomic<bool>& isStopped) : below_(below), isStopped_(isStopped) {}
-
-  double secondsSinceMidnight() override { return below_.secondsSinceMidnight(); }
-  double elapsed() override {
-    if (isStopped_) throw Stopped();
-    return below_.elapsed();
-  }
-  platform::LocalTime localTime() override { return below_.localTime(); }
-  std::int64_t sinceEpoch() override { return below_.sinceEpoch(); }
-  int zoneAt(std::int64_t moment) override { return below_.zoneAt(moment); }
-  void sleep(std::uint32_t milliseconds) override {
-    constexpr std::uint32_t kStep = 100;
-    for (; milliseconds > kStep; milliseconds -= kStep) {
-      if (isStopped_) throw Stopped();
-      below_.sleep(kStep);
-    }
-    below_.sleep(milliseconds);
-    if (isStopped_) throw Stopped();
-  }
-
- private:
-  platform::Clock& below_;
-  const std::atomic<bool>& isStopped_;
-};
-
 /// Has no one in front of it: what it would show goes to the board, and boxes close by themselves.
 class Register::Screen : public platform::Screen {
  public:
@@ -80,7 +53,7 @@ class Register::Screen : public platform::Screen {
   void messageBox(TextView, std::uint32_t, TextView) override {}
   void waitWhile(const platform::WaitText& text, const std::function<bool(platform::WaitView&)>& tick) override {
     View view(whose_, text);
-    do whose_.clock_->sleep(1000);
+    do whose_.pass(1000);
     while (tick(view));
   }
   std::unique_ptr<platform::WaitView> showWait(const platform::WaitText& text) override {
@@ -178,8 +151,7 @@ Register::Register(platform::Platform& machine, Board& board, Text port,
       port_(std::move(port)),
       screen_(std::make_unique<Screen>(*this)),
       files_(std::make_unique<Files>(machine.files, std::move(keepFile))),
-      clock_(std::make_unique<StoppableClock>(machine.clock, isStopped_)),
-      platform_{machine.serial, machine.sockets, *clock_, *screen_, *files_},
+      platform_{machine.serial, machine.sockets, machine.clock, *screen_, *files_},
       component_(platform_) {
   // Only then a window tells that a serial device is silent; nobody has to close the boxes.
   till_.SupressError_ = false;
@@ -267,6 +239,17 @@ bool Register::ring(const Line& line) {
   });
 }
 
+bool Register::pay(const Payment& payment, Cents amount, bool isLast) {
+  constexpr std::size_t kText = 30;
+  if (payment.terminal > 0) {
+    return call("Payment", payment.number(), payment.description, euros(amount), payment.terminal, std::int16_t{0});
+  }
+  // Nothing has to be asked in between: what remains is known.
+  Command command(u"5/");
+  command.integer(payment.number()).text(payment.description, kText).empty().amount(euros(amount)).empty().empty();
+  return send(command) && (!isLast || (isCertain() && send(u"O/1/")));
+}
+
 bool Register::isCertain() const { return result() == 0 && hasStatus(till_.Exresult); }
 
 bool Register::isDocumentOpen() {
@@ -345,7 +328,7 @@ void Register::waitAWhile() {
   pass(1000);
 }
 
-void Register::pass(std::uint32_t milliseconds) { clock_->sleep(milliseconds); }
+void Register::pass(std::uint32_t milliseconds) { machine_.clock.sleep(milliseconds); }
 
 void Register::waitFor(Wait wait) {
   if (board_.facts().wait == wait) return;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <functional>
 #include <optional>
 
@@ -9,10 +8,6 @@
 #include "service/board.h"
 
 namespace mirvane::service {
-
-/// Thrown out of whatever is under way when the program is to end. No exception that the component knows. What was
-/// under way is found out at the next start.
-struct Stopped {};
 
 /// The register as it stands. Two in a row that are equal are believed.
 struct Picture {
@@ -52,6 +47,8 @@ class Register {
   bool send(TextView command) { return call("SendCommand_", Text(command)); }
   /// Sells, voids, refunds, adjusts or prints.
   bool ring(const Line& line);
+  /// Pays, and closes the receipt when that `isLast`.
+  bool pay(const Payment& payment, Cents amount, bool isLast);
 
   /// Of the last call.
   std::int16_t result() const { return till_.Result; }
@@ -76,14 +73,11 @@ class Register {
   /// What the worker waits for, which is not the last call's.
   void waitFor(Wait wait);
   void goOn();
-  /// From any thread.
-  void stop() { isStopped_ = true; }
   platform::Clock& clock() { return machine_.clock; }
 
  private:
   class Screen;
   class Files;
-  class StoppableClock;
 
   bool measured(const std::function<bool()>& call);
   /// What does not change while it is connected; believed when it comes twice, too.
@@ -99,10 +93,8 @@ class Register {
   const Text port_;
   std::string serialNumber_;
   bool isConnected_ = false;
-  std::atomic<bool> isStopped_ = false;
   std::unique_ptr<Screen> screen_;
   std::unique_ptr<Files> files_;
-  std::unique_ptr<StoppableClock> clock_;
   platform::Platform platform_;
   embedding::Component component_;
   embedding::Till till_;

@@ -25,12 +25,8 @@ Worker::Worker(platform::Platform& machine, Store& store, Board& board, const Te
 void Worker::wake() { hasWork_ = true; }
 
 void Worker::run(const std::function<void(std::uint32_t)>& sleep) {
-  try {
-    for (;;) {
-      if (!step()) sleep(kPatience);
-    }
-  } catch (const Stopped&) {
-    board_.log("ended", {});
+  while (!isStopped_) {
+    if (!step() && !isStopped_) sleep(kPatience);
   }
 }
 

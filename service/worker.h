@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+
 #include "service/register.h"
 #include "service/store.h"
 
@@ -11,13 +13,14 @@ class Worker {
  public:
   Worker(platform::Platform& machine, Store& store, Board& board, const Text& port);
 
-  /// One job, or a look at the register when there is none. False when nothing could be done. Throws Stopped.
+  /// One job, or a look at the register when there is none. False when nothing could be done.
   bool step();
-  /// Does all that there is to do, until `stop`: `sleep` waits for a wish, or for so many milliseconds.
+  /// Does all that there is to do, until `stop`, which lets the job at hand come to its end: `sleep` waits for a wish,
+  /// or for so many milliseconds.
   void run(const std::function<void(std::uint32_t milliseconds)>& sleep);
   /// There is something to do: from any thread, as `stop`.
   void wake();
-  void stop() { register_.stop(); }
+  void stop() { isStopped_ = true; }
 
  private:
   /// How far a receipt has come.
@@ -71,7 +74,7 @@ class Worker {
   /// The version of a job that waits for its caller.
   std::int64_t pausedAt_ = 0;
   bool isReady_ = false;
-  std::atomic<bool> hasWork_ = false;
+  std::atomic<bool> hasWork_ = false, isStopped_ = false;
   double nextLook_ = 0;
 };
 

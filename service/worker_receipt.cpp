@@ -163,8 +163,7 @@ void Worker::pay(Job& job, const Receipt& receipt, Progress& progress) {
   progress.phase = Phase::kPaying;
   save(job, progress.json());
   known_.reset();
-  const bool isDone = register_.call("Payment", payment.number(), payment.description, euros(amount), payment.terminal,
-                                     std::int16_t{0});
+  const bool isDone = register_.pay(payment, amount, amount >= due);
   // The usual case: all is paid, and the register's last word is that nothing is open any more.
   if (isDone && register_.isCertain() && amount >= due && !register_.isDocumentOpen()) {
     progress.tenders.push_back(Json{{"type", payment.type}, {"amount", euros(amount)}});

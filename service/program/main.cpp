@@ -3,6 +3,7 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <condition_variable>
+#include <future>
 #include <iostream>
 #include <thread>
 
@@ -21,6 +22,9 @@ namespace {
 constexpr const char* kAbout =
     "Receipts over HTTP, each exactly once, at one cash register. Without options it drives the register at\n"
     "127.0.0.1:9100 and is asked at http://127.0.0.1:8200/.";
+
+/// For the job at hand to come to its end.
+constexpr std::chrono::seconds kFarewell{10};
 
 struct Options {
   std::string port = "127.0.0.1:9100", web = "8200", store = "mirvane-service.db", name;
@@ -88,13 +92,21 @@ int serve(const Options& options) {
     return answer;
   });
   board.onChange = [&] { boost::asio::post(loop, [&server] { server.changed(); }); };
-  std::thread thread([&] { worker.run([&alarm](std::uint32_t milliseconds) { alarm.sleep(milliseconds); }); });
+  std::promise<void> end;
+  std::thread thread([&] {
+    worker.run([&alarm](std::uint32_t milliseconds) { alarm.sleep(milliseconds); });
+    end.set_value();
+  });
   board.log("ready", {{"web", server.url()}, {"register", options.port}});
   loop.run();
   worker.stop();
   alarm.ring();
-  thread.join();
-  return 0;
+  const bool isOver = end.get_future().wait_for(kFarewell) == std::future_status::ready;
+  board.log("ended", {{"job", isOver ? "" : board.facts().job}});
+  if (isOver) return thread.join(), 0;
+  // It waits for somebody. As after a crash, the next start finds out what became of it.
+  console.~Console();
+  std::_Exit(0);
 }
 
 int run(std::vector<std::string> arguments) {
