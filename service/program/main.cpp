@@ -64,11 +64,11 @@ int serve(const Options& options) {
     throw std::invalid_argument("--web " + options.web + " is for others too: make a token first, with token add NAME");
   }
   platform::Platform& machine = platform::hostPlatform();
-  Console console;
+  auto console = std::make_unique<Console>();
   Board board;
   board.log = [&](const char* event, const Json& members) {
     Json line{{"time", timeText(machine.clock.sinceEpoch())}, {"event", event}};
-    console.write(line.update(members).dump(false) + "\n");
+    console->write(line.update(members).dump(false) + "\n");
   };
   SqliteStore store(options.store);
   boost::asio::io_context loop(1);
@@ -105,7 +105,7 @@ int serve(const Options& options) {
   board.log("ended", {{"job", isOver ? "" : board.facts().job}});
   if (isOver) return thread.join(), 0;
   // It waits for somebody. As after a crash, the next start finds out what became of it.
-  console.~Console();
+  console = nullptr;
   std::_Exit(0);
 }
 
