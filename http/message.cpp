@@ -110,18 +110,18 @@ void refuseTrespass(const Request& request, const std::vector<std::string>& host
   if (field.empty() || toUtf8(fromUtf8(field)) != field) throw Refusal(400, "a host name is expected", "header/host");
   if (!isAllowed(hostOf(field), hosts)) throw Refusal(403, "not under the host name \"" + field + "\"", "header/host");
   const std::string origin = small(request.header("origin"));
-  const bool isOurs = request.headers.count("origin") == 0 || origin == "http://" + small(field);
+  const bool isOurs = !request.headers.contains("origin") || origin == "http://" + small(field);
   const bool isListed = std::any_of(origins.begin(), origins.end(), [&](auto& name) { return small(name) == origin; });
   if (!isOurs && !isListed) throw Refusal(403, "not for pages from elsewhere", "header/origin");
 }
 
 bool isPreflight(const Request& request) {
-  return request.method == "OPTIONS" && request.headers.count("origin") > 0 &&
-         request.headers.count("access-control-request-method") > 0;
+  return request.method == "OPTIONS" && request.headers.contains("origin") &&
+         request.headers.contains("access-control-request-method");
 }
 
 void allowOrigin(const Request& request, Answer& answer) {
-  if (request.headers.count("origin") == 0) return;
+  if (!request.headers.contains("origin")) return;
   answer.headers.emplace_back("Access-Control-Allow-Origin", request.header("origin"));
   answer.headers.emplace_back("Vary", "Origin");
   if (!isPreflight(request)) return;

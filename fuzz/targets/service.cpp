@@ -15,7 +15,10 @@ class Shop {
   void ask(const std::string& line) {
     const std::size_t path = std::min(line.find(' '), line.size());
     const std::size_t body = std::min(line.find(' ', path + 1), line.size());
-    http::Request request{line.substr(0, path), line.substr(std::min(path + 1, body), body - path - (path < body)), {}, {},
+    http::Request request{line.substr(0, path),
+                          line.substr(std::min(path + 1, body), body - path - (path < body)),
+                          {},
+                          {},
                           line.substr(std::min(body + 1, line.size()))};
     const http::Answer answer = interface_.answer(request);
     require(answer.status >= 200 && answer.status < 504 && answer.status != 500, "every request has an answer");
