@@ -45,7 +45,7 @@ class Members {
     return bytes ? checked(*bytes, name, longest, isNeeded) : (fault(name, "a text is expected"), Text());
   }
   Text checked(const std::string& bytes, const std::string& name, std::size_t longest, bool isNeeded) {
-    const Text text = fromUtf8(bytes);
+    Text text = fromUtf8(bytes);
     bool isReplaced = false;
     toCodePage(text, &isReplaced);
     const bool hasControls = std::ranges::any_of(text, [](char16_t c) { return c < u' '; });

@@ -201,7 +201,7 @@ int SqliteStore::unfinished() {
 std::string SqliteStore::recall(const std::string& name) {
   const std::lock_guard lock(mutex_);
   Statement& row = prepared("SELECT value FROM memory WHERE name = ?").with(name);
-  const std::string value = row.step() ? row.bytes(0) : "";
+  std::string value = row.step() ? row.bytes(0) : "";
   row.with();
   return value;
 }
