@@ -134,6 +134,7 @@ SqliteStore::~SqliteStore() = default;
 
 bool SqliteStore::add(Job& job) {
   const std::lock_guard lock(mutex_);
+  waitForDisk(true);
   Statement& statement = prepared(
       "INSERT INTO jobs (id, kind, state, content, progress, result, created, changed, version)"
       " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?) ON CONFLICT (id) DO NOTHING");
@@ -159,6 +160,9 @@ std::optional<Job> SqliteStore::claim() {
 
 bool SqliteStore::save(Job& job, const std::string& seen) {
   const std::lock_guard lock(mutex_);
+  // A power cut may take it back to what was announced before, and the register then tells it again.
+  const bool isTold = job.state == State::kCommitted && !seen.empty();
+  waitForDisk(!isTold);
   Transaction transaction(*this);
   prepared("UPDATE jobs SET state = ?, progress = ?, result = ?, changed = ?, version = ? WHERE id = ? AND version = ?")
       .with(static_cast<std::int64_t>(job.state), job.progress, job.result, job.changed, version_ + 1, job.id,
@@ -208,11 +212,13 @@ std::string SqliteStore::recall(const std::string& name) {
 
 void SqliteStore::remember(const std::string& name, const std::string& value) {
   const std::lock_guard lock(mutex_);
+  waitForDisk(true);
   prepared("INSERT OR REPLACE INTO memory VALUES (?, ?)").with(name, value).step();
 }
 
 void SqliteStore::keepFile(const std::string& job, const std::string& name, const std::string& bytes) {
   const std::lock_guard lock(mutex_);
+  waitForDisk(true);
   prepared("INSERT OR REPLACE INTO files VALUES (?, ?, ?)").with(job, name, bytes).step();
 }
 
@@ -232,6 +238,11 @@ std::optional<std::string> SqliteStore::file(const std::string& job, const std::
   if (row.step()) bytes = row.bytes(0);
   row.with();
   return bytes;
+}
+
+void SqliteStore::waitForDisk(bool waits) {
+  if (std::exchange(waitsForDisk_, waits) == waits) return;
+  run(waits ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
 }
 
 void SqliteStore::run(const char* sql) {

@@ -34,6 +34,8 @@ class SqliteStore : public Store {
   class Statement;
   class Transaction;
 
+  /// Whether the next commit does.
+  void waitForDisk(bool waits);
   void run(const char* sql);
   /// Kept from its first use on.
   Statement& prepared(const char* sql);
@@ -48,6 +50,7 @@ class SqliteStore : public Store {
   std::unique_ptr<sqlite3, Closer> database_;
   std::vector<std::unique_ptr<Statement>> statements_;
   std::int64_t version_ = 0;
+  bool waitsForDisk_ = true;
 };
 
 }  // namespace mirvane::service

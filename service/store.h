@@ -37,7 +37,7 @@ struct StoreError : std::runtime_error {
 };
 
 /// Where everything is kept that must outlive the program. What a call has written is on the disk when it returns, as a
-/// whole or not at all. Any thread may call. Everything throws StoreError.
+/// whole or not at all, but for what `save` says. Any thread may call. Everything throws StoreError.
 class Store {
  public:
   virtual ~Store() = default;
@@ -49,7 +49,8 @@ class Store {
   /// then on.
   virtual std::optional<Job> claim() = 0;
   /// Writes what is new of a job unless somebody else has changed it since it was read: false, and nothing is written.
-  /// `seen`, unless it is empty, is remembered with it as "seen".
+  /// `seen`, unless it is empty, is remembered with it as "seen"; of a committed job this is the one write that need
+  /// not wait for the disk.
   virtual bool save(Job& job, const std::string& seen = {}) = 0;
 
   struct Page {
