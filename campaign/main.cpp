@@ -13,15 +13,19 @@ constexpr const char* kUsage = R"(Compares what a till is told with what the reg
   campaign SOURCES                 runs everything, about five minutes; writes the tables into docs/reliability.md
                                    and docs/after-a-failure.md below SOURCES, and what the share may find into
                                    campaign/accepted.txt. Fails if money goes wrong beyond the protocol's limits
+  campaign SOURCES service [N]     runs the days of the service alone and writes their table; or one in N of them, and
+                                   lists those that went wrong
   campaign SOURCES share           runs a share; also fails if it finds more than what is accepted
   campaign SOURCES find [ROW]      lists the days of that row, or of all rows, in which something was found
   campaign SOURCES LINE WORD...    one day, call by call. LINE is 0 serial, 1 or 2 a network that acknowledges the
                                    frame or the ENQ. A WORD is:
     day, cards, sales, saved-1 … saved-6                     what the till does: a day, declined cards and equal lines,
                                                              a thousand sales, a till that saves what it does
+    service-1 … service-4                                    what callers have the service do
     other-register, loop-plug, scale                         which device is on the serial line when it comes back
     calls, calls-with-same, connects-again, lets-go          what the program does within its calls
-    "killed after N"                                         of saved-1 … saved-6: the program ends at that moment
+    "killed after N"                                         of saved-… and service-…: the program ends at that moment
+    "store fails after N"                                    of service-…: five writes do not reach the disk
     "seed N"                                                 seed for the rules with a rate
     anything else                                            a rule of the emulator: "after 3 till-ack lost"
 )";
@@ -62,8 +66,8 @@ std::string contentsOf(const std::string& path) {
 }
 
 /// Puts `text` between the page's marks.
-void writeInto(const std::string& path, const std::string& text) {
-  constexpr std::string_view kBegin = "<!-- written by ./run campaign -->\n";
+void writeInto(const std::string& path, const std::string& text, const std::string& words = {}) {
+  const std::string kBegin = "<!-- written by ./run campaign" + words + " -->\n";
   constexpr std::string_view kEnd = "<!-- end -->";
   std::string page = contentsOf(path);
   const std::size_t begin = page.find(kBegin) + kBegin.size();
@@ -84,16 +88,39 @@ int runEverything(const Plan& plan, const std::string& sources) {
   const std::vector<Tally> tallies = runPlan(plan);
   const Sums sums = sumsOf(plan, tallies, false);
   const std::string days = tables(plan, sums, Row::Group::kOnce, Row::Group::kWithin);
+  const std::string service = tables(plan, sums, Row::Group::kService, Row::Group::kService);
   const std::string answers = tables(plan, sums, Row::Group::kAnswers, Row::Group::kAnswers);
-  std::cout << days << answers;
+  std::cout << days << service << answers;
   writeInto(sources + "/docs/reliability.md", days);
+  writeInto(sources + "/docs/reliability.md", service, " service");
   writeInto(sources + "/docs/after-a-failure.md", answers);
   std::ofstream(sources + kAccepted) << accepted(plan, sumsOf(plan, tallies, true));
   return judge(plan, sums);
 }
 
+/// One in `share` of the days.
+int runServiceAlone(Plan plan, const std::string& sources, std::size_t share) {
+  std::erase_if(plan.runs, [&](const Run& run) { return plan.rows[run.row].group != Row::Group::kService; });
+  std::size_t number = 0;
+  std::erase_if(plan.runs, [&](const Run&) { return number++ % share != 0; });
+  const std::vector<Tally> tallies = runPlan(plan);
+  for (std::size_t i = 0; share > 1 && i < plan.runs.size(); ++i) {
+    if (!findings(tallies[i]).empty()) {
+      std::cout << plan.runs[i].text() << ": " << findings(tallies[i]) << "\n";
+    }
+  }
+  const Sums sums = sumsOf(plan, tallies, false);
+  const std::string service = tables(plan, sums, Row::Group::kService, Row::Group::kService);
+  std::cout << service;
+  if (share == 1) writeInto(sources + "/docs/reliability.md", service, " service");
+  return judge(plan, sums);
+}
+
 int find(Plan plan, const std::string& row) {
-  std::erase_if(plan.runs, [&](const Run& run) { return !row.empty() && plan.rows[run.row].name != row; });
+  std::erase_if(plan.runs, [&](const Run& run) {
+    const bool isService = plan.rows[run.row].group == Row::Group::kService;
+    return !row.empty() && (isService ? "service " : "") + plan.rows[run.row].name != row;
+  });
   const std::vector<Tally> tallies = runPlan(plan);
   for (std::size_t i = 0; i < plan.runs.size(); ++i) {
     const std::string found = findings(tallies[i]);
@@ -111,6 +138,9 @@ int runOne(const Run& run) {
 int run(const std::vector<std::string>& arguments) {
   if (arguments.size() == 1) return runEverything(makePlan(), arguments[0]);
   if (arguments[1] == "share") return runShare(makePlan(), arguments[0] + kAccepted);
+  if (arguments[1] == "service") {
+    return runServiceAlone(makePlan(), arguments[0], arguments.size() > 2 ? std::stoul(arguments[2]) : 1);
+  }
   if (arguments[1] == "find") return find(makePlan(), arguments.size() > 2 ? arguments[2] : "");
   return runOne({0, kLines[std::stoul(arguments[1])], {arguments.begin() + 2, arguments.end()}});
 }

@@ -5,6 +5,7 @@
 
 #include "campaign/kills.h"
 #include "campaign/limits.h"
+#include "campaign/service.h"
 #include "campaign/within.h"
 
 namespace mirvane::campaign {
@@ -13,12 +14,15 @@ namespace {
 using Group = Row::Group;
 using Texts = std::vector<std::string>;
 
+/// Where the service's scenarios stand among what is done.
+constexpr std::size_t kServiceWork = static_cast<std::size_t>(Work::kSaved) + kScenarios;
+
 /// One of so many runs is in the share.
 constexpr std::uint32_t kShare = 48;
 
 // In the order of their enumerations.
-const std::string kWorks[] = {"day",     "cards",   "sales",   "saved-1", "saved-2",
-                              "saved-3", "saved-4", "saved-5", "saved-6"};
+const std::string kWorks[] = {"day",     "cards",   "sales",     "saved-1",   "saved-2",   "saved-3",  "saved-4",
+                              "saved-5", "saved-6", "service-1", "service-2", "service-3", "service-4"};
 const std::string kStrangers[] = {"", "other-register", "loop-plug", "scale"};
 const std::string kWithins[] = {"", "calls", "calls-with-same", "connects-again", "lets-go"};
 
@@ -110,6 +114,7 @@ class Planner {
       }
       planRates(line);
       for (std::size_t scenario = 0; scenario < kScenarios; ++scenario) planKills(line, scenario);
+      for (std::size_t scenario = 0; scenario < kServiceScenarios; ++scenario) planService(line, scenario);
     }
     return std::move(plan_);
   }
@@ -182,6 +187,27 @@ class Planner {
     }
   }
 
+  void planService(LineKind line, std::size_t scenario) {
+    const std::string& work = kWorks[kServiceWork + scenario];
+    const Moments moments = countServiceMoments(line, scenario);
+    const auto killed = [](long moment) { return "killed after " + std::to_string(moment); };
+    for (long moment = 0; moment < moments.selling; ++moment) {
+      add(Group::kService, "killed", line, {work, killed(moment)});
+      add(Group::kService, "killed twice", line, {work, killed(moment), killed(moment * 7 % moments.later)});
+    }
+    for (long write = 0; write < countServiceWrites(line, scenario); ++write) {
+      add(Group::kService, "disk full", line, {work, "store fails after " + std::to_string(write)});
+    }
+    for (const std::string& fault : faults()) {
+      const std::string limit = limitOf(fault, "", line);
+      for (std::size_t at = 0; at < moments.commands; ++at) {
+        for (const std::string& variation : variationsOf(fault)) {
+          add(Group::kService, limit.empty() ? "every other fault" : limit, line, {work, after(at, variation)});
+        }
+      }
+    }
+  }
+
   void add(Group group, const std::string& name, LineKind line, Texts words) {
     const auto [found, isNew] = rows_.try_emplace({group, name}, plan_.rows.size());
     if (isNew) plan_.rows.push_back({group, name});
@@ -224,8 +250,10 @@ Tally Run::run(const Log& log) const {
   }
   if (within != Within::kNothing) return compareDays(line, work, rules, within);
   Machine machine(line, stranger);
+  const auto number = static_cast<std::size_t>(work);
+  if (number >= kServiceWork) return runService(machine, number - kServiceWork, rules, log);
   if (work >= Work::kSaved) {
-    return runSaved(machine, static_cast<std::size_t>(work) - static_cast<std::size_t>(Work::kSaved), rules);
+    return runSaved(machine, number - static_cast<std::size_t>(Work::kSaved), rules);
   }
   Tally tally = runDay(machine, work, rules, log);
   for (std::size_t i = 0; i < 2 && rules.size() == 2; ++i) {

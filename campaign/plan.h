@@ -9,7 +9,7 @@ namespace mirvane::campaign {
 
 /// A row of the tables: what is done to the line, and how it comes.
 struct Row {
-  enum class Group { kOnce, kLasting, kPairs, kRates, kStrangers, kWithin, kAnswers } group;
+  enum class Group { kOnce, kLasting, kPairs, kRates, kStrangers, kWithin, kAnswers, kService } group;
   std::string name;
 };
 

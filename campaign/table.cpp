@@ -21,6 +21,7 @@ constexpr Heading kHeadings[] = {
     {"strangers", "Somebody else is there when the serial line comes back", "days"},
     {"within", "The program calls from within its calls", "days"},
     {"answers", "A till that saves what it does", "states", true},
+    {"service", "Receipts over HTTP", "days", true},
 };
 constexpr std::string_view kLineNames[] = {"serial", "frame", "enq"};
 

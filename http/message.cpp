@@ -22,6 +22,7 @@ std::string_view reasonOf(int status) {
                                                            {405, "Method Not Allowed"},
                                                            {409, "Conflict"},
                                                            {413, "Content Too Large"},
+                                                           {429, "Too Many Requests"},
                                                            {422, "Unprocessable Content"},
                                                            {431, "Request Header Fields Too Large"},
                                                            {500, "Internal Server Error"},
@@ -103,13 +104,30 @@ std::string decoded(std::string_view text) {
   return bytes;
 }
 
-void refuseTrespass(const Request& request, const std::vector<std::string>& hosts) {
+void refuseTrespass(const Request& request, const std::vector<std::string>& hosts,
+                    const std::vector<std::string>& origins) {
   const std::string field = request.header("host");
   if (field.empty() || toUtf8(fromUtf8(field)) != field) throw Refusal(400, "a host name is expected", "header/host");
   if (!isAllowed(hostOf(field), hosts)) throw Refusal(403, "not under the host name \"" + field + "\"", "header/host");
-  const auto origin = request.headers.find("origin");
-  const bool isOurs = origin == request.headers.end() || small(origin->second) == "http://" + small(field);
-  if (!isOurs) throw Refusal(403, "not for pages from elsewhere", "header/origin");
+  const std::string origin = small(request.header("origin"));
+  const bool isOurs = !request.headers.contains("origin") || origin == "http://" + small(field);
+  const bool isListed = std::any_of(origins.begin(), origins.end(), [&](auto& name) { return small(name) == origin; });
+  if (!isOurs && !isListed) throw Refusal(403, "not for pages from elsewhere", "header/origin");
+}
+
+bool isPreflight(const Request& request) {
+  return request.method == "OPTIONS" && request.headers.contains("origin") &&
+         request.headers.contains("access-control-request-method");
+}
+
+void allowOrigin(const Request& request, Answer& answer) {
+  if (!request.headers.contains("origin")) return;
+  answer.headers.emplace_back("Access-Control-Allow-Origin", request.header("origin"));
+  answer.headers.emplace_back("Vary", "Origin");
+  if (!isPreflight(request)) return;
+  answer.headers.emplace_back("Access-Control-Allow-Methods", "GET, PUT, POST, DELETE");
+  answer.headers.emplace_back("Access-Control-Allow-Headers", "Authorization, Content-Type, Prefer");
+  answer.headers.emplace_back("Access-Control-Max-Age", "600");
 }
 
 }  // namespace mirvane::http

@@ -66,7 +66,13 @@ std::string decoded(std::string_view text);
 /// Throws the Refusal of a request that is not to be followed. A page from elsewhere, in the same browser, must not
 /// reach a server of this machine: neither under a name of its own that leads here, nor from its own origin. An
 /// address, "localhost" and names that end in ".localhost" are what they say; other names must be among `hosts`, in any
-/// case.
-void refuseTrespass(const Request& request, const std::vector<std::string>& hosts);
+/// case, and pages of `origins`, such as "https://till.shop", are let in too.
+void refuseTrespass(const Request& request, const std::vector<std::string>& hosts,
+                    const std::vector<std::string>& origins = {});
+
+/// Whether a browser asks beforehand what a page of one of the `origins` may do; `refuseTrespass` has let it in.
+bool isPreflight(const Request& request);
+/// Lets the page that asked, which `refuseTrespass` has let in, read `answer`. Nothing for one of the server's own.
+void allowOrigin(const Request& request, Answer& answer);
 
 }  // namespace mirvane::http

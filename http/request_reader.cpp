@@ -43,11 +43,11 @@ std::size_t RequestReader::take(std::string_view bytes) {
   const std::size_t taken = parser_->put(boost::asio::const_buffer(bytes.data(), bytes.size()), error);
   if (!error || error == beast::error::need_more) return taken;
   if (error == beast::error::body_limit) {
-    problem_ = http::problem(413, "a body has at most 65536 bytes");
+    problem_.emplace(413, "a body has at most 65536 bytes");
   } else if (error == beast::error::header_limit) {
-    problem_ = http::problem(431, "too much above the body");
+    problem_.emplace(431, "too much above the body");
   } else {
-    problem_ = http::problem(400, "no HTTP: " + error.message());
+    problem_.emplace(400, "no HTTP: " + error.message());
   }
   return taken;
 }

@@ -23,14 +23,14 @@ class RequestReader {
   /// Once: the header is there, and the client waits for a word before it sends the body.
   bool awaitsContinue();
   /// The bytes are no request that can be taken; what to answer.
-  const std::optional<Answer>& problem() const { return problem_; }
+  const std::optional<Refusal>& problem() const { return problem_; }
   /// The request, which is whole.
   Request request() const;
 
  private:
   struct Parser;
   std::unique_ptr<Parser> parser_;
-  std::optional<Answer> problem_;
+  std::optional<Refusal> problem_;
 };
 
 }  // namespace mirvane::http

@@ -24,8 +24,6 @@ constexpr std::chrono::milliseconds kPatience = 30s;
 constexpr std::chrono::milliseconds kHeartbeat = 15s;
 /// For the client to close its end.
 constexpr std::chrono::milliseconds kFarewell = 2s;
-/// Changes within this time are told as one.
-constexpr std::chrono::milliseconds kCalm = 20ms;
 /// Of what a client sends ahead while its earlier request is not answered.
 constexpr std::size_t kMostAhead = 2 * RequestReader::kLongestBody;
 
@@ -67,7 +65,7 @@ class Server::Hub::Session : public std::enable_shared_from_this<Session> {
   }
   /// Asks nothing at the moment.
   bool isIdle() const { return state_ == State::kReading && ahead_.empty(); }
-  void turnAway() { refuse(problem(503, "too many connections")); }
+  void turnAway() { refuse(Refusal(503, "too many connections")); }
 
   void close() {
     if (state_ == State::kClosed) return;
@@ -145,9 +143,9 @@ class Server::Hub::Session : public std::enable_shared_from_this<Session> {
   // ---- What goes out
 
   /// The connection cannot go on behind it.
-  void refuse(const Answer& answer) {
+  void refuse(const Refusal& refusal) {
     isLast_ = true;
-    send(answer);
+    send(hub_->options.refuse(refusal));
   }
 
   void send(const Answer& answer) {
@@ -265,7 +263,7 @@ bool Server::Hub::makeRoom() {
 void Server::Hub::announce() {
   if (isAnnouncing) return;
   isAnnouncing = true;
-  calm.expires_after(kCalm);
+  calm.expires_after(options.calm);
   calm.async_wait([self = shared_from_this()](const Error& error) {
     if (error) return;
     self->isAnnouncing = false;
@@ -277,14 +275,23 @@ void Server::Hub::announce() {
 }
 
 Answer Server::Hub::answerTo(Request& request) const {
-  try {
-    refuseTrespass(request, options.hosts);
-    return handler(request);
-  } catch (const Refusal& refusal) {
-    return refusal.answer();
-  } catch (const std::exception& error) {
-    return problem(500, error.what());
-  }
+  const auto answered = [&](auto&& give) {
+    try {
+      return give();
+    } catch (const Refusal& refusal) {
+      return options.refuse(refusal);
+    } catch (const std::exception& error) {
+      return options.refuse(Refusal(500, error.what()));
+    }
+  };
+  bool isLetIn = false;
+  Answer answer = answered([&] {
+    refuseTrespass(request, options.hosts, options.origins);
+    isLetIn = true;
+    return isPreflight(request) ? nothing() : handler(request);
+  });
+  if (isLetIn) allowOrigin(request, answer);
+  return answer;
 }
 
 Server::Server(asio::io_context& loop, const Endpoint& endpoint, Options options, Handler handler)

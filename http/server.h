@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -31,6 +32,12 @@ class Server {
     bool mayReusePort = true;
     /// Connections at a time. One more takes the place of one that asks nothing, or is answered with 503.
     std::size_t mostSessions = 250;
+    /// Pages from elsewhere that may ask, as "https://till.shop".
+    std::vector<std::string> origins = {};
+    /// Changes within this time are told as one.
+    std::chrono::milliseconds calm{20};
+    /// What a request that is not followed is answered with.
+    std::function<Answer(const Refusal&)> refuse = &Refusal::answer;
   };
 
   /// Throws std::runtime_error when the endpoint cannot be opened.

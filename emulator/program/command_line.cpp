@@ -9,7 +9,7 @@
 #include <map>
 
 #include "emulator/program/station.h"
-#include "emulator/program/system.h"
+#include "http/machine.h"
 #include "version.h"
 
 namespace mirvane::emulator {

@@ -8,12 +8,12 @@
 #include <map>
 
 #include "emulator/program/command_line.h"
-#include "emulator/program/console.h"
 #include "emulator/program/player.h"
 #include "emulator/program/station.h"
-#include "emulator/program/system.h"
 #include "emulator/program/transport.h"
 #include "emulator/program/web.h"
+#include "http/console.h"
+#include "http/machine.h"
 #include "text/code_page.h"
 
 namespace mirvane::emulator {
@@ -166,6 +166,7 @@ int runToTheEnd(const std::vector<std::string>& arguments) {
 }  // namespace mirvane::emulator
 
 int main(int count, char** arguments) {
+  using namespace mirvane;
   using namespace mirvane::emulator;
   prepareConsole();
   const int status = runToTheEnd(commandLine(count, arguments));

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <filesystem>
 
-#include "emulator/program/system.h"
+#include "http/machine.h"
 
 namespace mirvane::emulator {
 namespace {

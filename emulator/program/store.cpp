@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "emulator/program/system.h"
+#include "http/machine.h"
 
 namespace mirvane::emulator {
 namespace {

@@ -47,6 +47,7 @@ case ${1:-native} in
     unset WINEPREFIX
     SERIAL_OPTIONS="--serial $WORK/register.port" \
       tests "$repo/build/native/mirvane-emulator"
+    SERVICE="$repo/build/native/mirvane-service" node "$here/service_tests.cjs" "$repo/build/native/mirvane-emulator" {wine_lock}>&-
     ;;
   windows)
     wine_up

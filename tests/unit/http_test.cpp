@@ -46,7 +46,8 @@ class HttpServer : public testing::Test {
 
   boost::asio::io_context loop_, clients_;
   std::string asked_;
-  Server server_{loop_, Endpoint("--web", "0"), {}, [this](Request& request) -> Answer {
+  Server server_{loop_, Endpoint("--web", "0"), Server::Options{.origins = {"https://till.shop"}},
+                 [this](Request& request) -> Answer {
                    asked_ += request.method + request.path + request.body + " ";
                    if (request.path == "/odd") throw std::out_of_range("odd");
                    if (request.path == "/wait") return {204, "", "", {}, 1000};
@@ -55,6 +56,30 @@ class HttpServer : public testing::Test {
 };
 
 std::string get(const std::string& path) { return "GET " + path + " HTTP/1.1\r\nHost: localhost\r\n\r\n"; }
+
+TEST_F(HttpServer, PagesFromListedOriginsMayAskAndReadTheAnswer) {
+  const auto told = [this](const std::string& method, const std::string& origin) {
+    return ask(method + " /a HTTP/1.1\r\nHost: localhost\r\nOrigin: " + origin +
+               "\r\nAccess-Control-Request-Method: PUT\r\n\r\n");
+  };
+  const struct {
+    std::string method, origin, status;
+    bool isAllowed, tellsMethods, isHandled;
+  } kCases[] = {{"OPTIONS", "https://till.shop", "204", true, true, false},
+                {"GET", "https://till.shop", "200", true, false, true},
+                {"GET", "https://TILL.shop", "200", true, false, true},
+                {"OPTIONS", "https://evil.example", "403", false, false, false},
+                {"GET", "https://till.shop.evil.example", "403", false, false, false},
+                {"GET", "null", "403", false, false, false}};
+  for (const auto& row : kCases) {
+    asked_.clear();
+    const std::string answer = told(row.method, row.origin);
+    EXPECT_EQ(answer.substr(9, 3), row.status) << row.method << " " << row.origin;
+    EXPECT_EQ(answer.find("Access-Control-Allow-Origin: " + row.origin) != std::string::npos, row.isAllowed);
+    EXPECT_EQ(answer.find("Access-Control-Allow-Methods") != std::string::npos, row.tellsMethods);
+    EXPECT_EQ(!asked_.empty(), row.isHandled);
+  }
+}
 
 TEST_F(HttpServer, WhateverAHandlerThrowsIsAnAnswer) {
   const std::string answer = ask(get("/odd"));

@@ -1,13 +1,10 @@
 #pragma once
 
-#include <string_view>
+#include "http/assets.h"
 
 namespace mirvane::emulator {
 
-/// A file of the page, inside the program.
-struct Asset {
-  std::string_view path, type, bytes;
-};
+using http::Asset;
 
 /// The one with `path`, such as "/paper.ttf"; none when there is no such file.
 const Asset* findAsset(std::string_view path);

@@ -1,8 +1,8 @@
 #include "emulator/program/web/log.h"
 
-#include "emulator/program/system.h"
 #include "emulator/program/transport.h"
 #include "emulator/program/web/views.h"
+#include "http/machine.h"
 #include "version.h"
 
 namespace mirvane::emulator {

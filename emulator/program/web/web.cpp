@@ -2,10 +2,10 @@
 
 #include <optional>
 
-#include "emulator/program/system.h"
 #include "emulator/program/transport.h"
 #include "emulator/program/web/api.h"
 #include "emulator/program/web/log.h"
+#include "http/machine.h"
 #include "http/server.h"
 
 namespace mirvane::emulator {

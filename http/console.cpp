@@ -1,13 +1,13 @@
-#include "emulator/program/console.h"
+#include "http/console.h"
 
 #include <condition_variable>
 #include <mutex>
 #include <thread>
 #include <utility>
 
-#include "emulator/program/system.h"
+#include "http/machine.h"
 
-namespace mirvane::emulator {
+namespace mirvane {
 namespace {
 
 constexpr std::size_t kMostUnread = 1 << 20;
@@ -59,4 +59,4 @@ void Console::write(std::string text) {
   queue_->changed.notify_all();
 }
 
-}  // namespace mirvane::emulator
+}  // namespace mirvane

@@ -6,7 +6,7 @@
 #include <vector>
 
 // What the program asks of the system it runs on, beside its loop.
-namespace mirvane::emulator {
+namespace mirvane {
 
 /// The program's arguments in UTF-8, without its own name.
 std::vector<std::string> commandLine(int count, char** arguments);
@@ -26,4 +26,4 @@ void keepConsole();
 /// that another program listens at is refused all the same.
 bool mayReusePorts();
 
-}  // namespace mirvane::emulator
+}  // namespace mirvane

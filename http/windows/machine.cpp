@@ -3,7 +3,7 @@
 #include <shellapi.h>  // which does not include the former itself
 // clang-format on
 
-#include "emulator/program/system.h"
+#include "http/machine.h"
 
 #include <array>
 #include <cstdlib>
@@ -11,7 +11,7 @@
 
 #include "text/code_page.h"
 
-namespace mirvane::emulator {
+namespace mirvane {
 
 std::vector<std::string> commandLine(int /*count*/, char** /*arguments*/) {
   int count = 0;
@@ -57,4 +57,4 @@ void keepConsole() {
 // Two programs could listen at one port then.
 bool mayReusePorts() { return false; }
 
-}  // namespace mirvane::emulator
+}  // namespace mirvane

@@ -1,4 +1,5 @@
-# Writes the files of the page into a C++ source: cmake -D OUTPUT=FILE -D FILES=a;b -P embed.cmake
+# Writes the files of a page into a C++ source: cmake -D OUTPUT=FILE -D FILES=a;b -D PROGRAM=mirvane::emulator
+# -D HEADER=emulator/program/web/assets.h -P embed.cmake. The header declares the namespace's findAsset.
 set(types md text/plain json application/json html text/html css text/css js text/javascript svg image/svg+xml ttf font/ttf)
 set(arrays "")
 set(rows "")
@@ -19,24 +20,24 @@ foreach(file IN LISTS FILES)
   string(APPEND rows "    {\"${path}\", \"${type}\", {reinterpret_cast<const char*>(kFile${number}), sizeof kFile${number}}},\n")
   math(EXPR number "${number} + 1")
 endforeach()
-file(WRITE ${OUTPUT} "// Made by embed.cmake from the files of emulator/page.
-#include \"emulator/program/web/assets.h\"
+file(WRITE ${OUTPUT} "// Made by embed.cmake from the files of a page.
+#include \"${HEADER}\"
 
-namespace mirvane::emulator {
+namespace ${PROGRAM} {
 namespace {
 
 ${arrays}
-const Asset kAssets[] = {
+const http::Asset kAssets[] = {
 ${rows}};
 
 }  // namespace
 
-const Asset* findAsset(std::string_view path) {
-  for (const Asset& asset : kAssets) {
+const http::Asset* findAsset(std::string_view path) {
+  for (const http::Asset& asset : kAssets) {
     if (asset.path == path) return &asset;
   }
   return nullptr;
 }
 
-}  // namespace mirvane::emulator
+}  // namespace ${PROGRAM}
 ")

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-namespace mirvane::emulator {
+namespace mirvane {
 
 /// Standard output that never holds up the program: what nobody reads is kept up to a limit, and then left out.
 class Console {
@@ -21,4 +21,4 @@ class Console {
   const std::shared_ptr<Queue> queue_;
 };
 
-}  // namespace mirvane::emulator
+}  // namespace mirvane

@@ -1,11 +1,11 @@
-#include "emulator/program/system.h"
+#include "http/machine.h"
 
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 
-namespace mirvane::emulator {
+namespace mirvane {
 
 std::vector<std::string> commandLine(int count, char** arguments) { return {arguments + 1, arguments + count}; }
 
@@ -25,4 +25,4 @@ void keepConsole() {}
 
 bool mayReusePorts() { return true; }
 
-}  // namespace mirvane::emulator
+}  // namespace mirvane

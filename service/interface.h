@@ -1,0 +1,64 @@
+#pragma once
+
+#include "http/message.h"
+#include "service/board.h"
+#include "service/store.h"
+#include "service/tokens.h"
+
+namespace mirvane::service {
+
+/// What the service answers over HTTP: see page/openapi.json. In one thread.
+class Interface {
+ public:
+  struct Options {
+    /// Null where everybody may ask, which is this machine alone.
+    Tokens* tokens = nullptr;
+    /// Jobs that are not over; one more is refused.
+    int mostUnfinished = 10'000;
+    /// Told of new work.
+    std::function<void()> wake = [] {};
+    /// Milliseconds since 1970.
+    std::function<std::int64_t()> now;
+  };
+  Interface(Store& store, Board& board, Options options);
+
+  /// What has to be known when the request is put again is written down in it.
+  http::Answer answer(http::Request& request);
+  /// A problem document.
+  static http::Answer problem(const http::Refusal& refusal);
+
+ private:
+  struct Call;
+  struct Route;
+  static const Route kRoutes[];
+
+  http::Answer route(http::Request& request);
+  void requireToken(const http::Request& request) const;
+
+  http::Answer put(Call& call);
+  http::Answer get(Call& call);
+  http::Answer cancel(Call& call);
+  http::Answer list(Call& call);
+  http::Answer putPayment(Call& call);
+  http::Answer settle(Call& call);
+  http::Answer getFile(Call& call);
+  http::Answer changes(Call& call);
+  http::Answer events(Call& call);
+  http::Answer status(Call& call);
+  http::Answer totals(Call& call);
+  http::Answer acceptRegister(Call& call);
+  http::Answer voidOpen(Call& call);
+  http::Answer isHealthy(Call& call);
+  http::Answer isReady(Call& call);
+  http::Answer metrics(Call& call);
+
+  Job required(const Call& call);
+  void change(Job& job);
+  http::Answer answerTo(const Call& call, const Job& job);
+
+  Store& store_;
+  Board& board_;
+  const Options options_;
+};
+
+}  // namespace mirvane::service

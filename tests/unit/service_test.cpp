@@ -1,0 +1,305 @@
+// Receipts over HTTP: what callers are told, and that each is sold once.
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "campaign/machine.h"
+#include "service/interface.h"
+#include "service/sqlite_store.h"
+#include "service/worker.h"
+
+namespace mirvane::service {
+namespace {
+
+using campaign::LineKind;
+using campaign::Machine;
+using emulator::Code;
+using emulator::Document;
+using testing::Each;
+using testing::HasSubstr;
+
+const std::string kCoffee = R"("lines":[{"description":"ΚΑΦΕΣ","price":2.5,"vat":24}])";
+const std::string kSold = "{" + kCoffee + R"(,"payments":[{"type":"cash","amount":5}]})";
+const std::string kUnpaid = "{" + kCoffee + "}";
+
+std::string textOf(const Json& json, const char* name) {
+  const Json* value = json.find(name);
+  const auto* text = value ? value->as<std::string>() : nullptr;
+  return text ? *text : "";
+}
+
+class Service : public testing::Test {
+ protected:
+  Service() {
+    std::filesystem::remove(path());
+    start();
+  }
+  ~Service() override { end(); }
+
+  void start() {
+    store_ = std::make_unique<SqliteStore>(path());
+    board_ = std::make_unique<Board>();
+    worker_ = std::make_unique<Worker>(machine_.platform, *store_, *board_, Text(machine_.portName()));
+    interface_ = std::make_unique<Interface>(
+        *store_, *board_, Interface::Options{tokens_.get(), 3, [] {}, [this] { return machine_.clock.sinceEpoch(); }});
+  }
+  void end() {
+    interface_ = nullptr;
+    worker_ = nullptr;
+    board_ = nullptr;
+    store_ = nullptr;
+    machine_.hangUp();
+  }
+  void work() {
+    while (worker_->step()) continue;
+  }
+
+  int ask(const std::string& method, const std::string& path, const std::string& body = {}) {
+    http::Request request{method, path, {}, headers_, body};
+    if (const std::size_t mark = path.find('?'); mark != std::string::npos) {
+      request.path = path.substr(0, mark);
+      request.query[path.substr(mark + 1, path.find('=') - mark - 1)] = path.substr(path.find('=') + 1);
+    }
+    const http::Answer answer = interface_->answer(request);
+    body_ = answer.body;
+    told_ = answer.type.find("json") == std::string::npos ? Json() : http::parseJson(answer.body);
+    return answer.status;
+  }
+  int put(const std::string& path, const std::string& body = {}) { return ask("PUT", "/v1/" + path, body); }
+  /// Puts, does all that there is to do, and tells what became of it.
+  std::string stateAfter(const std::string& path, const std::string& body = {}) {
+    put(path, body);
+    work();
+    ask("GET", "/v1/" + path.substr(0, path.find("/payments")));
+    return textOf(told_, "state");
+  }
+  std::vector<std::string> faultsIn() {
+    std::vector<std::string> places;
+    for (const Json& error : *told_.find("errors")->as<Json::List>()) places.push_back(textOf(error, "where"));
+    return places;
+  }
+  int receiptsSold() {
+    int count = 0;
+    for (const Document& document : machine_.device.roll().documents()) {
+      count += document.kind == Document::Kind::kReceipt && document.state == Document::State::kClosed;
+    }
+    return count;
+  }
+  static std::string path() {
+    return testing::TempDir() + testing::UnitTest::GetInstance()->current_test_info()->name() + ".service";
+  }
+  static void copyStore(const std::string& from, const std::string& to) {
+    std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing);
+  }
+
+  Machine machine_{LineKind::kSerial};
+  std::unique_ptr<Tokens> tokens_;
+  std::unique_ptr<SqliteStore> store_;
+  std::unique_ptr<Board> board_;
+  std::unique_ptr<Worker> worker_;
+  std::unique_ptr<Interface> interface_;
+  std::map<std::string, std::string> headers_;
+  Json told_;
+  std::string body_;
+};
+
+TEST_F(Service, TheSameIdIsTheSameReceiptForEver) {
+  EXPECT_EQ(stateAfter("receipts/a", kSold), "committed");
+  EXPECT_EQ(put("receipts/a", R"({ "payments": [{"amount": 5.00, "type": "cash"}], )" + kCoffee + "}"), 200);
+  EXPECT_EQ(put("receipts/a", kUnpaid), 409);
+  EXPECT_EQ(put("cash/a", R"({"direction":"in","amount":5})"), 409);
+  end();
+  start();
+  EXPECT_EQ(stateAfter("receipts/a", kSold), "committed");
+  EXPECT_EQ(receiptsSold(), 1);
+}
+
+TEST_F(Service, WhatCannotBeDoneIsRefusedWithEachFaultsPlace) {
+  work();
+  const auto line = [](const std::string& members) { return R"({"lines":[{"description":"A",)" + members + "}]}"; };
+  const struct {
+    std::string path, body;
+    std::vector<std::string> places;
+  } kCases[] = {
+      {"receipts/a", "{}", {"body/lines"}},
+      {"receipts/a", "[]", {"body", "body/lines"}},
+      {"receipts/a", line(R"("price":1,"vat":23)"), {"body/lines/0/vat"}},
+      {"receipts/a", line(R"("price":1.001,"vat":24,"quantity":0)"), {"body/lines/0/quantity", "body/lines/0/price"}},
+      {"receipts/a", line(R"("price":0,"vat":24)"), {"body/lines"}},
+      {"receipts/a",
+       line(R"("price":1,"vat":24,"color":"red","comment":"漢字")"),
+       {"body/lines/0/comment", "body/lines/0/color"}},
+      {"receipts/a",
+       R"({"lines":[{"type":"discount","amount":1}]})",
+       {"body/lines/0/on", "body/lines/0/amount", "body/lines/0"}},
+      {"receipts/a", "{" + kCoffee + R"(,"total":3})", {"body/total"}},
+      {"receipts/a", "{" + kCoffee + R"(,"vatNumber":"123456789"})", {"body/vatNumber"}},
+      {"receipts/a", "{" + kCoffee + R"(,"payments":[{"type":"card","amount":3}]})", {"body/payments/0/amount"}},
+      {"receipts/a", "{" + kCoffee + R"(,"payments":[{"type":"card","terminal":2}]})", {"body/payments/0/terminal"}},
+      {"receipts/a", "{" + kCoffee + R"(,"payments":[{"type":"cash"},{"type":"cash"}]})", {"body/payments/1/amount"}},
+      {"cash/a", R"({"direction":"up","amount":-1})", {"body/direction", "body/amount"}},
+      {"display/a", R"({"lines":["A/B"]})", {"body/lines/0"}},
+      {"drawer/a", R"({"wide":true})", {"body/wide"}},
+  };
+  for (const auto& [path, body, places] : kCases) {
+    EXPECT_EQ(put(path, body), 422) << body;
+    EXPECT_EQ(faultsIn(), places) << body;
+  }
+  EXPECT_TRUE(store_->list({}).empty());
+}
+
+TEST_F(Service, ReceiptsHoldAllThatARegisterPrints) {
+  EXPECT_EQ(stateAfter("receipts/a", R"({"vatNumber":"090000045","footer":["ΚΑΛΗ ΧΡΟΝΙΑ"],"total":6.3,"lines":[
+      {"description":"ΚΑΦΕΣ","quantity":1.5,"price":2,"vat":24,"comment":"ΣΚΕΤΟΣ","department":2},
+      {"type":"discount","percent":10},{"description":"ΨΩΜΙ","price":4,"vat":13},{"type":"markup","on":"subtotal","amount":0.6},
+      {"type":"refund","description":"ΨΩΜΙ","price":1,"vat":13},{"type":"comment","text":"ΓΕΙΑ"}],
+      "payments":[{"type":"card","amount":1},{"type":"cheque","amount":2},{"type":"cash"}]})"),
+            "committed")
+      << body_;
+  for (const char16_t* text : {u"090000045", u"ΚΑΛΗ ΧΡΟΝΙΑ", u"ΣΚΕΤΟΣ", u"ΓΕΙΑ"}) {
+    EXPECT_EQ(machine_.linesPrinted(text), 1) << toUtf8(text);
+  }
+}
+
+TEST_F(Service, ADeclinedCardAsksForAnotherPayment) {
+  machine_.device.cards().options.next = {Code::kCardFailed};
+  EXPECT_EQ(stateAfter("receipts/a", "{" + kCoffee + R"(,"payments":[{"type":"card","terminal":1}]})"),
+            "needs-payment");
+  EXPECT_EQ(textOf(*told_.find("due")->find("failure"), "name"), "card-failed");
+  EXPECT_EQ(put("receipts/a/payments/2", R"({"type":"cash"})"), 409);
+  EXPECT_EQ(stateAfter("receipts/a/payments/1", R"({"type":"cash"})"), "committed");
+  EXPECT_EQ(put("receipts/a/payments/1", R"({"type":"cash"})"), 200);
+  EXPECT_EQ(put("receipts/a/payments/1", R"({"type":"cheque"})"), 409);
+  EXPECT_EQ(put("receipts/a/payments/2", R"({"type":"cash"})"), 409);
+  EXPECT_EQ(machine_.cardCharges(), 0);
+}
+
+TEST_F(Service, WhatIsQueuedOrWantsPaymentIsCancelled) {
+  EXPECT_EQ(stateAfter("receipts/a", kUnpaid), "needs-payment");
+  put("receipts/b", kSold);
+  EXPECT_EQ(ask("DELETE", "/v1/receipts/b"), 200);
+  EXPECT_EQ(ask("DELETE", "/v1/receipts/a"), 202);
+  work();
+  EXPECT_EQ(ask("DELETE", "/v1/receipts/a"), 200);
+  EXPECT_EQ(textOf(told_, "state"), "not-committed");
+  EXPECT_FALSE(machine_.device.fiscal().receipt);
+  EXPECT_EQ(stateAfter("receipts/c", kSold), "committed");
+  EXPECT_EQ(ask("DELETE", "/v1/receipts/c"), 409);
+  EXPECT_EQ(receiptsSold(), 1);
+}
+
+TEST_F(Service, PaperIsWaitedForInTheMiddleOfAReceipt) {
+  work();
+  machine_.faults.add("after 1 60s paper-end");
+  const std::string twice = R"({"lines":[{"description":"A","price":1,"vat":24},{"description":"B","price":1,"vat":24}],
+      "payments":[{"type":"cash"}]})";
+  std::vector<std::string> waits;
+  board_->log = [&](const char* event, const Json& members) {
+    if (event == std::string("waiting")) waits.push_back(textOf(members, "on"));
+  };
+  EXPECT_EQ(stateAfter("receipts/a", twice), "committed");
+  EXPECT_THAT(waits, Each(std::string("paper")));
+  EXPECT_FALSE(waits.empty());
+  EXPECT_EQ(receiptsSold(), 1);
+}
+
+TEST_F(Service, EveryOtherDocumentIsDoneOnceToo) {
+  stateAfter("receipts/a", kSold);
+  EXPECT_EQ(stateAfter("cash/c", R"({"direction":"in","amount":20,"description":"ΚΕΡΜΑΤΑ"})"), "committed");
+  EXPECT_EQ(stateAfter("drawer/d"), "committed");
+  EXPECT_EQ(stateAfter("display/e", R"({"lines":["ΓΕΙΑ","ΣΟΥ"]})"), "committed");
+  EXPECT_EQ(stateAfter("reports/x/x"), "committed");
+  EXPECT_EQ(stateAfter("reports/z/z"), "committed");
+  EXPECT_EQ(ask("GET", "/v1/reports/z/z/files/MVE250000170001_b.txt"), 200);
+  EXPECT_THAT(body_, HasSubstr("0001"));
+  EXPECT_EQ(put("reports/z/z"), 200);
+  EXPECT_EQ(machine_.device.fiscal().closures, 1);
+}
+
+TEST_F(Service, AStoreOlderThanTheRegisterIsTold) {
+  stateAfter("receipts/a", kSold);
+  put("receipts/b", kSold);
+  end();
+  copyStore(path(), path() + ".yesterday");
+  start();
+  EXPECT_EQ(stateAfter("receipts/b", kSold), "committed");
+  stateAfter("receipts/c", kSold);
+  end();
+  copyStore(path() + ".yesterday", path());
+  start();
+  EXPECT_EQ(stateAfter("receipts/b", kSold), "unknown");
+  EXPECT_EQ(put("receipts/c", kSold), 503);
+  EXPECT_EQ(ask("GET", "/readyz"), 503);
+  EXPECT_EQ(ask("PUT", "/v1/jobs/b/settlement", R"({"was":"perhaps"})"), 422);
+  EXPECT_EQ(ask("PUT", "/v1/jobs/b/settlement", R"({"was":"committed"})"), 200);
+  EXPECT_EQ(ask("POST", "/v1/register/accept"), 202);
+  work();
+  EXPECT_EQ(stateAfter("receipts/d", kSold), "committed");
+  EXPECT_EQ(receiptsSold(), 4);
+}
+
+TEST_F(Service, AnotherRegisterDoesNotKnowWhatWasBegun) {
+  EXPECT_EQ(stateAfter("receipts/a", kUnpaid), "needs-payment");
+  end();
+  machine_.device.fiscal() = {};
+  machine_.device.fiscal().serialNumber = "OTHER1";
+  start();
+  work();
+  ask("GET", "/v1/receipts/a");
+  EXPECT_EQ(textOf(told_, "state"), "unknown");
+  EXPECT_EQ(stateAfter("receipts/b", kSold), "committed");
+}
+
+TEST_F(Service, TheQueueIsBounded) {
+  for (const char* id : {"a", "b", "c"}) EXPECT_EQ(put(std::string("receipts/") + id, kSold), 202);
+  EXPECT_EQ(put("receipts/d", kSold), 429);
+  work();
+  EXPECT_EQ(put("receipts/d", kSold), 202);
+}
+
+TEST_F(Service, PagesAndChangesMissNothing) {
+  for (const char* id : {"a", "b", "c"}) put(std::string("receipts/") + id, kSold);
+  const auto ids = [this] {
+    std::string all;
+    for (const Json& job : *told_.find("jobs")->as<Json::List>()) all += textOf(job, "id");
+    return all;
+  };
+  ask("GET", "/v1/receipts?before=3");
+  EXPECT_EQ(ids(), "ba");
+  work();
+  ask("GET", "/v1/changes?after=3");
+  EXPECT_EQ(ids(), "abc");
+  ask("GET", "/v1/jobs?state=queued");
+  EXPECT_EQ(ids(), "");
+  EXPECT_EQ(ask("GET", "/v1/jobs?state=odd"), 400);
+}
+
+TEST_F(Service, OthersNeedATokenThatIsNotTakenBack) {
+  const std::string file = testing::TempDir() + "service.tokens";
+  std::filesystem::remove(file);
+  tokens_ = std::make_unique<Tokens>(file);
+  const std::string token = tokens_->add("till 1");
+  EXPECT_EQ(tokens_->add("till 1"), "");
+  end();
+  start();
+  const auto status = [this](const std::string& given) {
+    headers_["authorization"] = given;
+    return ask("GET", "/v1/status");
+  };
+  for (const std::string given : {"", "Bearer ", "Bearer mv_1", "Basic x"}) EXPECT_EQ(status(given), 401) << given;
+  EXPECT_EQ(status("Bearer " + token), 200);
+  std::ifstream lines(file);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(lines), {}), sha256(token) + " till 1\n");
+  std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) - std::chrono::seconds(5));
+  Tokens(file).remove("till 1");
+  EXPECT_EQ(status("Bearer " + token), 401);
+  EXPECT_EQ(ask("GET", "/healthz"), 200);
+}
+
+TEST(ServiceTokens, TheHashIsTheStandards) {
+  EXPECT_EQ(sha256("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+  EXPECT_EQ(sha256(std::string(119, 'a')), "31eba51c313a5c08226adf18d4a359cfdfd8d2e816b13f4af952f7ea6584dcfb");
+}
+
+}  // namespace
+}  // namespace mirvane::service
