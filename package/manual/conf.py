@@ -139,8 +139,13 @@ def rewrite(app, doctree):
 
 
 def check_anchors(app, exception):
+    pages = {name for name, _, _ in app.env.anchors_wanted}
+    anchors = {
+        name: {anchor for section in app.env.get_doctree(name).findall(nodes.section) for anchor in section["ids"]}
+        for name in pages
+    }
     for name, anchor, file in sorted(app.env.anchors_wanted):
-        if not any(anchor in section["ids"] for section in app.env.get_doctree(name).findall(nodes.section)):
+        if anchor not in anchors[name]:
             raise ExtensionError(f"{file}: {FILES[name]} has no heading #{anchor}")
 
 

@@ -110,7 +110,7 @@ finds 32 0 "--find" '[ok] COM6: A register answers' '[-]  COM5: The port opens, 
 # A closing that got stuck: the register answers questions, and refuses whatever is printed or sold.
 start_emulator device --fault "on P/ always code 21" --fault "on 3/ always code 21"
 finds 32 0 "--port COM6" 'Not checked: this machine, printing (--slip), whether the register accepts sales.'
-finds 32 2 "--port COM6 --slip" 'code 21: z Not closure (The closing of the day has begun' 'Issue the Z report'
+finds 32 2 "--port COM6 --slip" 'code 21: z Not closure (The end-of-day closing has started' 'Issue the Z report'
 start_emulator device --fault "on ?/ always paper-end"
 finds 32 2 "--port COM6 --json" '"exitCode": 2' '"mark": "fault"' 'Tέλος Χαρτιού ! (out of paper)'
 # Wine opens a port for two programs at once, so the one that is taken is looked at natively.
