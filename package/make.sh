@@ -59,8 +59,8 @@ put build/win32/mirvane-emulator.exe emulator
 for file in build/win32/com/MirvaneEFT.idl component/com/base.idl; do
   with_windows_line_ends <"$file" >"$content/$(basename "$file")"
 done
-# Those of the source tree alone are none of its users'.
-git ls-files examples | grep -vE '\.md$|CMakeLists\.txt$|^examples/native/' | while read -r file; do put_source "$file"; done
+# The release holds neither the headers that the one needs nor the service that the other asks.
+git ls-files examples | grep -vE '\.md$|CMakeLists\.txt$|^examples/(native|service)/' | while read -r file; do put_source "$file"; done
 put docs/result-codes.json docs
 with_windows_line_ends <package/notices.txt >"$content/notices.txt"
 package/manual.sh "$content" "$version"

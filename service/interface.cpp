@@ -221,10 +221,14 @@ Answer Interface::put(Call& call) {
   job.id = id;
   job.kind = call.kind;
   job.content = canonical(body);
+  job.registerName = call.query("register");
+  job.group = call.query("group");
   std::optional<Job> there = store_.find(id);
   if (!there) {
-    check(call.kind, body, board_.facts().abilities);
-    if (const std::string held = board_.facts().held; !held.empty()) {
+    if (!store_.isThere(job.registerName, job.group)) throw Refusal(404, "no such register or group", "query");
+    const bool isOurs = job.group.empty() && (job.registerName.empty() || job.registerName == options_.registerName);
+    check(call.kind, body, isOurs ? board_.facts().abilities : Abilities());
+    if (const std::string held = board_.facts().held; isOurs && !held.empty()) {
       throw Refusal(503, "a person has to look at the register first: " + held, "", named("held"));
     }
     if (store_.unfinished() >= options_.mostUnfinished)
@@ -238,7 +242,9 @@ Answer Interface::put(Call& call) {
       there = store_.find(id);
     }
   }
-  if (there->kind != job.kind || there->content != job.content) {
+  const bool isElsewhere = (!job.registerName.empty() && there->registerName != job.registerName) ||
+                           (!job.group.empty() && there->group != job.group);
+  if (there->kind != job.kind || there->content != job.content || isElsewhere) {
     throw Refusal(409, "this id stands for something else", "path", named("conflict"));
   }
   Answer answer = answerTo(call, *there);
@@ -279,6 +285,8 @@ Answer Interface::cancel(Call& call) {
     job.state = State::kPrinting;
     job.progress = http::parseJson(job.progress).set("cancel", true).dump(false);
     change(job);
+  } else if (job.state == State::kPrinting && job.registerName != options_.registerName) {
+    throw Refusal(409, "only the service of " + job.registerName + " can stop it", "path", named("changing"));
   } else if (job.state == State::kPrinting) {
     board_.wish("cancel " + job.id);
   } else if (job.state != State::kNotCommitted) {

@@ -15,6 +15,8 @@ class Interface {
     Tokens* tokens = nullptr;
     /// Jobs that are not over; one more is refused.
     int mostUnfinished = 10'000;
+    /// This service's register, by name, in a store that several share.
+    std::string registerName = {};
     /// Told of new work.
     std::function<void()> wake = [] {};
     /// Milliseconds since 1970.

@@ -1,7 +1,7 @@
 # ./run service
 
 service() {
-  setup emulator
+  setup emulator service
   build_preset native mirvane-emulator mirvane-service
   mkdir -p "$WORK"
   build/native/mirvane-emulator --udp 9100 --web 8100 --quiet --state "$WORK/service-register" &

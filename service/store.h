@@ -29,6 +29,8 @@ struct Job {
   std::int64_t created = 0, changed = 0;
   /// The place in the queue, from 1, and the number of its last change among all jobs' changes; the store gives both.
   std::int64_t place = 0, version = 0;
+  /// In a store that several registers share: the one it is for, or the group of which one will take it, or both.
+  std::string registerName = {}, group = {};
 };
 
 /// The store cannot be read or written. The text tells why.
@@ -42,11 +44,15 @@ class Store {
  public:
   virtual ~Store() = default;
 
-  /// Takes in a new job. False when there is one of that id.
+  /// Whether other services change it too.
+  virtual bool isShared() const { return false; }
+  /// Whether there is such a register and such a group, where they are named.
+  virtual bool isThere(const std::string& name, const std::string& group) { return name.empty() && group.empty(); }
+  /// Takes in a new job, for this service's register unless it says another. False when there is one of that id.
   virtual bool add(Job& job) = 0;
   virtual std::optional<Job> find(const std::string& id) = 0;
-  /// The job that was begun and is not over, or else the one that has been queued longest. It is this register's from
-  /// then on.
+  /// The job that was begun and is not over, or else the one that has been queued longest, this register's before its
+  /// group's. It is this register's from then on.
   virtual std::optional<Job> claim() = 0;
   /// Writes what is new of a job unless somebody else has changed it since it was read: false, and nothing is written.
   /// `seen`, unless it is empty, is remembered with it as "seen"; of a committed job this is the one write that need
@@ -63,6 +69,8 @@ class Store {
   };
   /// Latest first, or in the order of their changes.
   virtual std::vector<Job> list(const Page& page) = 0;
+  /// Where other services change jobs too: the highest version.
+  virtual std::int64_t latest() { return 0; }
   /// How many jobs are not over.
   virtual int unfinished() = 0;
 

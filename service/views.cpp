@@ -61,6 +61,8 @@ Json jobView(const Job& job, const Board::Facts& facts) {
             {"changed", timeText(job.changed)},
             {"version", job.version},
             {"place", job.place}};
+  if (!job.registerName.empty()) view.set("register", job.registerName);
+  if (!job.group.empty()) view.set("group", job.group);
   if (isWaiting) view.set("waiting", waitView(facts.wait));
   const Json result = dated(http::parseJson(job.result));
   switch (job.state) {

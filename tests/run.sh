@@ -3,7 +3,7 @@
 # All build folders' tests in one go. Most of them wait for a device, so there are more at a time than processors.
 run_tests() {
   local test_options=(--test-dir build --resource-spec-file "$repo/tests/lanes.json" "$@")
-  setup emulator demo win64 test package
+  setup emulator demo win64 service test package
   printf 'subdirs(%s)\n' "${presets[*]}" >build/CTestTestfile.cmake
   if (($#)); then build_for_tests "${test_options[@]}"; else build; fi
   ctest "${test_options[@]}" --parallel $(($(nproc) * 3)) --output-on-failure ||

@@ -41,7 +41,7 @@ check_docs() {
 # lint: clang-tidy over the sources changed since the last pass, or over all when a header changed; each on its own, as
 # the grouped builds do not compile them.
 lint() {
-  setup emulator demo lint
+  setup emulator demo service lint
   cmake --preset native -B build/lint-native -D CMAKE_UNITY_BUILD=OFF >"$logs/lint"
   cmake --preset win32 -B build/lint-win32 -D CMAKE_UNITY_BUILD=OFF >"$logs/lint"
   # One example includes a header that is made.

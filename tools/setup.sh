@@ -5,7 +5,8 @@ declare -A needed=(
   [emulator]='g++ cmake ninja-build libboost1.81-dev libcli11-dev libsqlite3-dev nlohmann-json3-dev libstb-dev'
   [demo]='g++-mingw-w64-i686-posix mingw-w64-tools faketime wine wine32:i386 wine64 xvfb locales'
   [win64]='g++-mingw-w64-x86-64-posix'
-  [test]='googletest clang-format xdotool imagemagick chromium curl socat jq python3-minimal
+  [service]='libpq-dev'
+  [test]='googletest clang-format xdotool imagemagick chromium curl socat jq python3-minimal postgresql
     fp-compiler-3.2.2 fp-units-rtl-3.2.2 fp-units-base-3.2.2 fpc-source-3.2.2 mono-mcs'
   [package]='googletest nsis sphinx-common python3-sphinx python3-myst-parser furo zip unzip osslsigncode openssl'
   [lint]='clang-tidy'

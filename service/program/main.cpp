@@ -2,6 +2,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/signal_set.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <condition_variable>
 #include <future>
 #include <iostream>
@@ -11,6 +12,9 @@
 #include "http/machine.h"
 #include "http/server.h"
 #include "service/interface.h"
+#ifdef MIRVANE_POSTGRES
+#include "service/postgres_store.h"
+#endif
 #include "service/sqlite_store.h"
 #include "service/views.h"
 #include "service/worker.h"
@@ -27,12 +31,52 @@ constexpr const char* kAbout =
 constexpr std::chrono::seconds kFarewell{10};
 
 struct Options {
-  std::string port = "127.0.0.1:9100", web = "8200", store = "mirvane-service.db", name;
+  std::string port = "127.0.0.1:9100", web = "8200", store = "mirvane-service.db", tokens, name;
+  std::string registerName, group;
   std::vector<std::string> hosts, origins;
   int mostUnfinished = 10'000;
 };
 
-std::filesystem::path tokensFile(const Options& options) { return pathOf(options.store + ".tokens"); }
+bool isPostgres(const std::string& store) {
+  return store.starts_with("postgres://") || store.starts_with("postgresql://");
+}
+
+std::filesystem::path tokensFile(const Options& options) {
+  if (!options.tokens.empty()) return pathOf(options.tokens);
+  return pathOf((isPostgres(options.store) ? "mirvane-service" : options.store) + ".tokens");
+}
+
+std::unique_ptr<Store> openStore(const Options& options) {
+  if (!isPostgres(options.store)) {
+    if (!options.registerName.empty() || !options.group.empty())
+      throw std::invalid_argument("--name and --group are for a database that several services share");
+    return std::make_unique<SqliteStore>(options.store);
+  }
+#ifdef MIRVANE_POSTGRES
+  if (options.registerName.empty())
+    throw std::invalid_argument("a database that is shared wants a --name for the register");
+  return std::make_unique<PostgresStore>(options.store, options.registerName, options.group);
+#else
+  throw std::invalid_argument("this build has no client of PostgreSQL");
+#endif
+}
+
+/// What other services write into the store is told to whoever waits here, too.
+void watchOthers(boost::asio::steady_timer& timer, Store& store, const std::function<void()>& changed,
+                 std::int64_t seen) {
+  timer.expires_after(std::chrono::milliseconds(500));
+  timer.async_wait([&timer, &store, changed, seen](const boost::system::error_code& error) {
+    if (error) return;
+    std::int64_t latest = seen;
+    try {
+      latest = store.latest();
+    } catch (const StoreError&) {
+      // The worker tells what is wrong.
+    }
+    if (latest != seen) changed();
+    watchOthers(timer, store, changed, latest);
+  });
+}
 
 bool isLoopback(const std::string& address) { return address.starts_with("127.") || address == "::1"; }
 
@@ -70,7 +114,8 @@ int serve(const Options& options) {
     Json line{{"time", timeText(machine.clock.sinceEpoch())}, {"event", event}};
     console->write(line.update(members).dump(false) + "\n");
   };
-  SqliteStore store(options.store);
+  const std::unique_ptr<Store> kept = openStore(options);
+  Store& store = *kept;
   boost::asio::io_context loop(1);
   boost::asio::signal_set signals(loop, SIGINT, SIGTERM);
   signals.async_wait([&loop](const boost::system::error_code&, int) { loop.stop(); });
@@ -81,7 +126,8 @@ int serve(const Options& options) {
     alarm.ring();
   };
   const auto now = [&machine] { return machine.clock.sinceEpoch(); };
-  Interface interface(store, board, {isOpen ? &tokens : nullptr, options.mostUnfinished, wake, now});
+  Interface interface(store, board,
+                      {isOpen ? &tokens : nullptr, options.mostUnfinished, options.registerName, wake, now});
   http::Server::Options web{options.hosts, mayReusePorts()};
   web.origins = options.origins;
   web.calm = std::chrono::milliseconds(0);
@@ -92,6 +138,14 @@ int serve(const Options& options) {
     return answer;
   });
   board.onChange = [&] { boost::asio::post(loop, [&server] { server.changed(); }); };
+  boost::asio::steady_timer timer(loop);
+  if (store.isShared()) {
+    const auto changed = [&] {
+      wake();
+      server.changed();
+    };
+    watchOthers(timer, store, changed, 0);
+  }
   std::promise<void> end;
   std::thread thread([&] {
     worker.run([&alarm](std::uint32_t milliseconds) { alarm.sleep(milliseconds); });
@@ -114,7 +168,11 @@ int run(std::vector<std::string> arguments) {
   CLI::App app(kAbout, "mirvane-service");
   app.set_version_flag("--version", "mirvane-service " MIRVANE_VERSION);
   app.require_subcommand(0, 1);
-  app.add_option("--store", options.store, "the database's file (mirvane-service.db); the tokens stand beside it");
+  app.add_option("--store", options.store,
+                 "the database's file (mirvane-service.db), or one that several services share: postgresql://...");
+  app.add_option("--name", options.registerName, "the register's name among those that share the database");
+  app.add_option("--group", options.group, "the registers that may do each other's work, by a name");
+  app.add_option("--tokens", options.tokens, "the tokens' file; without it, it stands beside the database's");
   app.add_option("--register", options.port, "where the register is: COM1, /dev/ttyUSB0, 192.168.1.50:9100");
   app.add_option("--web", options.web,
                  "[ADDRESS:]PORT to be asked at; any address but this machine's own wants tokens");
