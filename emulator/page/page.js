@@ -384,7 +384,7 @@ function showEntries(entries, first) {
     if (element.about.id < first) element.remove();
   }
   // More was said than the page was told of at once.
-  if (list.children.length && entries[0]?.id > newestEntry + 1) entries[0].missing = entries[0].id - newestEntry - 1;
+  if (newestEntry && entries[0]?.id > newestEntry + 1) entries[0].missing = entries[0].id - newestEntry - 1;
   // The latest is on top.
   const fresh = entries.map(entryElement);
   for (const element of fresh) list.prepend(element);
