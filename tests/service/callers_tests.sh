@@ -1,6 +1,6 @@
 #!/bin/bash
 # The tills of examples/service, those whose language is here, each sells the same order twice: one receipt stands on the
-# paper. The browser's till is tried by tests/browser. tests/service/callers_tests.sh
+# paper. The page has to be opened by hand.
 set -euo pipefail
 repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 source "$repo/tests/service/fixture.sh"
