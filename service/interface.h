@@ -15,12 +15,12 @@ class Interface {
     Tokens* tokens = nullptr;
     /// Jobs that are not over; one more is refused.
     int mostUnfinished = 10'000;
-    /// This service's register, by name, in a store that several share.
-    std::string registerName = {};
     /// Told of new work.
     std::function<void()> wake = [] {};
     /// Milliseconds since 1970.
     std::function<std::int64_t()> now;
+    /// This service's register, by name, in a store that several share.
+    std::string registerName = {};
   };
   Interface(Store& store, Board& board, Options options);
 

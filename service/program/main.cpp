@@ -127,7 +127,7 @@ int serve(const Options& options) {
   };
   const auto now = [&machine] { return machine.clock.sinceEpoch(); };
   Interface interface(store, board,
-                      {isOpen ? &tokens : nullptr, options.mostUnfinished, options.registerName, wake, now});
+                      {isOpen ? &tokens : nullptr, options.mostUnfinished, wake, now, options.registerName});
   http::Server::Options web{options.hosts, mayReusePorts()};
   web.origins = options.origins;
   web.calm = std::chrono::milliseconds(0);
