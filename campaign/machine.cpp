@@ -65,7 +65,7 @@ platform::Attempt<std::string> TappedPort::read(std::int32_t handle, std::size_t
 }
 
 platform::Attempt<std::size_t> TappedPort::waiting(std::int32_t handle) {
-  const auto count = end_->waiting(handle);
+  auto count = end_->waiting(handle);
   hasGone_ = hasGone_ || !count;
   return count;
 }
