@@ -59,10 +59,11 @@ lint() {
   done < <(i686-w64-mingw32-g++-posix -E -x c++ -v /dev/null 2>&1 | grep -E '^ .*(include/c\+\+|mingw32/include)')
   sources -name '*.cpp' "${scope[@]}" | sort >build/lint.files
   sed -n 's/^ *"file": "\(.*\)",\?$/\1/p' build/lint-native/compile_commands.json | sort >build/lint.native
-  comm -12 build/lint.files build/lint.native | lint_each native
+  local found=0
+  comm -12 build/lint.files build/lint.native | lint_each native || found=1
   # What the native build leaves out is Windows' own.
-  comm -23 build/lint.files build/lint.native | lint_each win32 "${cross[@]}"
-  mv "$stamp.new" "$stamp"
+  comm -23 build/lint.files build/lint.native | lint_each win32 "${cross[@]}" || found=1
+  ((found == 0)) && mv "$stamp.new" "$stamp"
 }
 
 # lint_each PRESET [ARGUMENT...]: the files are named on the standard input. Warnings of the compiler itself are the
