@@ -48,7 +48,7 @@ lint() {
   build_preset native tools/all
   build_preset win32 examples/cpp/VarlenFiscalQ7734.h
   local stamp=build/lint.stamp scope=() folder
-  local cross=(--extra-arg=--target=i686-w64-mingw32 "--extra-arg=-I$repo/build/win32/examples/cpp")
+  local cross=(--extra-arg=--target=i686-w64-mingw32 "--extra-arg=-isystem$repo/build/win32/examples/cpp")
   touch "$stamp.new"
   if [[ -e $stamp && .clang-tidy -ot $stamp && -z $(sources -name '*.h' -newer "$stamp") ]]; then
     scope=(-newer "$stamp")
