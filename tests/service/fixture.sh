@@ -11,8 +11,8 @@ die() {
 }
 
 end_all() {
-  local status=$? name
-  for name in "${!pids[@]}"; do kill -KILL "${pids[$name]}" 2>/dev/null || true; done
+  local status=$? pid
+  for pid in "${pids[@]}" $(jobs -p); do kill -KILL "$pid" 2>/dev/null || true; done
   wait 2>/dev/null || true
   ((status == 0)) || tail -n 4 "$work"/*.log >&2
   rm -rf "$work"
@@ -66,6 +66,8 @@ start_register() {
 
 # start_service NUMBER OPTION...: at the register of that number.
 start_service() {
+  # What its predecessor wrote there is not its own.
+  rm -f "$work/service-$1.log"
   "$bin/mirvane-service" --register "$(<"$work/register-$1.udp")" --web 0 "${@:2}" >"$work/service-$1.log" 2>&1 &
   pids[service-$1]=$!
   from "service-$1" '.*"web":"?([^"]*)/".*' >"$work/service-$1.web"
