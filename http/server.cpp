@@ -80,6 +80,10 @@ class Server::Hub::Session : public std::enable_shared_from_this<Session> {
   /// Something has changed.
   void wake() {
     if (state_ == State::kStreaming) return tellChange();
+    askAgain();
+  }
+
+  void askAgain() {
     if (state_ != State::kWaiting) return;
     Answer answer = hub_->answerTo(request_);
     if (answer.waitSeconds <= 0) send(answer);
@@ -326,5 +330,10 @@ std::string Server::url() const {
 }
 
 void Server::changed() { hub_->announce(); }
+
+void Server::askAgain() {
+  const Hub::Sessions sessions = hub_->sessions;
+  for (const auto& session : sessions) session->askAgain();
+}
 
 }  // namespace mirvane::http

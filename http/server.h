@@ -49,6 +49,8 @@ class Server {
   /// Tells whoever listens to a stream or waits for something. What comes in quick succession is told once, and a
   /// listener that is slow is told the less often.
   void changed();
+  /// Puts the requests that wait once more; streams are told nothing.
+  void askAgain();
 
  private:
   struct Hub;

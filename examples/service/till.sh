@@ -23,8 +23,8 @@ for ((tries = 0; tries < 30; ++tries)); do
   answer=$(ask PUT "/v1/receipts/$order" "$receipt")
   case $(member state <<<"$answer") in
     committed) echo "receipt $(member number <<<"$answer"), total $(member total <<<"$answer")" && exit 0 ;;
-    queued | printing | waiting | '') sleep 1 ;;
-    *) break ;;
+    queued | printing | waiting) sleep 1 ;;
+    *) if [[ $answer ]]; then break; else sleep 1; fi ;;
   esac
 done
 echo "$answer" >&2

@@ -61,11 +61,12 @@ std::unique_ptr<Store> openStore(const Options& options) {
 #endif
 }
 
-/// What other services write into the store is told to whoever waits here, too.
-void watchOthers(boost::asio::steady_timer& timer, Store& store, const std::function<void()>& changed,
-                 std::int64_t seen) {
+/// What other services write into the store is told here, too. A caller may wait for another register's receipt, which
+/// is none of the changes that concern this one.
+void watchOthers(boost::asio::steady_timer& timer, Store& store, http::Server& server,
+                 const std::function<void()>& wake, std::int64_t seen) {
   timer.expires_after(std::chrono::milliseconds(500));
-  timer.async_wait([&timer, &store, changed, seen](const boost::system::error_code& error) {
+  timer.async_wait([&timer, &store, &server, wake, seen](const boost::system::error_code& error) {
     if (error) return;
     std::int64_t latest = seen;
     try {
@@ -73,8 +74,13 @@ void watchOthers(boost::asio::steady_timer& timer, Store& store, const std::func
     } catch (const StoreError&) {
       // The worker tells what is wrong.
     }
-    if (latest != seen) changed();
-    watchOthers(timer, store, changed, latest);
+    if (latest != seen) {
+      wake();
+      server.changed();
+    } else {
+      server.askAgain();
+    }
+    watchOthers(timer, store, server, wake, latest);
   });
 }
 
@@ -139,13 +145,7 @@ int serve(const Options& options) {
   });
   board.onChange = [&] { boost::asio::post(loop, [&server] { server.changed(); }); };
   boost::asio::steady_timer timer(loop);
-  if (store.isShared()) {
-    const auto changed = [&] {
-      wake();
-      server.changed();
-    };
-    watchOthers(timer, store, changed, 0);
-  }
+  if (store.isShared()) watchOthers(timer, store, server, wake, 0);
   std::promise<void> end;
   std::thread thread([&] {
     worker.run([&alarm](std::uint32_t milliseconds) { alarm.sleep(milliseconds); });

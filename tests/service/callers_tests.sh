@@ -26,5 +26,5 @@ for ((i = 0; i < ${#tills[@]}; ++i)); do
   done
 done
 [[ $(receipts 1) == "${#tills[@]}" ]] || die "$(receipts 1) receipts of ${#tills[@]} tills"
-! ${tills[0]} 'no id' 2>/dev/null || die "an id that is none"
+! ${tills[0]} 'no!id' 2>/dev/null || die "an id that is none"
 echo "${#tills[@]} tills, each order twice: one receipt each"

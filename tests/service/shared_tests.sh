@@ -13,8 +13,8 @@ for till in 1 2 3; do
   share $till
 done
 
-# The same id through another service is the same receipt; a name that nobody has is refused.
-[[ $(put 1 first '?register=till-3' | jq -r '.state + " " + .register') == 'committed till-3' ]]
+# The same id through another service is the same receipt, told when it is done; a name that nobody has is refused.
+[[ $(put 1 first '?register=till-3' 600 | jq -r '.state + " " + .register') == 'committed till-3' ]]
 [[ $(put 2 first | jq -r .register) == till-3 ]]
 [[ $(put 2 first '?register=till-1' | jq -r .status) == 409 ]]
 [[ $(put 1 nobody '?register=till-9' | jq -r .status) == 404 ]]
