@@ -61,7 +61,8 @@ for file in build/win32/com/MirvaneEFT.idl component/com/base.idl; do
 done
 # The release holds neither the headers that the one needs nor the service that the other asks.
 git ls-files examples | grep -vE '\.md$|CMakeLists\.txt$|^examples/(native|service)/' | while read -r file; do put_source "$file"; done
-put docs/result-codes.json docs
+mkdir -p "$content/docs"
+build/native/tools/describe-result-codes "$content/docs/result-codes.json"
 with_windows_line_ends <package/notices.txt >"$content/notices.txt"
 package/manual.sh "$content" "$version"
 

@@ -15,7 +15,7 @@ check_format() {
 # reference_pages FOLDER
 reference_pages() {
   build/native/tools/describe-members docs/descriptions.txt "$1"
-  build/native/tools/describe-result-codes "$1"
+  build/native/tools/describe-result-codes "$1/result-codes.md"
 }
 
 # The pages that are made are the ones in docs, and a guide's listing has no line that its example lacks.
@@ -23,7 +23,7 @@ check_docs() {
   local page guide example
   mkdir -p build/docs
   reference_pages build/docs
-  for page in reference.md result-codes.md result-codes.json; do
+  for page in reference.md result-codes.md; do
     diff -u "docs/$page" "build/docs/$page" || {
       echo 'to fix it: ./run docs'
       return 1

@@ -1,10 +1,11 @@
-// Writes result-codes.md, for people, and result-codes.json, for programs, into a folder: all that is known of each
-// result, from docs/result_codes.txt and from what the component itself does about it.
+// Writes all that is known of each result, from docs/result_codes.txt and from what the component itself does about it:
+// the page, or, into a file whose name ends in .json, what programs read.
 //
-//   describe-result-codes FOLDER
+//   describe-result-codes FILE
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <fstream>
 #include <iomanip>
 #include <iostream>
@@ -24,8 +25,8 @@ constexpr std::string_view kIntroduction =
 # Result codes
 
 What `Result` means after a call, and what to do. Find the number in the list, or search this page for the text on the
-screen. For how a till should react see [handle errors](handle-errors.md). Programs can read the same from
-[result-codes.json](result-codes.json).
+screen. For how a till should react see [handle errors](handle-errors.md). For programs, the release has the same as
+`docs/result-codes.json`.
 
 **May the call be repeated?** "yes": nothing was done; repeat the call once the cause is fixed. "yes, later": nothing was
 done; repeat the call once the obstacle is gone. "no": it would be done twice, or is being done already. "ask first": ask
@@ -132,24 +133,19 @@ void writeJson(std::ostream& file) {
   file << nlohmann::ordered_json{{"note", kJsonNote}, {"codes", codes}}.dump(1) << "\n";
 }
 
-void writeFile(const std::string& name, void (*write)(std::ostream&)) {
-  std::ofstream file(name, std::ios::binary);
-  write(file);
-  file.close();
-  if (!file) throw std::runtime_error("cannot write " + name);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 2) {
-    std::cerr << "usage: describe-result-codes FOLDER\n";
+    std::cerr << "usage: describe-result-codes FILE\n";
     return 2;
   }
   try {
-    const std::string folder = argv[1];
-    writeFile(folder + "/result-codes.md", writePage);
-    writeFile(folder + "/result-codes.json", writeJson);
+    const std::filesystem::path name = argv[1];
+    std::ofstream file(name, std::ios::binary);
+    name.extension() == ".json" ? writeJson(file) : writePage(file);
+    file.close();
+    if (!file) throw std::runtime_error("cannot write " + name.string());
   } catch (const std::exception& error) {
     std::cerr << error.what() << "\n";
     return 1;

@@ -24,7 +24,7 @@ if [[ ${1-} == manual ]]; then
   rm -rf "$WORK/content"
   mkdir -p "$WORK/content"
   cd "$repo"
-  git ls-files examples docs/result-codes.json | xargs cp --parents -t "$WORK/content"
+  git ls-files examples | xargs cp --parents -t "$WORK/content"
   package/manual.sh "$WORK/content" 1.0.0
   node "$here/manual_tests.cjs" "$WORK/content/manual"
   exit

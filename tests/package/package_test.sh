@@ -1,7 +1,7 @@
 #!/bin/bash
-# The release as people get it. "content" makes it, signed, in build/package-test, and looks at it; "wine" installs it in a
-# prefix that is made for it, sells, upgrades, uninstalls; "try_on_windows.32" and "try_on_windows.64" run what the release
-# brings to be tried by. What they leave behind is in build/package-test.
+# The release as people get it. "release" makes it, signed, in build/package-test; "content" looks at it, and makes it twice
+# more; "wine" installs it in a prefix of its own, sells, upgrades, uninstalls; "try_on_windows.32" and "try_on_windows.64"
+# run the trial that the release contains. What they leave behind is in build/package-test.
 set -euo pipefail
 repo=$(cd "$(dirname "$0")/../.." && pwd)
 cd "$repo"
@@ -21,6 +21,17 @@ setup=$content-setup.exe
 trap clean_up EXIT
 trap 'exit 130' INT TERM
 
+# ---- release
+
+release() {
+  rm -rf "$out"
+  mkdir -p "$WORK"
+  openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=Test -days 2 -addext extendedKeyUsage=codeSigning \
+    -keyout "$out/key.pem" -out "$out/certificate.pem" 2>/dev/null
+  openssl pkcs12 -export -inkey "$out/key.pem" -in "$out/certificate.pem" -passout pass: -out "$out/test.p12"
+  MIRVANE_TIMESTAMP=none package/make.sh "$out/signed" --sign "$out/test.p12" >"$WORK/make.log" 2>&1 || die "$(<"$WORK/make.log")"
+}
+
 # ---- content
 
 imports() {
@@ -29,12 +40,7 @@ imports() {
 
 content() {
   local file
-  rm -rf "$out"
   mkdir -p "$WORK"
-  openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=Test -days 2 -addext extendedKeyUsage=codeSigning \
-    -keyout "$out/key.pem" -out "$out/certificate.pem" 2>/dev/null
-  openssl pkcs12 -export -inkey "$out/key.pem" -in "$out/certificate.pem" -passout pass: -out "$out/test.p12"
-  MIRVANE_TIMESTAMP=none package/make.sh "$out/signed" --sign "$out/test.p12" >"$WORK/make.log" 2>&1 || die "$(<"$WORK/make.log")"
   find "$content" -name '*.dll' -o -name '*.exe' >"$WORK/programs"
   echo "$setup" >>"$WORK/programs"
   while read -r file; do
