@@ -14,6 +14,8 @@ namespace {
 
 using emulator::Cents;
 
+constexpr double kLargest = 1e12;
+
 std::optional<Cents> centsIn(TextView field) { return emulator::parseFixed(toUtf8(field), 2); }
 
 // The five totals and the receipt's, when the device tells them as it does, in cents, and they agree.
@@ -64,7 +66,9 @@ void run(Input input) {
   std::optional<std::array<Cents, 5>> totals;
   machine.script(input, true, [&](const std::string& command, const Reply* reply) {
     if (command == "9/") totals = totalsIn(*reply);
-    if (command.starts_with("4/") && !onLastItem) check(command, isDiscount, asked, totals);
+    // On an empty receipt any amount goes to the register, which refuses it.
+    const bool isAmount = isPercent || asked < kLargest;
+    if (command.starts_with("4/") && !onLastItem && isAmount) check(command, isDiscount, asked, totals);
   });
   const auto adjustment = convertTo<ObjectPtr>(till->call("adjustment", onLastItem));
   const char* const members[] = {"amountMarkUp", "amountDiscount", "percentMarkUP", "percentDiscount"};

@@ -20,7 +20,7 @@ class Reader {
     if (command != "Q/" || !reply.succeeded() || !hasStatus(reply.raw()) || reply.countAll() < 3) return;
     const Text& state = reply.textAt(0);
     const bool isSummary = name_.ends_with(u"_s.txt");
-    if (state == u"1") open_.push_back(toCodePage(reply.textAt(1)));
+    if (state == u"1" && !reply.textAt(1).empty()) open_.push_back(toCodePage(reply.textAt(1)));
     if (state == u"0" || state == u"2" || (state == u"3" && (savesAll_ || isSummary))) {
       // What has no name cannot be saved; the device names every file.
       if (savesAll_ || !name_.empty()) complete_.insert(complete_.end(), open_.begin(), open_.end());
