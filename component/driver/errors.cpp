@@ -5,9 +5,10 @@ namespace mirvane {
 // What a Result means for whoever got it.
 void addErrors(Rows& rows) {
   using namespace contract;
-  rows.implement<bFixableError>([](Driver& /*driver*/, Integer& iErr) { return endsByItself(iErr); });
-  rows.implement<isErrorFixable>([](Driver& /*driver*/, Integer& iErr) { return endsByItself(iErr); });
-  rows.implement<bShouldRetry>([](Driver& /*driver*/, Integer& iErr) { return mayBeSentAgain(iErr); })
+  const auto ends = [](Driver& /*driver*/, Integer& iErr) { return endsByItself(iErr); };
+  rows.implement<bFixableError>(ends)
+      .implement<isErrorFixable>(ends)
+      .implement<bShouldRetry>([](Driver& /*driver*/, Integer& iErr) { return mayBeSentAgain(iErr); })
       .implement<isCriticalError>([](Driver& /*driver*/, Integer& iErr) { return isCritical(iErr); });
 }
 
