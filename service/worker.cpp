@@ -80,7 +80,7 @@ bool Worker::makeReady() {
   if (isOlderThanRegister(*now)) {
     hold(*now);
     if (!board_.takeWish("accept")) return false;
-    board_.log("accepted", {});
+    board_.log("accepted", {{"serialNumber", register_.serialNumber()}});
   }
   store_.remember("seen", seenText(register_.serialNumber(), *now));
   board_.change([](Board::Facts& facts) { facts.held.clear(); });

@@ -1,9 +1,13 @@
 'use strict';
 
 const mostShown = 50, mostAtOnce = 200;
-const euro = (value) => '€ ' + money(value);
-const time = (moment) => new Intl.DateTimeFormat(language === 'en' ? 'en-GB' : language,
-  { dateStyle: 'short', timeStyle: 'medium', hourCycle: 'h23' }).format(new Date(moment));
+const euro = (value) => '€\u00a0' + money(value);
+/** Today's without the date. */
+function time(moment) {
+  const date = new Date(moment), isToday = date.toDateString() === new Date().toDateString();
+  return new Intl.DateTimeFormat(language === 'en' ? 'en-GB' : language,
+    { ...!isToday && { dateStyle: 'short' }, timeStyle: 'medium', hourCycle: 'h23' }).format(date);
+}
 const sleep = (milliseconds) => new Promise((done) => { setTimeout(done, milliseconds); });
 
 // ---- Asking
@@ -152,14 +156,15 @@ function show() {
   const over = [...jobs.values()].filter(isOver).sort((a, b) => b.version - a.version);
   const sold = over.filter(({ kind }) => kind === 'receipt');
   const waiting = [...jobs.values()].filter((job) => !isOver(job)).sort(byPlace);
-  const cases = casesOf(over.filter(({ state }) => state === 'unknown').sort(byPlace), waiting);
+  const cases = casesOf(over.filter(({ state }) => state === 'unknown').sort(byPlace), waiting.filter(({ due }) => due));
   for (const job of over) {
     if (job.state !== 'unknown' && sold.indexOf(job) === -1 || sold.indexOf(job) >= mostShown) jobs.delete(job.id);
   }
   $('serial').textContent = status.serialNumber;
+  const unpaid = waiting.find(({ due }) => due);
   $('state').textContent = status.held ? word.held : status.waiting ? word.waits[status.waiting.on]
-    : status.connected ? word.connected : word.away;
-  $('at-hand').textContent = status.job ?? word.none;
+    : unpaid ? word.states['needs-payment'] : status.connected ? word.connected : word.away;
+  $('at-hand').textContent = status.job ?? unpaid?.id ?? word.none;
   $('unfinished').textContent = status.unfinished;
   $('needs').textContent = word.needs(cases.length);
   $('hand').classList.toggle('urgent', cases.length > 0);
@@ -174,9 +179,10 @@ const rowOf = (element) => (job) =>
 
 /** A button that asks first: what it does cannot be undone. */
 function button(act, className, question, run) {
-  const element = make('button', { text: word.acts[act], className, 'data-act': act });
+  const element = make('button', { type: act === 'pay' ? 'submit' : 'button', text: word.acts[act], className, 'data-act': act });
   element.onclick = async () => {
-    if (!confirm(question())) return;
+    const text = question();
+    if (!text || !confirm(text)) return;
     element.disabled = true;
     await run().catch(tell);
     element.disabled = false;
@@ -189,9 +195,9 @@ const simple = (act, className, what, ...request) =>
 const cancelButton = (job) => simple('cancel', 'bad', nameOf(job), 'DELETE', `/jobs/${job.id}`);
 
 /** What the service says of a code or a reason. */
-function explanation({ meaning, remedy, code, text, again, page }) {
-  const parts = meaning ? [make('p', { text: meaning[language] }), make('p', { text: remedy[language] })] : [];
-  if (again) parts.push(make('p', { text: word.again }));
+function explanation({ meaning, remedy, code, text, page }) {
+  const parts = meaning ? [make('p', { text: meaning[language] }),
+    make('p', {}, make('b', { text: word.remedy + ': ' }), remedy[language])] : [];
   const source = [code && `${word.code} ${code}`, text].filter(Boolean).join(': ');
   if (source) parts.push(make('p', { className: 'source', text: source }, ...page ? [' ', make('a', { href: page, text: word.guides })] : []));
   return parts;
@@ -199,72 +205,63 @@ function explanation({ meaning, remedy, code, text, again, page }) {
 
 // ---- What needs a hand
 
-function casesOf(unknown, waiting) {
-  const rows = [];
-  const add = (key, about, title, ...parts) => rows.push({
-    key, stamp: `${language} ${JSON.stringify(about)}`,
-    make: () => make('li', {}, make('h3', { text: title }), ...parts.flatMap((part) => part())),
+function casesOf(unknown, unpaid) {
+  const rows = [], { held, waiting, job, terminals } = status;
+  const add = (key, about, title, parts) => rows.push({
+    key, stamp: language + JSON.stringify(about), make: () => make('li', {}, make('h3', { text: title }), ...parts()),
   });
-  const acts = (...buttons) => () => make('div', { className: 'acts' }, ...buttons.map((one) => one()));
-  const { held, waiting: wait, job, terminals } = status;
+  const acts = (...buttons) => make('div', { className: 'acts' }, ...buttons.filter(Boolean));
   for (const one of unknown) {
-    const settle = (was, className) => () =>
-      simple(was, className, nameOf(one), 'PUT', `/jobs/${one.id}/settlement`, { was });
-    add(one.id, one.version, word.unknownTitle(nameOf(one)), () => explanation(one.unknown.why), () => picturesElement(one.unknown),
-      () => askedElement(one, true), acts(settle('committed', 'good'), settle('not-committed', 'bad')));
+    const settle = (was, className) => simple(was, className, nameOf(one), 'PUT', `/jobs/${one.id}/settlement`, { was });
+    add(one.id, one.version, word.unknownTitle(nameOf(one)), () => [...explanation(one.unknown.why), picturesElement(one.unknown),
+      askedElement(one, true), acts(settle('committed', 'good'), settle('not-committed', 'bad'))]);
   }
   if (held) {
-    const accept = held.name === 'older-than-register' ? [() => simple('accept', 'good', '', 'POST', '/register/accept')] : [];
-    add('held', held, word.heldTitle, () => explanation(held), acts(...accept));
+    add('held', held, word.heldTitle, () => [...explanation(held),
+      acts(held.name === 'older-than-register' && simple('accept', 'good', '', 'POST', '/register/accept'))]);
   }
-  if (wait) {
-    const at = jobs.get(job), isForeign = wait.name === 'document-open';
-    add('wait', [job, wait], word.waits[wait.on] + (at ? ` – ${nameOf(at)}` : ''), () => explanation(wait),
-      acts(...isForeign ? [() => simple('void', '', '', 'POST', '/register/void')] : [], ...at ? [() => cancelButton(at)] : []));
+  if (waiting) {
+    const at = jobs.get(job);
+    add('waiting', [job, waiting], word.waits[waiting.on] + (at ? ` – ${nameOf(at)}` : ''), () => [...explanation(waiting),
+      acts(waiting.name === 'document-open' && simple('void', '', '', 'POST', '/register/void'), at && cancelButton(at))]);
   }
-  for (const one of waiting.filter(({ state }) => state === 'needs-payment')) {
-    add(one.id, [one.version, terminals], word.dueTitle(nameOf(one), euro(one.due.remaining)),
-      () => one.due.failure ? explanation(one.due.failure) : [], () => askedElement(one),
-      () => paymentElement(one), acts(() => cancelButton(one)));
+  for (const one of unpaid) {
+    add(one.id, [one.version, terminals], word.dueTitle(nameOf(one), euro(one.due.remaining)), () =>
+      [...one.due.failure ? explanation(one.due.failure) : [], askedElement(one), paymentElement(one)]);
   }
   return rows;
 }
 
 /** The register before and now, where the two differ. */
 function picturesElement({ before, now }) {
-  const cents = (value) => euro(value / 100);
   const shown = ({ open, total, remaining, ...rest }) => ({
-    ...rest, open: word.opens[open] + (open === 1 ? ` ${word.left(cents(total), cents(remaining))}` : ''),
+    ...rest, open: word.opens[open] + (open === 1 ? ` ${word.left(euro(total / 100), euro(remaining / 100))}` : ''),
   });
   // A day has a number as soon as anything is known of it.
   const pictures = [before, now].map((picture) => picture.day ? shown(picture) : {});
-  const row = (cell, ...texts) => make('tr', {}, ...texts.map((text, i) => make(i ? cell : 'th', { text, ...!i && { scope: 'row' } })));
-  return make('table', {}, make('thead', {}, row('th', word.picture, word.before, word.now)), make('tbody', {},
-    ...Object.entries(word.pictures).map(([name, text]) => {
-      const element = row('td', text, ...pictures.map((picture) => String(picture[name] ?? word.none)));
-      if (pictures[0].day && pictures[0][name] !== pictures[1][name]) element.className = 'differs';
-      return element;
-    })));
+  return table([word.picture, word.before, word.now], Object.entries(word.pictures).map(([name, text]) => {
+    const element = tableRow('td', text, ...pictures.map((picture) => String(picture[name] ?? word.none)));
+    if (pictures[0].day && pictures[0][name] !== pictures[1][name]) element.className = 'differs';
+    return element;
+  }));
 }
 
-function paymentElement({ id, kind, due }) {
-  const select = (name, label, entries) => make('label', { text: word[label] },
-    make('select', { name }, ...entries.map(([value, text]) => make('option', { value, text }))));
-  const form = make('form', {},
-    select('type', 'tender', Object.entries(word.tenders)),
-    select('terminal', 'terminal', [['0', word.noTerminal], ...status.terminals.map((one) => [one, word.terminalNumber(one)])]),
-    make('label', { text: word.amount }, make('input', { name: 'amount', type: 'number', min: '0.01', step: '0.01', value: due.remaining.toFixed(2), required: '' })));
-  const { type, terminal, amount } = form.elements;
-  const forCards = () => { terminal.parentElement.hidden = type.value !== 'card'; };
-  type.onchange = forCards;
-  forCards();
+function paymentElement(job) {
+  const field = (label, element) => make('label', { text: word[label] }, element);
+  const select = (entries) => make('select', {}, ...entries.map(([value, text]) => make('option', { value, text })));
+  const type = select(Object.entries(word.tenders));
+  const terminal = select([[0, word.noTerminal], ...status.terminals.map((one) => [one, word.terminalNumber(one)])]);
+  const amount = make('input', { type: 'number', min: '0.01', step: '0.01', value: job.due.remaining.toFixed(2), required: '' });
+  const forCards = field('terminal', terminal);
+  forCards.hidden = true;
+  type.onchange = () => { forCards.hidden = type.value !== 'card'; };
+  const question = () => form.reportValidity() && word.sure.pay(nameOf(job), euro(Number(amount.value)));
+  const form = make('form', { className: 'acts' }, field('tender', type), forCards, field('amount', amount), button('pay', 'good', question, async () => {
+    const payment = { type: type.value, amount: Number(amount.value), ...type.value === 'card' && { terminal: Number(terminal.value) } };
+    const { added } = await get(`/receipts/${job.id}`);
+    await ask('PUT', `/receipts/${job.id}/payments/${added.length + 1}`, payment);
+  }), cancelButton(job));
   form.onsubmit = (event) => event.preventDefault();
-  form.append(button('pay', 'good', () => form.reportValidity() && word.sure.pay(nameOf({ id, kind }), euro(Number(amount.value))), async () => {
-    const payment = { type: type.value, amount: Number(amount.value) };
-    if (type.value === 'card') payment.terminal = Number(terminal.value);
-    const { added } = await get(`/receipts/${id}`);
-    await ask('PUT', `/receipts/${id}/payments/${added.length + 1}`, payment);
-  }));
   return form;
 }
 
@@ -275,15 +272,15 @@ const chip = (state) => make('span', { text: word.states[state],
 
 function queuedElement(job) {
   const state = stateOf(job);
-  return make('li', { className: 'row' }, make('time', { text: time(job.created) }), make('b', { text: nameOf(job) }), chip(state),
-    ...state === 'needs-payment' ? [] : [cancelButton(job)]);
+  return make('li', { className: 'row' }, make('time', { text: time(job.created) }), make('b', { text: nameOf(job) }),
+    make('span', { className: 'end' }, chip(state), ' ', ...job.due ? [] : [cancelButton(job)]));
 }
 
 function soldElement(job) {
-  const { number, total } = job.booked ?? {};
+  const { number = '', total } = job.booked ?? {};
   return make('li', {}, detailsElement(job, make('summary', {}, make('time', { text: time(job.changed) }),
-    make('b', { text: number ? `${word.kinds.receipt} ${number}` : word.kinds.receipt }), make('span', { className: 'source', text: job.id }),
-    ...total === undefined ? [] : [make('span', { className: 'sum', text: euro(total) })], chip(job.state))));
+    make('b', { text: `${word.kinds.receipt} ${number}` }), make('span', { className: 'source', text: job.id }),
+    make('span', { className: 'end' }, make('b', { text: total === undefined ? '' : euro(total) }), ' ', chip(job.state)))));
 }
 
 const askedElement = (job, isOpen) => detailsElement(job, make('summary', { text: word.asked }), isOpen);
@@ -302,24 +299,28 @@ function detailsElement({ id }, summary, isOpen = false) {
 }
 
 function aboutParts({ asked, added = [], booked = {}, failure, unknown, settled, created, changed, register, group, total }) {
-  const tender = ({ type, amount, terminal }) => word.tenders[type] + (amount === undefined ? '' : ` ${euro(amount)}`)
-    + (terminal ? ` (${word.terminalNumber(terminal)})` : '');
-  const tenders = (list = []) => list.map(tender).join(', ');
+  const tenders = (list = []) => list.map(({ type, amount, terminal }) => word.tenders[type]
+    + (amount ? ' ' + euro(amount) : '') + (terminal ? ` (${word.terminalNumber(terminal)})` : '')).join(', ');
+  const sum = total ?? asked.amount;
   const facts = Object.entries({
-    number: booked.number, day: booked.day, total: total === undefined ? asked.amount && euro(asked.amount) : euro(total),
-    payments: tenders([...asked.payments ?? [], ...added]), paid: tenders(booked.tenders),
-    change: booked.change ? euro(booked.change) : '', created: time(created), changed: time(changed),
+    number: booked.number, day: booked.day, total: sum && euro(sum),
+    payments: tenders([...asked.payments ?? [], ...added]), paid: tenders(booked.tenders), change: booked.change && euro(booked.change),
+    created: time(created), changed: time(changed),
     where: [register, group].filter(Boolean).join(', '), settled: settled && `${word.acts[settled.was]}, ${time(settled.time)}`,
   }).filter(([, value]) => value);
-  const parts = [make('dl', { className: 'facts' }, ...facts.map(([name, value]) => make('div', {}, make('dt', { text: word[name] }), make('dd', { text: value }))))];
+  const parts = [make('dl', { className: 'facts' },
+    ...facts.map(([name, value]) => make('div', {}, make('dt', { text: word[name] }), make('dd', { text: value }))))];
   if (failure) parts.push(...explanation(failure));
-  if (unknown && settled) parts.push(...explanation(unknown.why), picturesElement(unknown));
+  if (failure?.again) parts.push(make('p', { text: word.again }));
+  if (settled) parts.push(...explanation(unknown.why), picturesElement(unknown));
   if (asked.lines) {
-    parts.push(make('table', {}, make('thead', {}, make('tr', {}, ...['line', 'price'].map((name) => make('th', { text: word[name] })))),
-      make('tbody', {}, ...asked.lines.map((line) => make('tr', {}, make('td', { text: lineText(line) }), make('td', { text: priceText(line) }))))));
+    parts.push(table(['line', 'price'].map((name) => word[name]), asked.lines.map((line) => tableRow('td', lineText(line), priceText(line)))));
   }
   return parts;
 }
+
+const tableRow = (cell, ...texts) => make('tr', {}, ...texts.map((text) => make(cell, { text })));
+const table = (titles, rows) => make('table', {}, make('thead', {}, tableRow('th', ...titles)), make('tbody', {}, ...rows));
 
 const lineText = (line) => typeof line === 'string' ? line
   : [word.lineKinds[line.type], line.description, line.text, line.comment].filter(Boolean).join(' · ');
