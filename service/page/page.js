@@ -94,6 +94,7 @@ async function refresh() {
       }
       status = await get('/status');
       show();
+      tellLink(true);
       await sleep(150);
     }
   } catch (error) {
@@ -112,7 +113,6 @@ async function live() {
     try {
       await load();
       const stream = (await ask('GET', '/events', undefined, ending.signal)).body.getReader();
-      tellLink(true);
       // Whatever comes, and be it a heartbeat, is a reason to ask.
       while (!(await stream.read()).done) refresh();
     } catch (error) {
@@ -156,15 +156,14 @@ function show() {
   const over = [...jobs.values()].filter(isOver).sort((a, b) => b.version - a.version);
   const sold = over.filter(({ kind }) => kind === 'receipt');
   const waiting = [...jobs.values()].filter((job) => !isOver(job)).sort(byPlace);
-  const cases = casesOf(over.filter(({ state }) => state === 'unknown').sort(byPlace), waiting.filter(({ due }) => due));
-  for (const job of over) {
-    if (job.state !== 'unknown' && sold.indexOf(job) === -1 || sold.indexOf(job) >= mostShown) jobs.delete(job.id);
-  }
+  const unknown = over.filter(({ state }) => state === 'unknown').sort(byPlace), unpaid = waiting.filter(({ due }) => due);
+  const cases = casesOf(unknown, unpaid);
+  const shown = [...unknown, ...sold.slice(0, mostShown)];
+  for (const job of over) if (!shown.includes(job)) jobs.delete(job.id);
   $('serial').textContent = status.serialNumber;
-  const unpaid = waiting.find(({ due }) => due);
   $('state').textContent = status.held ? word.held : status.waiting ? word.waits[status.waiting.on]
-    : unpaid ? word.states['needs-payment'] : status.connected ? word.connected : word.away;
-  $('at-hand').textContent = status.job ?? unpaid?.id ?? word.none;
+    : unpaid.length ? word.states['needs-payment'] : status.connected ? word.connected : word.away;
+  $('at-hand').textContent = status.job ?? unpaid[0]?.id ?? word.none;
   $('unfinished').textContent = status.unfinished;
   $('needs').textContent = word.needs(cases.length);
   $('hand').classList.toggle('urgent', cases.length > 0);
@@ -177,12 +176,12 @@ function show() {
 const rowOf = (element) => (job) =>
   ({ key: job.id, stamp: `${language} ${job.version} ${stateOf(job)}`, make: () => element(job) });
 
-/** A button that asks first: what it does cannot be undone. */
-function button(act, className, question, run) {
-  const element = make('button', { type: act === 'pay' ? 'submit' : 'button', text: word.acts[act], className, 'data-act': act });
+/** A button that asks first: what it does to `what` cannot be undone. No question, no deed. */
+function button(act, className, what, run, question = () => word.sure[act](what)) {
+  const text = word.acts[act], element = make('button', { text, className, 'data-act': act, 'aria-label': text + (what && `: ${what}`) });
   element.onclick = async () => {
-    const text = question();
-    if (!text || !confirm(text)) return;
+    const asked = question();
+    if (!asked || !confirm(asked)) return;
     element.disabled = true;
     await run().catch(tell);
     element.disabled = false;
@@ -190,8 +189,7 @@ function button(act, className, question, run) {
   };
   return element;
 }
-const simple = (act, className, what, ...request) =>
-  button(act, className, () => word.sure[act](what), () => ask(...request));
+const simple = (act, className, what, ...request) => button(act, className, what, () => ask(...request));
 const cancelButton = (job) => simple('cancel', 'bad', nameOf(job), 'DELETE', `/jobs/${job.id}`);
 
 /** What the service says of a code or a reason. */
@@ -217,12 +215,12 @@ function casesOf(unknown, unpaid) {
       askedElement(one, true), acts(settle('committed', 'good'), settle('not-committed', 'bad'))]);
   }
   if (held) {
-    add('held', held, word.heldTitle, () => [...explanation(held),
+    add('!held', held, word.heldTitle, () => [...explanation(held),
       acts(held.name === 'older-than-register' && simple('accept', 'good', '', 'POST', '/register/accept'))]);
   }
   if (waiting) {
     const at = jobs.get(job);
-    add('waiting', [job, waiting], word.waits[waiting.on] + (at ? ` – ${nameOf(at)}` : ''), () => [...explanation(waiting),
+    add('!waiting', [job, waiting], word.waits[waiting.on] + (at ? ` – ${nameOf(at)}` : ''), () => [...explanation(waiting),
       acts(waiting.name === 'document-open' && simple('void', '', '', 'POST', '/register/void'), at && cancelButton(at))]);
   }
   for (const one of unpaid) {
@@ -232,7 +230,7 @@ function casesOf(unknown, unpaid) {
   return rows;
 }
 
-/** The register before and now, where the two differ. */
+/** The register before and now. */
 function picturesElement({ before, now }) {
   const shown = ({ open, total, remaining, ...rest }) => ({
     ...rest, open: word.opens[open] + (open === 1 ? ` ${word.left(euro(total / 100), euro(remaining / 100))}` : ''),
@@ -255,12 +253,14 @@ function paymentElement(job) {
   const forCards = field('terminal', terminal);
   forCards.hidden = true;
   type.onchange = () => { forCards.hidden = type.value !== 'card'; };
-  const question = () => form.reportValidity() && word.sure.pay(nameOf(job), euro(Number(amount.value)));
-  const form = make('form', { className: 'acts' }, field('tender', type), forCards, field('amount', amount), button('pay', 'good', question, async () => {
+  const pay = async () => {
     const payment = { type: type.value, amount: Number(amount.value), ...type.value === 'card' && { terminal: Number(terminal.value) } };
     const { added } = await get(`/receipts/${job.id}`);
     await ask('PUT', `/receipts/${job.id}/payments/${added.length + 1}`, payment);
-  }), cancelButton(job));
+  };
+  const question = () => form.reportValidity() && word.sure.pay(nameOf(job), euro(Number(amount.value)));
+  const form = make('form', { className: 'acts' }, field('tender', type), forCards, field('amount', amount),
+    button('pay', 'good', nameOf(job), pay, question), cancelButton(job));
   form.onsubmit = (event) => event.preventDefault();
   return form;
 }
