@@ -12,9 +12,6 @@ const sleep = (milliseconds) => new Promise((done) => { setTimeout(done, millise
 
 // ---- Asking
 
-/** The service's own words for why it does not do something. */
-class Refused extends Error {}
-
 let token = sessionStorage.getItem('token');
 async function ask(method, path, body, signal) {
   const given = token, headers = { Prefer: 'wait=0', ...given && { Authorization: `Bearer ${given}` } };
@@ -22,20 +19,18 @@ async function ask(method, path, body, signal) {
   if (response.status === 401 && given === token) wantToken();
   if (response.ok) return response;
   const { detail, errors = [] } = await response.json();
-  throw new Refused([detail, ...errors.map(({ where, text }) => `${where}: ${text}`)].join('; '));
+  throw new Error([detail, ...errors.map(({ where, text }) => `${where}: ${text}`)].join('; '));
 }
 const get = async (path) => (await ask('GET', path)).json();
 
-function tell(error) {
-  if (error instanceof Refused) return complain(error.message);
-  console.error(error);
-  tellLink(false);
-}
+/** What cannot be asked at all is a TypeError. */
+const tell = (error) => (error instanceof TypeError ? tellLink(false) : complain(error.message));
 
 function wantToken() {
   if ($('entrance').hidden && token) complain(word.wrongToken);
   stop();
   $('entrance').hidden = false;
+  $('token').value = '';
   $('token').focus();
 }
 
@@ -43,7 +38,6 @@ $('token-form').onsubmit = (event) => {
   event.preventDefault();
   token = $('token').value;
   sessionStorage.setItem('token', token);
-  $('token-form').reset();
   $('entrance').hidden = true;
   live();
 };
@@ -271,9 +265,8 @@ const chip = (state) => make('span', { text: word.states[state],
   className: 'code ' + ({ 'committed': '', 'not-committed': 'refused', 'unknown': 'refused' }[state] ?? 'none') });
 
 function queuedElement(job) {
-  const state = stateOf(job);
   return make('li', { className: 'row' }, make('time', { text: time(job.created) }), make('b', { text: nameOf(job) }),
-    make('span', { className: 'end' }, chip(state), ' ', ...job.due ? [] : [cancelButton(job)]));
+    make('span', { className: 'end' }, chip(stateOf(job)), ' ', ...job.due ? [] : [cancelButton(job)]));
 }
 
 function soldElement(job) {
@@ -285,15 +278,10 @@ function soldElement(job) {
 
 const askedElement = (job, isOpen) => detailsElement(job, make('summary', { text: word.asked }), isOpen);
 
-/** All of a job, asked for when somebody opens it. */
+/** All of a job, asked for whenever somebody opens it. */
 function detailsElement({ id }, summary, isOpen = false) {
-  const element = make('details', {}, summary);
-  element.ontoggle = async () => {
-    if (!element.open || element.children.length > 1) return;
-    const about = make('div', { className: 'about' });
-    element.append(about);
-    await get(`/jobs/${id}`).then((job) => about.append(...aboutParts(job)), (error) => { about.remove(); tell(error); });
-  };
+  const about = make('div', { className: 'about' }), element = make('details', {}, summary, about);
+  element.ontoggle = () => element.open && get(`/jobs/${id}`).then((job) => about.replaceChildren(...aboutParts(job))).catch(tell);
   element.open = isOpen;
   return element;
 }

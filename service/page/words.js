@@ -3,7 +3,7 @@
 const words = {
   en: {
     title: 'Receipts over HTTP', skip: 'To what needs a hand', language: 'Language', live: 'live', lost: 'no connection',
-    guides: 'Guide', entrance: 'Who asks?', token: 'Token', enter: 'Show',
+    guides: 'Guide', token: 'Token', enter: 'Show',
     tokenWanted: 'This service wants a token. It is kept until this tab is closed.', wrongToken: 'This token is not known.',
     hand: 'Needs a hand', needs: (count) => count ? `${count} to do` : 'nothing',
     register: 'Register', state: 'State', atHand: 'At hand', unfinished: 'Unfinished', none: '–',
@@ -39,7 +39,7 @@ const words = {
   },
   el: {
     title: 'Αποδείξεις μέσω HTTP', skip: 'Σε ό,τι χρειάζεται χέρι', language: 'Γλώσσα', live: 'συνδεδεμένη', lost: 'χωρίς σύνδεση',
-    guides: 'Οδηγός', entrance: 'Ποιος ρωτά;', token: 'Κλειδί', enter: 'Εμφάνιση',
+    guides: 'Οδηγός', token: 'Κλειδί', enter: 'Εμφάνιση',
     tokenWanted: 'Η υπηρεσία ζητά κλειδί. Κρατείται μέχρι να κλείσει η καρτέλα.', wrongToken: 'Άγνωστο κλειδί.',
     hand: 'Χρειάζονται ενέργεια', needs: (count) => count ? `${count} προς ενέργεια` : 'τίποτα',
     register: 'Ταμειακή', state: 'Κατάσταση', atHand: 'Τώρα', unfinished: 'Εκκρεμούν', none: '–',

@@ -237,6 +237,7 @@ TEST_F(Service, AStoreOlderThanTheRegisterIsTold) {
   }
   EXPECT_EQ(ask("PUT", "/v1/jobs/b/settlement", R"({"was":"perhaps"})"), 422);
   EXPECT_EQ(ask("PUT", "/v1/jobs/b/settlement", R"({"was":"committed"})"), 200);
+  EXPECT_TRUE(told_.find("unknown") && !told_.find("booked")) << body_;
   EXPECT_EQ(ask("POST", "/v1/register/accept"), 202);
   work();
   EXPECT_EQ(stateAfter("receipts/d", kSold), "committed");
