@@ -272,7 +272,10 @@ void Interface::change(Job& job) {
   options_.wake();
 }
 
-Answer Interface::get(Call& call) { return http::json(jobView(required(call), board_.facts())); }
+Answer Interface::get(Call& call) {
+  const Job job = required(call);
+  return http::json(jobView(job, board_.facts()).update(askedView(job)));
+}
 
 Answer Interface::cancel(Call& call) {
   Job job = required(call);

@@ -65,28 +65,30 @@ Json jobView(const Job& job, const Board::Facts& facts) {
   if (!job.group.empty()) view.set("group", job.group);
   if (isWaiting) view.set("waiting", waitView(facts.wait));
   const Json result = dated(http::parseJson(job.result));
-  switch (job.state) {
-    case State::kNeedsPayment:
-      view.set("due", result);
-      break;
-    case State::kCommitted:
-      view.set("booked", result);
-      break;
-    case State::kNotCommitted:
-      view.set("failure", result);
-      break;
-    case State::kUnknown: {
-      const Json* why = result.find("why");
-      view.set("unknown", Json(result).set("why", whyView(*why->as<std::string>())));
-      break;
-    }
-    default:
-      break;
+  // It stays known when a person has settled what was unknown.
+  if (const Json* why = result.find("why")) {
+    view.set("unknown", Json(result).set("why", whyView(*why->as<std::string>())));
+  } else if (job.state == State::kNeedsPayment) {
+    view.set("due", result);
+  } else if (job.state == State::kCommitted) {
+    view.set("booked", result);
+  } else if (job.state == State::kNotCommitted) {
+    view.set("failure", result);
   }
   if (const Json progress = http::parseJson(job.progress); progress.find("settled")) {
     view.set("settled", dated(*progress.find("settled")));
   }
   return view;
+}
+
+Json askedView(const Job& job) {
+  Json view{{"asked", http::parseJson(job.content)}};
+  if (job.kind != "receipt") return view;
+  Faults faults;
+  view.set("total", euros(readReceipt(*view.find("asked"), {}, faults).total()));
+  const Json progress = http::parseJson(job.progress);
+  const Json* added = progress.find("added");
+  return view.set("added", added ? *added : Json(Json::List{}));
 }
 
 Json statusView(const Board::Facts& facts, int unfinished) {

@@ -7,6 +7,8 @@
 namespace mirvane::service {
 
 http::Json jobView(const Job& job, const Board::Facts& facts);
+/// What was asked for; of a receipt, what it comes to, and the payments that were added later.
+http::Json askedView(const Job& job);
 http::Json statusView(const Board::Facts& facts, int unfinished);
 http::Json totalsView(const Board::Facts& facts);
 /// For Prometheus.

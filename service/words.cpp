@@ -64,8 +64,9 @@ Json failureView(std::int16_t code, const std::string& text) {
 }
 
 Json waitView(const Wait& wait) {
-  Json view = wait.code == 0 && findReason(wait.text) ? whyView(wait.text) : failureView(wait.code, wait.text);
-  return view.set("on", wait.on);
+  // A register that tells of its paper beside the answer gives no code for it.
+  constexpr std::int16_t kPaperEnd = 25;
+  return failureView(wait.on == "paper" ? kPaperEnd : wait.code, wait.text).set("on", wait.on);
 }
 
 Json whyView(const std::string& why) {

@@ -80,7 +80,7 @@ bool Worker::makeReady() {
   if (isOlderThanRegister(*now)) {
     hold(*now);
     if (!board_.takeWish("accept")) return false;
-    board_.log("accepted", {});
+    board_.log("accepted", {{"serialNumber", register_.serialNumber()}});
   }
   store_.remember("seen", seenText(register_.serialNumber(), *now));
   board_.change([](Board::Facts& facts) { facts.held.clear(); });
@@ -124,8 +124,9 @@ void Worker::hold(const Picture& now) {
   constexpr const char* kWhy = "older-than-register";
   if (board_.facts().held == kWhy) return;
   board_.log("held", {{"why", kWhy}});
+  const auto before = Picture::from(http::parseJson(store_.recall("seen")));
   // Each may have been done behind the store's back.
-  while (std::optional<Job> job = store_.claim()) leaveUnknown(*job, kWhy, {}, now);
+  while (std::optional<Job> job = store_.claim()) leaveUnknown(*job, kWhy, before.value_or(Picture()), now);
   board_.change([&](Board::Facts& facts) { facts.held = kWhy; });
 }
 
@@ -216,7 +217,9 @@ void Worker::refuse(Job& job, std::int16_t code, const std::string& text) {
 
 void Worker::leaveUnknown(Job& job, const std::string& why, const Picture& before, const Picture& now) {
   board_.log("unknown", {{"id", job.id}, {"why", why}});
-  finish(job, State::kUnknown, {{"why", why}, {"before", before.json()}, {"now", now.json()}}, now);
+  // What was seen last stays what it was until a person has accepted how the register stands.
+  finish(job, State::kUnknown, {{"why", why}, {"before", before.json()}, {"now", now.json()}},
+         isReady_ ? std::optional(now) : std::nullopt);
 }
 
 }  // namespace mirvane::service

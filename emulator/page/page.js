@@ -2,50 +2,9 @@
 
 const api = '/api/v1';
 const mostDocuments = 60, mostWhileReading = 150, mostEntries = 300;
-const $ = (id) => document.getElementById(id);
-
-// ---- Words
-
-let language = localStorage.getItem('language') || (navigator.language.startsWith('el') ? 'el' : 'en');
-let word = words[language];
 const named = (name) => word.names[name] || name;
-const money = (value) => new Intl.NumberFormat(language, { minimumFractionDigits: 2, maximumFractionDigits: 2 }).format(value);
-
-/** An element with a class, a text and children. */
-function make(tag, { className = '', text = '', ...attributes } = {}, ...children) {
-  const element = document.createElement(tag);
-  if (className) element.className = className;
-  if (text) element.textContent = text;
-  for (const [name, value] of Object.entries(attributes)) element.setAttribute(name, value);
-  element.append(...children);
-  return element;
-}
-
-function speak() {
-  word = words[language];
-  document.documentElement.lang = language;
-  document.title = 'Mirvane – ' + word.title;
-  for (const element of document.querySelectorAll('[data-word]')) element.textContent = word[element.dataset.word];
-  for (const element of document.querySelectorAll('[data-label]')) element.setAttribute('aria-label', word[element.dataset.label]);
-  for (const element of document.querySelectorAll('[data-hint]')) element.placeholder = word[element.dataset.hint];
-  for (const button of document.querySelectorAll('[data-language]')) {
-    button.setAttribute('aria-pressed', button.dataset.language === language);
-  }
-  for (const [name, button] of Object.entries(switches)) button.textContent = word.switches[name];
-  for (const [rule, button] of Object.entries(shots)) button.textContent = word.shots[rule];
-  for (const [name, button] of Object.entries(cards)) button.textContent = word.cards[name];
-  for (const option of $('reason').options) option.textContent = `${option.value} ${word.reasons[option.value]}`;
-}
 
 // ---- Wishes
-
-let noticeTimer;
-function complain(text) {
-  $('notice').textContent = text;
-  $('notice').hidden = false;
-  clearTimeout(noticeTimer);
-  noticeTimer = setTimeout(() => { $('notice').hidden = true; }, 5000);
-}
 
 async function wish(method, path, body) {
   try {
@@ -317,6 +276,13 @@ function makeTrouble() {
   $('reset').onclick = () => { if (confirm(word.resetQuestion)) wish('POST', '/reset'); };
 }
 
+function tellTroubles() {
+  for (const [name, button] of Object.entries(switches)) button.textContent = word.switches[name];
+  for (const [rule, button] of Object.entries(shots)) button.textContent = word.shots[rule];
+  for (const [name, button] of Object.entries(cards)) button.textContent = word.cards[name];
+  for (const option of $('reason').options) option.textContent = `${option.value} ${word.reasons[option.value]}`;
+}
+
 // ---- The conversation
 
 let newestEntry = 0;
@@ -446,10 +412,6 @@ async function refresh() {
 }
 
 let events;
-function tellLink(isLive) {
-  $('link').textContent = isLive ? word.live : word.lost;
-  $('link').classList.toggle('lost', !isLive);
-}
 
 /** A browser allows six connections to a server: a page that nobody sees leaves its own to the others. */
 function listen() {
@@ -462,11 +424,9 @@ function listen() {
   events.onerror = () => tellLink(false);
 }
 
-function setLanguage(chosen) {
-  language = chosen;
-  localStorage.setItem('language', chosen);
-  speak();
-  tellLink(!$('link').classList.contains('lost'));
+/** In the language that somebody has chosen. */
+function retell() {
+  tellTroubles();
   if (!latest) return;
   showRegister(latest.register, latest.faults);
   shownDocuments().forEach(labelDocument);
@@ -477,8 +437,7 @@ function setLanguage(chosen) {
 }
 
 makeTrouble();
-speak();
-for (const button of document.querySelectorAll('[data-language]')) button.onclick = () => setLanguage(button.dataset.language);
+speak(retell);
 $('earlier').onclick = showEarlier;
 $('filter').oninput = () => sift();
 $('copy').onclick = copyConversation;

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Tries the emulator's HTTP interface, drives its page in Debian's chromium, and looks at the manual:
+# Tries the HTTP interfaces of emulator and service, drives their pages in Debian's chromium, and looks at the manual:
 # tests/browser/run_browser_tests.sh [native|windows|manual]. The Windows program runs under Wine, and is sold at over the
 # network and over a COM port.
 set -euo pipefail
@@ -47,7 +47,9 @@ case ${1:-native} in
     unset WINEPREFIX
     SERIAL_OPTIONS="--serial $WORK/register.port" \
       tests "$repo/build/native/mirvane-emulator"
-    SERVICE="$repo/build/native/mirvane-service" node "$here/service_tests.cjs" "$repo/build/native/mirvane-emulator" {wine_lock}>&-
+    for suite in service_tests service_page_tests; do
+      SERVICE="$repo/build/native/mirvane-service" node "$here/$suite.cjs" "$repo/build/native/mirvane-emulator" {wine_lock}>&-
+    done
     ;;
   windows)
     wine_up

@@ -1,13 +1,10 @@
 'use strict';
 // The service's answers against its description: SERVICE=PROGRAM node service_tests.cjs EMULATOR... Every operation is asked for.
 const assert = require('assert');
-const { spawn } = require('child_process');
-const fs = require('fs');
-const os = require('os');
-const path = require('path');
 const Ajv = require('ajv/dist/2020');
 const description = require('../../service/page/openapi.json');
 const { startEmulator, runCases, finish } = require('./emulator.cjs');
+const { startService } = require('./service.cjs');
 
 const ajv = new Ajv({ strict: false, allErrors: true, validateFormats: false }).addSchema(description, 'api');
 const inPointer = (part) => String(part).replaceAll('~', '~0').replaceAll('/', '~1');
@@ -37,21 +34,6 @@ async function ask(method, where, body, headers) {
   const isValid = ajv.validate({ $ref: `api#/${(described.$ref ? [] : schema).map(inPointer).join('/')}` }, value);
   assert.ok(isValid, `${method} ${where}: ${ajv.errorsText()}\n${text}`);
   return { ...value, status: response.status };
-}
-
-async function startService(port) {
-  const folder = fs.mkdtempSync(path.join(os.tmpdir(), 'service-'));
-  const child = spawn(process.env.SERVICE, ['--register', `127.0.0.1:${port}`, '--web', '0', '--store', path.join(folder, 'db')],
-    { stdio: ['ignore', 'pipe', 'inherit'] });
-  const lines = [];
-  process.on('exit', () => child.kill('SIGKILL'));
-  return new Promise((done) => {
-    child.stdout.on('data', (bytes) => {
-      lines.push(...String(bytes).trim().split('\n').map((line) => JSON.parse(line)));
-      const ready = lines.find(({ event }) => event === 'ready');
-      if (ready) done({ web: ready.web.replace(/\/$/, ''), lines });
-    });
-  });
 }
 
 const sold = { lines: [coffee], payments: [{ type: 'cash' }] };
@@ -109,7 +91,6 @@ const cases = {
 async function run() {
   const emulator = await startEmulator('--card-seconds', '0');
   service = await startService(emulator.udp);
-  while ((await fetch(`${service.web}/readyz`)).status !== 200) await new Promise((done) => { setTimeout(done, 20); });
   return runCases(cases);
 }
 

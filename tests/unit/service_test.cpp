@@ -6,6 +6,7 @@
 #include "campaign/machine.h"
 #include "service/interface.h"
 #include "service/sqlite_store.h"
+#include "service/words.h"
 #include "service/worker.h"
 
 namespace mirvane::service {
@@ -228,10 +229,15 @@ TEST_F(Service, AStoreOlderThanTheRegisterIsTold) {
   copyStore(path() + ".yesterday", path());
   start();
   EXPECT_EQ(stateAfter("receipts/b", kSold), "unknown");
-  EXPECT_EQ(put("receipts/c", kSold), 503);
-  EXPECT_EQ(ask("GET", "/readyz"), 503);
+  EXPECT_EQ(*told_.find("unknown")->find("before")->find("receipts")->as<double>(), 1);
+  for (int looks = 0; looks < 2; ++looks) {
+    EXPECT_EQ(put("receipts/c", kSold), 503);
+    EXPECT_EQ(ask("GET", "/readyz"), 503);
+    work();
+  }
   EXPECT_EQ(ask("PUT", "/v1/jobs/b/settlement", R"({"was":"perhaps"})"), 422);
   EXPECT_EQ(ask("PUT", "/v1/jobs/b/settlement", R"({"was":"committed"})"), 200);
+  EXPECT_TRUE(told_.find("unknown") && !told_.find("booked")) << body_;
   EXPECT_EQ(ask("POST", "/v1/register/accept"), 202);
   work();
   EXPECT_EQ(stateAfter("receipts/d", kSold), "committed");
@@ -294,6 +300,12 @@ TEST_F(Service, OthersNeedATokenThatIsNotTakenBack) {
   Tokens(file).remove("till 1");
   EXPECT_EQ(status("Bearer " + token), 401);
   EXPECT_EQ(ask("GET", "/healthz"), 200);
+}
+
+TEST(ServiceWords, PaperHasARemedyHoweverTheRegisterTellsOfIt) {
+  for (const Wait& wait : {Wait{"paper", 25, "Paper End"}, Wait{"paper", 0, "DEVICE STATUS:Τέλος Χαρτιού !"}}) {
+    EXPECT_NE(waitView(wait).find("remedy"), nullptr) << wait.text;
+  }
 }
 
 TEST(ServiceTokens, TheHashIsTheStandards) {

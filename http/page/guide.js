@@ -1,5 +1,5 @@
 'use strict';
-// Shows the interface's description.
+// Lists a program's guides, and shows its interface's description.
 
 function make(tag, text, ...children) {
   const element = document.createElement(tag);
@@ -21,11 +21,12 @@ function brief(schema, all) {
     `${name}${required.includes(name) ? '' : '?'}: ${brief(part, all)}`).join(', ')} }`;
 }
 
-const schemaOf = (part) => part?.content?.['application/json']?.schema;
+const schemaOf = (part) => Object.values(part?.content ?? {})[0]?.schema;
 
-function operationElement(path, method, operation) {
+function operationElement(path, method, operation, all) {
   const rows = [
-    ...(operation.parameters ?? []).map(({ name, in: where, description }) => [`${where} ${name}`, description]),
+    ...(operation.parameters ?? []).map((part) => part.$ref ? all.parameters[part.$ref.split('/').at(-1)] : part)
+      .map(({ name, in: where, description }) => [`${where} ${name}`, description]),
     ...(operation.requestBody ? [['body', brief(schemaOf(operation.requestBody))]] : []),
     ...Object.entries(operation.responses).map(([status, response]) =>
       [status, [response.description, brief(schemaOf(response))].filter(Boolean).join(': ')]),
@@ -34,11 +35,17 @@ function operationElement(path, method, operation) {
     make('dl', '', ...rows.flatMap(([name, text]) => [make('dt', name), make('dd', text)])));
 }
 
+document.getElementById('guides').append(...Object.entries(guides).map(([page, title]) => {
+  const link = make('a', title);
+  link.href = page;
+  return make('li', '', link);
+}));
+
 fetch('openapi.json').then((response) => response.json()).then(({ paths, components }) => {
   document.getElementById('operations').append(
     make('h2', 'Operations'),
     ...Object.entries(paths).flatMap(([path, methods]) =>
-      Object.entries(methods).map(([method, operation]) => operationElement(path, method, operation))),
+      Object.entries(methods).map(([method, operation]) => operationElement(path, method, operation, components))),
     make('h2', 'Data'),
     make('dl', '', ...Object.entries(components.schemas).flatMap(([name, schema]) =>
       [make('dt', name), make('dd', brief(schema))])));
