@@ -121,7 +121,11 @@ int dispatch(std::vector<std::string> arguments) {
   if (options.store.empty() && !serviceName.empty()) options.store = utf8Of(servicesFolder() / (serviceName + ".db"));
   if (options.store.empty()) options.store = "mirvane-service.db";
   if (*installs) return installAs(serviceName, options, commandOf(serviceName, app)), 0;
-  if (*uninstalls) return uninstall(serviceName), 0;
+  if (*uninstalls) {
+    uninstall(serviceName);
+    std::cout << serviceName << " is removed. Its database stays.\n";
+    return 0;
+  }
   if (!*token) return run(options);
   // The first token may come before the first service.
   if (*add && !serviceName.empty()) makeFolder(tokensFile(options).parent_path());

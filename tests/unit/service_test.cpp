@@ -5,6 +5,7 @@
 
 #include "campaign/machine.h"
 #include "service/interface.h"
+#include "service/log_file.h"
 #include "service/sqlite_store.h"
 #include "service/worker.h"
 
@@ -294,6 +295,18 @@ TEST_F(Service, OthersNeedATokenThatIsNotTakenBack) {
   Tokens(file).remove("till 1");
   EXPECT_EQ(status("Bearer " + token), 401);
   EXPECT_EQ(ask("GET", "/healthz"), 200);
+}
+
+TEST(ServiceLog, TwoFullFilesAreKept) {
+  const std::filesystem::path file = testing::TempDir() + "service.log";
+  std::filesystem::remove(file);
+  for (const char* line : {"one\n", "two\n", "three\n", "four\n", "five\n"}) addToLog(file, line, 10);
+  const auto lines = [](const std::filesystem::path& path) {
+    std::ifstream stream(path);
+    return std::string(std::istreambuf_iterator<char>(stream), {});
+  };
+  EXPECT_EQ(lines(file), "four\nfive\n");
+  EXPECT_EQ(lines(file.string() + ".old"), "three\n");
 }
 
 TEST(ServiceTokens, TheHashIsTheStandards) {
