@@ -46,6 +46,8 @@ put_source() {
     *.pas | *.cpp | *.h | *.cs) (printf '\xef\xbb\xbf' && with_windows_line_ends <"$1") >"$target" ;;
     # Visual Basic reads Greek Windows' code page alone.
     *.bas | *.cls | *.frm) with_windows_line_ends <"$1" | iconv -f UTF-8 -t CP1253 >"$target" ;;
+    # A shell takes the other line ends for a part of the words.
+    *.sh) cp "$1" "$target" ;;
     *) if grep -qI . "$1"; then with_windows_line_ends <"$1" >"$target"; else cp "$1" "$target"; fi ;;
   esac
 }
@@ -53,15 +55,17 @@ put_source() {
 rm -rf "$out/$name" "$out/$name".zip "$out/$name"-setup.exe "$out/SHA256SUMS"
 for bits in 32 64; do
   put "build/win$bits/com/"MirvaneEFT.{dll,tlb,manifest} "build/win$bits/Lang.dat" "win$bits"
+  put "build/win$bits/mirvane-service.exe" "win$bits"
   find "build/win$bits" -name mirvane-check.exe -exec install -D -m 644 -t "$content/win$bits" {} +
 done
 put build/win32/mirvane-emulator.exe emulator
 for file in build/win32/com/MirvaneEFT.idl component/com/base.idl; do
   with_windows_line_ends <"$file" >"$content/$(basename "$file")"
 done
-# The release holds neither the headers that the one needs nor the service that the other asks.
-git ls-files examples | grep -vE '\.md$|CMakeLists\.txt$|^examples/(native|service)/' | while read -r file; do put_source "$file"; done
+# The release does not hold the headers that the native examples need.
+git ls-files examples | grep -vE '\.md$|CMakeLists\.txt$|^examples/native/' | while read -r file; do put_source "$file"; done
 put docs/result-codes.json docs
+put service/page/openapi.json service/page
 with_windows_line_ends <package/notices.txt >"$content/notices.txt"
 package/manual.sh "$content" "$version"
 

@@ -65,12 +65,18 @@ Function parse_switches
     ${EndIf}
     StrCpy $6 $8 3
     StrCpy $5 $8 5
+    StrCpy $4 $8 9
     ${If} $6 == "/D="
       StrCpy $GivenFolder $7 "" 3
       Call check_folder
       ${ExitDo}
     ${ElseIf} $5 == "/LOG="
       StrCpy $LogFile $8 "" 5
+    ${ElseIf} $4 == "/SERVICE="
+      StrCpy $ServiceOptions $8 "" 9
+      ${If} $ServiceOptions == 0
+        StrCpy $ServiceOptions ""
+      ${EndIf}
     ${ElseIf} $8 == "/S"
       SetSilent silent
     ${ElseIf} $8 == "/ALLUSERS"

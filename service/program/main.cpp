@@ -93,7 +93,7 @@ int dispatch(std::vector<std::string> arguments) {
   app.add_option("--register", options.port, "where the register is: COM1, /dev/ttyUSB0, 192.168.1.50:9100");
   app.add_option("--web", options.web,
                  "[ADDRESS:]PORT to be asked at; any address but this machine's own wants tokens");
-  app.add_option("--web-host", options.hosts, "serve under this name too");
+  app.add_option("--web-host", options.hosts, "serve under this name too, which a proxy may have for it; wants tokens");
   app.add_option("--origin", options.origins, "let pages from there ask: https://till.shop");
   app.add_option("--queue", options.mostUnfinished, "how many jobs may wait (10000)");
   app.add_option("--service-name", serviceName,
@@ -120,6 +120,8 @@ int dispatch(std::vector<std::string> arguments) {
   if ((*installs || *uninstalls) && serviceName.empty()) serviceName = "mirvane-service";
   if (options.store.empty() && !serviceName.empty()) options.store = utf8Of(servicesFolder() / (serviceName + ".db"));
   if (options.store.empty()) options.store = "mirvane-service.db";
+  if (options.tokens.empty() && isPostgres(options.store) && !serviceName.empty())
+    options.tokens = utf8Of(servicesFolder() / (serviceName + ".tokens"));
   if (*installs) return installAs(serviceName, options, commandOf(serviceName, app)), 0;
   if (*uninstalls) {
     uninstall(serviceName);

@@ -24,7 +24,11 @@ namespace {
 /// For the job at hand to come to its end.
 constexpr std::chrono::seconds kFarewell{10};
 
-bool isLoopback(const std::string& address) { return address.starts_with("127.") || address == "::1"; }
+/// A name is what a proxy has for it, which asks from this machine for whoever asks there.
+bool isForOthers(const Options& options) {
+  const std::string address = http::Endpoint("--web", options.web).address;
+  return !options.hosts.empty() || (!address.starts_with("127.") && address != "::1");
+}
 
 /// A path may hold colons, too.
 bool isPort(const std::string& port) {
@@ -96,9 +100,8 @@ std::filesystem::path tokensFile(const Options& options) {
 }
 
 void require(const Options& options) {
-  const http::Endpoint endpoint("--web", options.web);
-  if (!isLoopback(endpoint.address) && Tokens(tokensFile(options)).hashes().empty()) {
-    throw std::invalid_argument("--web " + options.web + " is for others too: make a token first, with token add NAME");
+  if (isForOthers(options) && Tokens(tokensFile(options)).hashes().empty()) {
+    throw std::invalid_argument("others may ask there: make a token first, with token add NAME");
   }
   if (!isPort(options.port)) {
     throw std::invalid_argument("--register " + options.port +
@@ -121,7 +124,7 @@ int serve(const Options& options, const std::function<void(std::string_view)>& o
   require(options);
   const http::Endpoint endpoint("--web", options.web);
   Tokens tokens(tokensFile(options));
-  const bool isOpen = !isLoopback(endpoint.address);
+  const bool isOpen = isForOthers(options);
   platform::Platform& machine = platform::hostPlatform();
   auto console = std::make_unique<Console>(output);
   Board board;

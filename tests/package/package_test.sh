@@ -158,6 +158,7 @@ wine() {
   other_folders
   failures
   files_in_use
+  as_a_service
   install 0
   sell
   touch "$folder/journal"

@@ -69,6 +69,7 @@ wait $! || true
 ends 2 'not [ADDRESS:]PORT' install --web nonsense
 ends 2 'with a port' install --register 192.168.1.50
 ends 2 'token add' install --web 0.0.0.0:0
+ends 2 'token add' install --web-host till.example
 ends 2 'a name has' install --service-name 'a\b'
 ends 2 'no client of PostgreSQL' install --store postgresql://till@db/till --name till-1
 ends 2 'a folder of its own' install --store 'C:\till.db'
