@@ -1,6 +1,6 @@
 #!/bin/bash
-# Makes the release out of what is built: MirvaneEFT-VERSION.zip, MirvaneEFT-VERSION-setup.exe with the same content, and
-# SHA256SUMS of both. The same commit gives the same bytes. What goes into it lies beside them in MirvaneEFT-VERSION.
+# Makes the release out of what is built: MirvaneEFT-VERSION.zip, MirvaneEFT-VERSION-setup.exe with the same content, the
+# service's package for Debian, and SHA256SUMS of all. The same commit gives the same bytes. What goes into it lies beside them in MirvaneEFT-VERSION.
 #
 #   package/make.sh FOLDER [--sign FILE]
 #
@@ -52,7 +52,7 @@ put_source() {
   esac
 }
 
-rm -rf "$out/$name" "$out/$name".zip "$out/$name"-setup.exe "$out/SHA256SUMS"
+rm -rf "$out/$name" "$out/$name".zip "$out/$name"-setup.exe "$out"/*.deb "$out/SHA256SUMS"
 for bits in 32 64; do
   put "build/win$bits/com/"MirvaneEFT.{dll,tlb,manifest} "build/win$bits/Lang.dat" "win$bits"
   put "build/win$bits/mirvane-service.exe" "win$bits"
@@ -89,4 +89,5 @@ fi
 find "$content" -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
 (cd "$out" && find "$name" -type f | sort | zip -q -X -@ "$name.zip")
 package/setup.sh "$content" "$version" "$out/$name-setup.exe"
-(cd "$out" && sha256sum "$name.zip" "$name-setup.exe" >SHA256SUMS)
+package/debian.sh "$out" "$version"
+(cd "$out" && sha256sum "$name.zip" "$name-setup.exe" ./*.deb >SHA256SUMS)

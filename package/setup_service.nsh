@@ -3,7 +3,6 @@
 
 !define SERVICES "System\CurrentControlSet\Services"
 
-Var ServiceOptions   ; what to install it with, or nothing
 Var ServiceProgram   ; mirvane-service as it is installed
 Var Paused           ; services to be started again
 

@@ -4,6 +4,7 @@
 Var GivenFolder   ; what /D= said
 Var GivenScope    ; "all", "current", or nothing
 Var Records       ; 1 makes the folders that switch the flight recorder on
+Var ServiceOptions   ; what to install the service with, 1 for nothing special; or nothing, for no service
 Var Downgrade     ; 1 replaces a newer version
 Var LogFile
 Var Log           ; its handle

@@ -4,8 +4,8 @@
 
 #include "http/console.h"
 #include "http/json.h"
+#include "http/log_file.h"
 #include "platform/ports.h"
-#include "service/log_file.h"
 #include "service/program/serve.h"
 #include "service/tokens.h"
 #include "service/views.h"
@@ -18,16 +18,7 @@ constexpr const char* kAbout =
     "Receipts over HTTP, each exactly once, at one cash register. Without options it drives the register at\n"
     "127.0.0.1:9100 and is asked at http://127.0.0.1:8200/.";
 
-bool isName(const std::string& text) {
-  return !text.empty() && std::ranges::all_of(text, [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
-  });
-}
-
-std::string utf8Of(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
+constexpr const char* kNameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_";
 
 /// Nobody sees the console of what the service manager has started.
 int run(const Options& options) {
@@ -99,7 +90,8 @@ int dispatch(std::vector<std::string> arguments) {
   app.add_option("--service-name", serviceName,
                  "which of this machine's services: its database is NAME.db in " + utf8Of(servicesFolder()))
       ->check([](const std::string& name) {
-        return isName(name) ? std::string() : "a name has letters, digits, \"-\" and \"_\"";
+        const bool isName = name.find_first_not_of(kNameCharacters) == std::string::npos;
+        return isName ? "" : "a name has letters, digits, \"-\" and \"_\"";
       });
   app.add_subcommand("run", "in this console, which is what happens without a word too")->fallthrough();
   CLI::App* installs = app.add_subcommand("install", "registers and starts a Windows service")->fallthrough();

@@ -72,7 +72,6 @@ ends 2 'token add' install --web 0.0.0.0:0
 ends 2 'token add' install --web-host till.example
 ends 2 'a name has' install --service-name 'a\b'
 ends 2 'no client of PostgreSQL' install --store postgresql://till@db/till --name till-1
-ends 2 'a folder of its own' install --store 'C:\till.db'
 ends 1 'it is not installed' uninstall
 ! is_service mirvane-service || die "it was registered"
 

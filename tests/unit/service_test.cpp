@@ -4,8 +4,8 @@
 #include <fstream>
 
 #include "campaign/machine.h"
+#include "http/log_file.h"
 #include "service/interface.h"
-#include "service/log_file.h"
 #include "service/sqlite_store.h"
 #include "service/worker.h"
 

@@ -2,18 +2,23 @@
 
 #include "platform/windows/windows.h"
 // What they need stands in the former.
-#include <aclapi.h>
+#include <sddl.h>
 #include <shlobj.h>
 
 #include <array>
 #include <csignal>
 #include <memory>
 
+#include "http/machine.h"
 #include "text/code_page.h"
 
 namespace mirvane::service {
 namespace {
 
+constexpr const wchar_t* kAccount = L"NT AUTHORITY\\LocalService";
+/// Administrators own the folder, as anybody may have made it in the common one. They and Windows may do everything
+/// there, the account may read, write and delete, and nobody else anything.
+constexpr const wchar_t* kFolderRights = L"O:BAD:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;0x1301bf;;;LS)";
 /// As the installer ends, too.
 constexpr int kElevationRequired = 740;
 
@@ -114,17 +119,6 @@ DWORD settled(SC_HANDLE service) {
   return status.dwCurrentState;
 }
 
-// ---- Who may use a folder
-
-EXPLICIT_ACCESSW access(WELL_KNOWN_SID_TYPE who, DWORD rights, std::array<BYTE, SECURITY_MAX_SID_SIZE>& sid) {
-  auto size = static_cast<DWORD>(sid.size());
-  CreateWellKnownSid(who, nullptr, sid.data(), &size);
-  EXPLICIT_ACCESSW entry{rights, GRANT_ACCESS, SUB_CONTAINERS_AND_OBJECTS_INHERIT, {}};
-  entry.Trustee.TrusteeForm = TRUSTEE_IS_SID;
-  entry.Trustee.ptstrName = reinterpret_cast<wchar_t*>(sid.data());
-  return entry;
-}
-
 }  // namespace
 
 std::optional<int> runManaged(const std::function<int(const Manager&)>& serve) {
@@ -141,28 +135,15 @@ std::filesystem::path servicesFolder() {
 }
 
 void makeFolder(const std::filesystem::path& folder) {
-  if (folder == folder.root_path()) throw std::invalid_argument("the database takes a folder of its own");
-  std::filesystem::create_directories(folder);
-  const bool isOurs = folder == servicesFolder();
-  std::array<std::array<BYTE, SECURITY_MAX_SID_SIZE>, 3> sids{};
-  std::array<EXPLICIT_ACCESSW, 3> entries = {
-      access(WinLocalServiceSid, FILE_GENERIC_READ | FILE_GENERIC_WRITE | FILE_GENERIC_EXECUTE | DELETE, sids[0]),
-      access(WinLocalSystemSid, FILE_ALL_ACCESS, sids[1]),
-      access(WinBuiltinAdministratorsSid, FILE_ALL_ACCESS, sids[2])};
-  std::wstring path = folder.wstring();
-  ACL* before = nullptr;
-  ACL* after = nullptr;
-  PSECURITY_DESCRIPTOR descriptor = nullptr;
-  GetNamedSecurityInfoW(path.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &before, nullptr,
-                        &descriptor);
-  SetEntriesInAclW(isOurs ? 3 : 1, entries.data(), isOurs ? nullptr : before, &after);
-  // Anybody may make a folder in the common one, and its owner could open it to others.
-  const DWORD what = isOurs ? PROTECTED_DACL_SECURITY_INFORMATION | OWNER_SECURITY_INFORMATION : 0;
-  const DWORD error = SetNamedSecurityInfoW(path.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION | what,
-                                            sids[2].data(), nullptr, after, nullptr);
-  LocalFree(after);
-  LocalFree(descriptor);
-  if (error != ERROR_SUCCESS) refuse(folder.string(), error);
+  // Whoever has made another folder has settled who may use it.
+  if (!std::filesystem::create_directories(folder) && folder != servicesFolder()) return;
+  PSECURITY_DESCRIPTOR rights = nullptr;
+  ConvertStringSecurityDescriptorToSecurityDescriptorW(kFolderRights, SDDL_REVISION_1, &rights, nullptr);
+  const bool isDone = SetFileSecurityW(
+      folder.c_str(), OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION,
+      rights);
+  LocalFree(rights);
+  if (!isDone) refuse(utf8Of(folder));
 }
 
 void install(const std::string& name, const std::vector<std::string>& arguments,
@@ -173,13 +154,15 @@ void install(const std::string& name, const std::vector<std::string>& arguments,
   for (const std::string& argument : arguments) line += L" " + quoted(wide(argument));
   const Handle service(CreateServiceW(manager.get(), wide(name).c_str(), wide("MirvaneEFT: " + name).c_str(),
                                       SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS, SERVICE_AUTO_START,
-                                      SERVICE_ERROR_NORMAL, line.c_str(), nullptr, nullptr, nullptr,
-                                      L"NT AUTHORITY\\LocalService", nullptr));
+                                      SERVICE_ERROR_NORMAL, line.c_str(), nullptr, nullptr, nullptr, kAccount,
+                                      nullptr));
   if (!service) refuse(name);
   describe(service.get());
   if (!StartServiceW(service.get(), 0, nullptr)) refuse(name + " is installed, and does not start");
-  if (settled(service.get()) != SERVICE_RUNNING)
-    throw ManagerError(name + " is installed, and has ended: see its log", 1);
+  if (settled(service.get()) != SERVICE_RUNNING) {
+    throw ManagerError(
+        name + " is installed, and has ended: see its log, or whether NT AUTHORITY\\LocalService may write one", 1);
+  }
 }
 
 void uninstall(const std::string& name) {

@@ -1,8 +1,8 @@
-#include "service/log_file.h"
+#include "http/log_file.h"
 
 #include <fstream>
 
-namespace mirvane::service {
+namespace mirvane {
 
 void addToLog(const std::filesystem::path& file, std::string_view lines, std::uintmax_t most) {
   std::error_code error;
@@ -17,4 +17,4 @@ void addToLog(const std::filesystem::path& file, std::string_view lines, std::ui
   std::ofstream(file, mode) << lines;
 }
 
-}  // namespace mirvane::service
+}  // namespace mirvane
