@@ -29,11 +29,12 @@ std::optional<int> runManaged(const std::function<int(const Manager&)>& serve);
 
 /// Where the databases of services are.
 std::filesystem::path servicesFolder();
-/// Makes a folder for services and administrators alone. One that is there keeps its permissions, but for the one above.
+/// Makes a folder for services and administrators alone. One that is there keeps its permissions, but for the one
+/// above.
 void makeFolder(const std::filesystem::path& folder);
 
-/// Has the system run this program with these arguments, now and whenever it starts, by an account of few rights. Makes the
-/// folders first.
+/// Has the system run this program with these arguments, now and whenever it starts, by an account of few rights. Makes
+/// the folders first.
 void install(const std::string& name, const std::vector<std::string>& arguments,
              const std::vector<std::filesystem::path>& folders);
 /// Stops it first.

@@ -154,7 +154,6 @@ files_in_use() {
   folder="$disk/Program Files/MirvaneEFT"
 }
 
-is_gone() { [[ ! -e $1 ]]; }
 starts() { [[ $(grep -c '"ready"' "$2") == "$1" ]]; }
 
 # sells_over_http LOG ID: by the service that writes the log.
@@ -182,8 +181,7 @@ as_a_service() {
   sells_over_http "$data/mirvane-service.db.log" first
   [[ $(grep -c 'ΑΠΟΔΕΙΞΗ - ΛΗΞΗ' "$WORK/register.paper") == 1 ]] || die "the paper: $(<"$WORK/register.paper")"
   in_wine "$folder/uninstall.exe" /S >"$WORK/setup.log" 2>&1
-  await is_gone "$folder/uninstall.exe"
-  [[ ! -e $folder/win64/mirvane-service.exe ]] || die "the program stays"
+  await is_left "$folder" $(cd "$folder" && find . -name 'line-*') || die "after uninstalling there is: $(find "$folder")"
   for name in mirvane-service other; do
     ! in_wine "$(system_program 64 reg)" query "HKLM\\System\\CurrentControlSet\\Services\\$name" >"$WORK/query" || die "$name stays"
     [[ -s $data/$name.db ]] || die "the database of $name is gone"
