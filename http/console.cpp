@@ -5,8 +5,6 @@
 #include <thread>
 #include <utility>
 
-#include "http/machine.h"
-
 namespace mirvane {
 namespace {
 
@@ -16,6 +14,7 @@ constexpr std::chrono::milliseconds kFarewell{500};
 }  // namespace
 
 struct Console::Queue {
+  const std::function<void(std::string_view)> output;
   std::mutex mutex;
   std::condition_variable changed;
   std::string text;
@@ -32,7 +31,7 @@ struct Console::Queue {
         piece += "[" + std::to_string(std::exchange(left, 0)) + " bytes omitted: the output was not read]\n";
       isWriting = true;
       lock.unlock();
-      writeOut(piece);
+      output(piece);
       lock.lock();
       isWriting = false;
       changed.notify_all();
@@ -40,7 +39,7 @@ struct Console::Queue {
   }
 };
 
-Console::Console() : queue_(std::make_shared<Queue>()) {
+Console::Console(std::function<void(std::string_view)> output) : queue_(std::make_shared<Queue>(std::move(output))) {
   std::thread([queue = queue_] { queue->drain(); }).detach();
 }
 

@@ -12,6 +12,10 @@ namespace mirvane {
 std::vector<std::string> commandLine(int count, char** arguments);
 /// The file that `utf8` names.
 inline std::filesystem::path pathOf(const std::string& utf8) { return std::u8string(utf8.begin(), utf8.end()); }
+inline std::string utf8Of(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
 /// Has the console show UTF-8 and not stop the program for a click into it, until the program ends; and has the program
 /// outlive whoever read its output.
 void prepareConsole();

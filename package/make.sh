@@ -1,6 +1,6 @@
 #!/bin/bash
-# Makes the release out of what is built: MirvaneEFT-VERSION.zip, MirvaneEFT-VERSION-setup.exe with the same content, and
-# SHA256SUMS of both. The same commit gives the same bytes. What goes into it lies beside them in MirvaneEFT-VERSION.
+# Makes the release out of what is built: MirvaneEFT-VERSION.zip, MirvaneEFT-VERSION-setup.exe with the same content, the
+# service's package for Debian, and SHA256SUMS of all. The same commit gives the same bytes. What goes into it lies beside them in MirvaneEFT-VERSION.
 #
 #   package/make.sh FOLDER [--sign FILE]
 #
@@ -46,23 +46,27 @@ put_source() {
     *.pas | *.cpp | *.h | *.cs) (printf '\xef\xbb\xbf' && with_windows_line_ends <"$1") >"$target" ;;
     # Visual Basic reads Greek Windows' code page alone.
     *.bas | *.cls | *.frm) with_windows_line_ends <"$1" | iconv -f UTF-8 -t CP1253 >"$target" ;;
+    # A shell takes the other line ends for a part of the words.
+    *.sh) cp "$1" "$target" ;;
     *) if grep -qI . "$1"; then with_windows_line_ends <"$1" >"$target"; else cp "$1" "$target"; fi ;;
   esac
 }
 
-rm -rf "$out/$name" "$out/$name".zip "$out/$name"-setup.exe "$out/SHA256SUMS"
+rm -rf "$out/$name" "$out/$name".zip "$out/$name"-setup.exe "$out"/*.deb "$out/SHA256SUMS"
 for bits in 32 64; do
   put "build/win$bits/com/"MirvaneEFT.{dll,tlb,manifest} "build/win$bits/Lang.dat" "win$bits"
+  put "build/win$bits/mirvane-service.exe" "win$bits"
   find "build/win$bits" -name mirvane-check.exe -exec install -D -m 644 -t "$content/win$bits" {} +
 done
 put build/win32/mirvane-emulator.exe emulator
 for file in build/win32/com/MirvaneEFT.idl component/com/base.idl; do
   with_windows_line_ends <"$file" >"$content/$(basename "$file")"
 done
-# The release holds neither the headers that the one needs nor the service that the other asks.
-git ls-files examples | grep -vE '\.md$|CMakeLists\.txt$|^examples/(native|service)/' | while read -r file; do put_source "$file"; done
+# The release does not hold the headers that the native examples need.
+git ls-files examples | grep -vE '\.md$|CMakeLists\.txt$|^examples/native/' | while read -r file; do put_source "$file"; done
 mkdir -p "$content/docs"
 build/native/tools/describe-result-codes "$content/docs/result-codes.json"
+put service/page/openapi.json service/page
 with_windows_line_ends <package/notices.txt >"$content/notices.txt"
 package/manual.sh "$content" "$version"
 
@@ -86,4 +90,5 @@ fi
 find "$content" -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
 (cd "$out" && find "$name" -type f | sort | zip -q -X -@ "$name.zip")
 package/setup.sh "$content" "$version" "$out/$name-setup.exe"
-(cd "$out" && sha256sum "$name.zip" "$name-setup.exe" >SHA256SUMS)
+package/debian.sh "$out" "$version"
+(cd "$out" && sha256sum "$name.zip" "$name-setup.exe" ./*.deb >SHA256SUMS)

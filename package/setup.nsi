@@ -31,6 +31,7 @@ OutFile "${OUTPUT}"
 !define WRONG_SWITCH 6
 !define NEWER_IS_INSTALLED 7
 !define INSTALLED_FOR_EVERYBODY 8
+!define SERVICE_NOT_INSTALLED 9
 !define NEEDS_ADMINISTRATOR 740
 !define OLD_FILES_IN_USE 3010
 
@@ -44,6 +45,7 @@ Var Check          ; mirvane-check as it was installed
 
 !include "${__FILEDIR__}/setup_switches.nsh"
 !include "${__FILEDIR__}/setup_files.nsh"
+!include "${__FILEDIR__}/setup_service.nsh"
 !include "${__FILEDIR__}/setup_pages.nsh"
 !include "${__FILEDIR__}/setup_texts.nsh"
 
@@ -133,6 +135,10 @@ Function .onInit
       !insertmacro refuse ${NEEDS_ADMINISTRATOR} "$(UPGRADE_BY_ADMINISTRATOR)"
     ${EndIf}
     !insertmacro refuse ${INSTALLED_FOR_EVERYBODY} "$(IS_FOR_EVERYBODY)"
+  ${EndIf}
+  ${If} $ServiceOptions != ""
+  ${AndIf} $ForEverybody = 0
+    !insertmacro refuse ${WRONG_SWITCH} "$(SERVICE_FOR_EVERYBODY)"
   ${EndIf}
   Call set_scope
 
@@ -265,6 +271,9 @@ Section
   ${EndIf}
 
   !insertmacro remove_set_aside
+  ${If} $ForEverybody = 1
+    Call pause_services
+  ${EndIf}
   !insertmacro install_files
   SetOutPath "$INSTDIR"
   StrCpy $Writing "$INSTDIR\uninstall.exe"
@@ -286,6 +295,7 @@ Section
     !insertmacro share_records win32
     !insertmacro share_records win64
   ${EndIf}
+  Call start_services
   !insertmacro log "$(FINISHED)"
 SectionEnd
 
@@ -318,6 +328,9 @@ Function un.onInit
 FunctionEnd
 
 Section Uninstall
+  ${If} $ForEverybody = 1
+    Call un.remove_services
+  ${EndIf}
   !insertmacro regsvr32 /u "$SYSDIR" win32
   ${If} ${RunningX64}
     !insertmacro regsvr32 /u "$WINDIR\sysnative" win64

@@ -2,6 +2,8 @@
 
 Var EverybodyButton
 Var RecordsBox
+Var ServiceBox
+Var RegisterField
 Var CheckBox
 
 !define MUI_ICON "${__FILEDIR__}/mirvane.ico"
@@ -67,12 +69,30 @@ Function ask_for_whom
   ${NSD_CreateCheckBox} 0 92u 100% 20u "$(KEEP_RECORDS)"
   Pop $RecordsBox
   ${NSD_SetState} $RecordsBox $Records
+  ${NSD_CreateCheckBox} 0 112u 100% 12u "$(SERVICE)"
+  Pop $ServiceBox
+  ${NSD_CreateText} 12u 126u 110u 12u "127.0.0.1:9100"
+  Pop $RegisterField
+  ${If} $Account != "Admin"
+    EnableWindow $ServiceBox 0
+    EnableWindow $RegisterField 0
+  ${EndIf}
 FunctionEnd
 
 Function first_page_left
   ${If} $FormerVersion == ""
     ${NSD_GetState} $EverybodyButton $ForEverybody
     ${NSD_GetState} $RecordsBox $Records
+    ${NSD_GetState} $ServiceBox $0
+    ${NSD_GetText} $RegisterField $1
+    StrCpy $ServiceOptions ""
+    ${If} $0 = 1
+      ${If} $ForEverybody = 0
+        MessageBox MB_OK|MB_ICONEXCLAMATION "$(SERVICE_FOR_EVERYBODY)"
+        Abort
+      ${EndIf}
+      StrCpy $ServiceOptions '--register "$1"'
+    ${EndIf}
     Call set_scope
   ${EndIf}
 FunctionEnd

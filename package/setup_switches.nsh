@@ -4,6 +4,7 @@
 Var GivenFolder   ; what /D= said
 Var GivenScope    ; "all", "current", or nothing
 Var Records       ; 1 makes the folders that switch the flight recorder on
+Var ServiceOptions   ; what to install the service with, 1 for nothing special; or nothing, for no service
 Var Downgrade     ; 1 replaces a newer version
 Var LogFile
 Var Log           ; its handle
@@ -65,12 +66,18 @@ Function parse_switches
     ${EndIf}
     StrCpy $6 $8 3
     StrCpy $5 $8 5
+    StrCpy $4 $8 9
     ${If} $6 == "/D="
       StrCpy $GivenFolder $7 "" 3
       Call check_folder
       ${ExitDo}
     ${ElseIf} $5 == "/LOG="
       StrCpy $LogFile $8 "" 5
+    ${ElseIf} $4 == "/SERVICE="
+      StrCpy $ServiceOptions $8 "" 9
+      ${If} $ServiceOptions == 0
+        StrCpy $ServiceOptions ""
+      ${EndIf}
     ${ElseIf} $8 == "/S"
       SetSilent silent
     ${ElseIf} $8 == "/ALLUSERS"

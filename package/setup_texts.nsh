@@ -23,6 +23,8 @@
   "Μόνο &εγώ. Υπηρεσίες και προγράμματα που εκτελούνται ως διαχειριστής δεν μπορούν να το χρησιμοποιήσουν."
 !insertmacro text KEEP_RECORDS "&Record the communication with the register. The files help to find faults." \
   "&Καταγραφή της επικοινωνίας με την ταμειακή. Τα αρχεία βοηθούν στον εντοπισμό βλαβών."
+!insertmacro text SERVICE "&Service for receipts over HTTP, at the register:" \
+  "&Υπηρεσία αποδείξεων μέσω HTTP, για την ταμειακή:"
 !insertmacro text FINISHED "MirvaneEFT ${VERSION} is installed." "Το MirvaneEFT ${VERSION} εγκαταστάθηκε."
 !insertmacro text SHOW_GUIDES "Open the &guides" "Άνοιγμα των &οδηγιών"
 !insertmacro text START_EMULATOR "Start the &emulator of a cash register" "Εκκίνηση του &εξομοιωτή ταμειακής"
@@ -52,6 +54,9 @@
   "Τα προγράμματα 64-bit αυτού του υπολογιστή ARM δεν μπορούν να το χρησιμοποιήσουν. Τα 32-bit μπορούν."
 !insertmacro text NOT_SHARED "The users of this computer cannot write to the folder:" \
   "Οι χρήστες του υπολογιστή δεν μπορούν να γράψουν στον φάκελο:"
+!insertmacro text NO_SERVICE "The service does not run:" "Η υπηρεσία δεν λειτουργεί:"
+!insertmacro text SERVICE_FOR_EVERYBODY "The service is only for an installation for everybody." \
+  "Η υπηρεσία είναι μόνο για εγκατάσταση για όλους."
 !insertmacro text ADMINISTRATOR "Only an administrator can do this." "Αυτό γίνεται μόνο από διαχειριστή."
 !insertmacro text UPGRADE_BY_ADMINISTRATOR "MirvaneEFT is installed for everybody. To upgrade it, right-click the file \
   of Setup and choose Run as administrator." \
@@ -73,19 +78,23 @@
   /ALLUSERS$\tinstall for everybody (administrator only)$\r$\n\
   /CURRENTUSER$\tinstall for the current user only$\r$\n\
   /RECORDS=1$\trecord the communication with the register$\r$\n\
+  /SERVICE=1$\tinstall the service for receipts over HTTP; options of mirvane-service may stand instead of 1$\r$\n\
   /DOWNGRADE$\treplace a newer version$\r$\n\
   /LOG=FILE$\twrite the log there instead of to $TEMP\MirvaneEFT-setup.log$\r$\n\
   /D=FOLDER$\tinstall there; the last switch, without quotes$\r$\n$\r$\n\
   Exit codes: 0 installed, 1 cancelled, 2 a file cannot be written, 3 or 4 the 32-bit or 64-bit DLL cannot be \
   registered, 5 the records cannot be shared, 6 wrong switch, 7 a newer version is installed, 8 installed for everybody, \
+  9 the service does not run, \
   740 administrator needed, 3010 installed while old files are in use" "\
   /S$\tχωρίς παράθυρα και ερωτήσεις$\r$\n\
   /ALLUSERS$\tεγκατάσταση για όλους (μόνο από διαχειριστή)$\r$\n\
   /CURRENTUSER$\tεγκατάσταση μόνο για τον τρέχοντα χρήστη$\r$\n\
   /RECORDS=1$\tκαταγραφή της επικοινωνίας με την ταμειακή$\r$\n\
+  /SERVICE=1$\tυπηρεσία αποδείξεων μέσω HTTP· στη θέση του 1 μπορούν να μπουν επιλογές του mirvane-service$\r$\n\
   /DOWNGRADE$\tαντικατάσταση νεότερης έκδοσης$\r$\n\
   /LOG=FILE$\tαρχείο καταγραφής, αντί για $TEMP\MirvaneEFT-setup.log$\r$\n\
   /D=FOLDER$\tφάκελος εγκατάστασης· τελευταία παράμετρος, χωρίς εισαγωγικά$\r$\n$\r$\n\
   Κωδικοί εξόδου: 0 εγκαταστάθηκε, 1 ακύρωση, 2 δεν γράφεται ένα αρχείο, 3 ή 4 δεν καταχωρίζεται το DLL των 32 ή 64 bit, \
   5 δεν δίνεται πρόσβαση στις καταγραφές, 6 λάθος παράμετρος, 7 υπάρχει νεότερη έκδοση, 8 υπάρχει εγκατάσταση για όλους, \
+  9 η υπηρεσία δεν λειτουργεί, \
   740 χρειάζεται διαχειριστής, 3010 εγκαταστάθηκε ενώ χρησιμοποιούνται παλιά αρχεία"

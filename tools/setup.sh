@@ -8,7 +8,7 @@ declare -A needed=(
   [service]='libpq-dev'
   [test]='googletest clang-format xdotool imagemagick chromium curl socat jq python3-minimal postgresql
     fp-compiler-3.2.2 fp-units-rtl-3.2.2 fp-units-base-3.2.2 fpc-source-3.2.2 mono-mcs'
-  [package]='googletest nsis sphinx-common python3-sphinx python3-myst-parser furo zip unzip osslsigncode openssl'
+  [package]='googletest dpkg-dev nsis sphinx-common python3-sphinx python3-myst-parser furo zip unzip osslsigncode openssl'
   [lint]='clang-tidy'
   [fuzz]='clang-14 libclang-rt-14-dev'
 )

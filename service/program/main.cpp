@@ -1,23 +1,14 @@
 #include <CLI/CLI.hpp>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/post.hpp>
-#include <boost/asio/signal_set.hpp>
-#include <boost/asio/steady_timer.hpp>
-#include <condition_variable>
-#include <future>
+#include <algorithm>
 #include <iostream>
-#include <thread>
 
 #include "http/console.h"
-#include "http/machine.h"
-#include "http/server.h"
-#include "service/interface.h"
-#ifdef MIRVANE_POSTGRES
-#include "service/postgres_store.h"
-#endif
-#include "service/sqlite_store.h"
+#include "http/json.h"
+#include "http/log_file.h"
+#include "platform/ports.h"
+#include "service/program/serve.h"
+#include "service/tokens.h"
 #include "service/views.h"
-#include "service/worker.h"
 #include "version.h"
 
 namespace mirvane::service {
@@ -27,144 +18,61 @@ constexpr const char* kAbout =
     "Receipts over HTTP, each exactly once, at one cash register. Without options it drives the register at\n"
     "127.0.0.1:9100 and is asked at http://127.0.0.1:8200/.";
 
-/// For the job at hand to come to its end.
-constexpr std::chrono::seconds kFarewell{10};
+constexpr const char* kNameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_";
 
-struct Options {
-  std::string port = "127.0.0.1:9100", web = "8200", store = "mirvane-service.db", tokens, name;
-  std::string registerName, group;
-  std::vector<std::string> hosts, origins;
-  int mostUnfinished = 10'000;
-};
-
-bool isPostgres(const std::string& store) {
-  return store.starts_with("postgres://") || store.starts_with("postgresql://");
-}
-
-std::filesystem::path tokensFile(const Options& options) {
-  if (!options.tokens.empty()) return pathOf(options.tokens);
-  return pathOf((isPostgres(options.store) ? "mirvane-service" : options.store) + ".tokens");
-}
-
-std::unique_ptr<Store> openStore(const Options& options) {
-  if (!isPostgres(options.store)) {
-    if (!options.registerName.empty() || !options.group.empty())
-      throw std::invalid_argument("--name and --group are for a database that several services share");
-    return std::make_unique<SqliteStore>(options.store);
-  }
-#ifdef MIRVANE_POSTGRES
-  if (options.registerName.empty())
-    throw std::invalid_argument("a database that is shared wants a --name for the register");
-  return std::make_unique<PostgresStore>(options.store, options.registerName, options.group);
-#else
-  throw std::invalid_argument("this build has no client of PostgreSQL");
-#endif
-}
-
-/// What other services write into the store is told here, too. A caller may wait for another register's receipt, which
-/// is none of the changes that concern this one.
-void watchOthers(boost::asio::steady_timer& timer, Store& store, http::Server& server,
-                 const std::function<void()>& wake, std::int64_t seen) {
-  timer.expires_after(std::chrono::milliseconds(500));
-  timer.async_wait([&timer, &store, &server, wake, seen](const boost::system::error_code& error) {
-    if (error) return;
-    std::int64_t latest = seen;
+/// Nobody sees the console of what the service manager has started.
+int run(const Options& options) {
+  const std::filesystem::path log = pathOf(options.store + ".log");
+  const auto output = [&log](std::string_view lines) { addToLog(log, lines); };
+  const std::optional<int> managed = runManaged([&](const Manager& manager) {
     try {
-      latest = store.latest();
-    } catch (const StoreError&) {
-      // The worker tells what is wrong.
+      return serve(options, output, manager);
+    } catch (const std::exception& error) {
+      const http::Json time = timeText(platform::hostPlatform().clock.sinceEpoch());
+      output(http::Json{{"time", time}, {"event", "failed"}, {"reason", error.what()}}.dump(false) + "\n");
+      return 1;
     }
-    if (latest != seen) {
-      wake();
-      server.changed();
-    } else {
-      server.askAgain();
-    }
-    watchOthers(timer, store, server, wake, latest);
   });
+  return managed ? *managed : serve(options, writeOut, {});
 }
 
-bool isLoopback(const std::string& address) { return address.starts_with("127.") || address == "::1"; }
-
-/// Work for a thread that sleeps.
-class Alarm {
- public:
-  void ring() {
-    const std::lock_guard lock(mutex_);
-    isRinging_ = true;
-    changed_.notify_all();
+/// What a service is started with: these options, wherever it is started.
+std::vector<std::string> commandOf(const std::string& serviceName, const CLI::App& app) {
+  std::vector<std::string> arguments = {"run", "--service-name=" + serviceName};
+  for (const CLI::Option* option : app.get_options()) {
+    const std::string name = option->get_name();
+    if (name == "--service-name") continue;
+    const bool isFile = name == "--tokens" || name == "--store";
+    for (const std::string& value : option->results()) {
+      arguments.push_back(name + "=" + (isFile ? utf8Of(std::filesystem::absolute(pathOf(value))) : value));
+    }
   }
-  void sleep(std::uint32_t milliseconds) {
-    std::unique_lock lock(mutex_);
-    changed_.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return isRinging_; });
-    isRinging_ = false;
-  }
+  return arguments;
+}
 
- private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  bool isRinging_ = false;
-};
+void installAs(const std::string& name, const Options& options, const std::vector<std::string>& arguments) {
+  require(options);
+  const auto folderOf = [](const std::filesystem::path& file) { return std::filesystem::absolute(file).parent_path(); };
+  install(name, arguments, {folderOf(pathOf(options.store)), folderOf(tokensFile(options))});
+  std::cout << name << " is installed and runs. Its log is " << options.store << ".log\n";
+}
 
-int serve(const Options& options) {
-  const http::Endpoint endpoint("--web", options.web);
+void changeTokens(const Options& options, const std::string& verb, const std::string& name) {
   Tokens tokens(tokensFile(options));
-  const bool isOpen = !isLoopback(endpoint.address);
-  if (isOpen && tokens.hashes().empty()) {
-    throw std::invalid_argument("--web " + options.web + " is for others too: make a token first, with token add NAME");
+  if (verb == "add") {
+    const std::string fresh = tokens.add(name);
+    if (fresh.empty()) throw std::invalid_argument("there is a token of that name");
+    std::cout << fresh << "\n";
+  } else if (verb == "remove") {
+    if (!tokens.remove(name)) throw std::invalid_argument("there is no token of that name");
+  } else {
+    for (const auto& [owner, hash] : tokens.hashes()) std::cout << owner << "\n";
   }
-  platform::Platform& machine = platform::hostPlatform();
-  auto console = std::make_unique<Console>();
-  Board board;
-  board.log = [&](const char* event, const Json& members) {
-    Json line{{"time", timeText(machine.clock.sinceEpoch())}, {"event", event}};
-    console->write(line.update(members).dump(false) + "\n");
-  };
-  const std::unique_ptr<Store> kept = openStore(options);
-  Store& store = *kept;
-  boost::asio::io_context loop(1);
-  boost::asio::signal_set signals(loop, SIGINT, SIGTERM);
-  signals.async_wait([&loop](const boost::system::error_code&, int) { loop.stop(); });
-  Alarm alarm;
-  Worker worker(machine, store, board, fromUtf8(options.port));
-  const auto wake = [&] {
-    worker.wake();
-    alarm.ring();
-  };
-  const auto now = [&machine] { return machine.clock.sinceEpoch(); };
-  Interface interface(store, board,
-                      {isOpen ? &tokens : nullptr, options.mostUnfinished, wake, now, options.registerName});
-  http::Server::Options web{options.hosts, mayReusePorts()};
-  web.origins = options.origins;
-  web.calm = std::chrono::milliseconds(0);
-  web.refuse = &Interface::problem;
-  http::Server server(loop, endpoint, web, [&](http::Request& request) {
-    http::Answer answer = interface.answer(request);
-    if (answer.status == 401) board.log("refused", {{"path", request.path}});
-    return answer;
-  });
-  board.onChange = [&] { boost::asio::post(loop, [&server] { server.changed(); }); };
-  boost::asio::steady_timer timer(loop);
-  if (store.isShared()) watchOthers(timer, store, server, wake, 0);
-  std::promise<void> end;
-  std::thread thread([&] {
-    worker.run([&alarm](std::uint32_t milliseconds) { alarm.sleep(milliseconds); });
-    end.set_value();
-  });
-  board.log("ready", {{"web", server.url()}, {"register", options.port}});
-  loop.run();
-  worker.stop();
-  alarm.ring();
-  const bool isOver = end.get_future().wait_for(kFarewell) == std::future_status::ready;
-  board.log("ended", {{"job", isOver ? "" : board.facts().job}});
-  if (isOver) return thread.join(), 0;
-  // It waits for somebody. As after a crash, the next start finds out what became of it.
-  console = nullptr;
-  std::_Exit(0);
 }
 
-int run(std::vector<std::string> arguments) {
+int dispatch(std::vector<std::string> arguments) {
   Options options;
+  std::string serviceName, tokenName;
   CLI::App app(kAbout, "mirvane-service");
   app.set_version_flag("--version", "mirvane-service " MIRVANE_VERSION);
   app.require_subcommand(0, 1);
@@ -176,39 +84,55 @@ int run(std::vector<std::string> arguments) {
   app.add_option("--register", options.port, "where the register is: COM1, /dev/ttyUSB0, 192.168.1.50:9100");
   app.add_option("--web", options.web,
                  "[ADDRESS:]PORT to be asked at; any address but this machine's own wants tokens");
-  app.add_option("--web-host", options.hosts, "serve under this name too");
+  app.add_option("--web-host", options.hosts, "serve under this name too, which a proxy may have for it; wants tokens");
   app.add_option("--origin", options.origins, "let pages from there ask: https://till.shop");
   app.add_option("--queue", options.mostUnfinished, "how many jobs may wait (10000)");
+  app.add_option("--service-name", serviceName,
+                 "which of this machine's services: its database is NAME.db in " + utf8Of(servicesFolder()))
+      ->check([](const std::string& name) {
+        const bool isName = name.find_first_not_of(kNameCharacters) == std::string::npos;
+        return isName ? "" : "a name has letters, digits, \"-\" and \"_\"";
+      });
   app.add_subcommand("run", "in this console, which is what happens without a word too")->fallthrough();
+  CLI::App* installs = app.add_subcommand("install", "registers and starts a Windows service")->fallthrough();
+  CLI::App* uninstalls =
+      app.add_subcommand("uninstall", "stops a Windows service and removes it; its database stays")->fallthrough();
   CLI::App* token = app.add_subcommand("token", "who may ask")->require_subcommand(1)->fallthrough();
   CLI::App* add = token->add_subcommand("add", "makes a token and prints it, once")->fallthrough();
-  add->add_option("NAME", options.name)->required();
+  add->add_option("NAME", tokenName)->required();
   CLI::App* remove = token->add_subcommand("remove", "takes a token back")->fallthrough();
-  remove->add_option("NAME", options.name)->required();
-  CLI::App* list = token->add_subcommand("list", "prints the names")->fallthrough();
+  remove->add_option("NAME", tokenName)->required();
+  token->add_subcommand("list", "prints the names")->fallthrough();
   try {
     std::reverse(arguments.begin(), arguments.end());
     app.parse(std::move(arguments));
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : 2;
   }
-  if (!*token) return serve(options);
-  Tokens tokens(tokensFile(options));
-  if (*add) {
-    const std::string fresh = tokens.add(options.name);
-    if (fresh.empty()) throw std::invalid_argument("there is a token of that name");
-    std::cout << fresh << "\n";
+  if ((*installs || *uninstalls) && serviceName.empty()) serviceName = "mirvane-service";
+  if (options.store.empty() && !serviceName.empty()) options.store = utf8Of(servicesFolder() / (serviceName + ".db"));
+  if (options.store.empty()) options.store = "mirvane-service.db";
+  if (options.tokens.empty() && isPostgres(options.store) && !serviceName.empty())
+    options.tokens = utf8Of(servicesFolder() / (serviceName + ".tokens"));
+  if (*installs) return installAs(serviceName, options, commandOf(serviceName, app)), 0;
+  if (*uninstalls) {
+    uninstall(serviceName);
+    std::cout << serviceName << " is removed. Its database stays.\n";
+    return 0;
   }
-  if (*remove && !tokens.remove(options.name)) throw std::invalid_argument("there is no token of that name");
-  if (*list) {
-    for (const auto& [name, hash] : tokens.hashes()) std::cout << name << "\n";
-  }
+  if (!*token) return run(options);
+  // The first token may come before the first service.
+  if (*add && !serviceName.empty()) makeFolder(tokensFile(options).parent_path());
+  changeTokens(options, token->get_subcommands().front()->get_name(), tokenName);
   return 0;
 }
 
 int runToTheEnd(const std::vector<std::string>& arguments) {
   try {
-    return run(arguments);
+    return dispatch(arguments);
+  } catch (const ManagerError& error) {
+    std::cerr << "mirvane-service: " << error.what() << "\n";
+    return error.code;
   } catch (const std::invalid_argument& error) {
     std::cerr << "mirvane-service: " << error.what() << "\nTry --help.\n";
     return 2;

@@ -1,7 +1,8 @@
 #!/bin/bash
-# The release as people get it. "release" makes it, signed, in build/package-test; "content" looks at it, and makes it twice
-# more; "wine" installs it in a prefix of its own, sells, upgrades, uninstalls; "try_on_windows.32" and "try_on_windows.64"
-# run the trial that the release contains. What they leave behind is in build/package-test.
+# The release as people get it. "release" makes it, signed, in build/package-test; "content" looks at it and at the Debian
+# package, and makes it twice more; "wine" installs it in a prefix of its own, sells, upgrades, uninstalls;
+# "try_on_windows.32" and "try_on_windows.64" run the trial that the release contains. What they leave behind is in
+# build/package-test.
 set -euo pipefail
 repo=$(cd "$(dirname "$0")/../.." && pwd)
 cd "$repo"
@@ -53,7 +54,7 @@ content() {
 
   (umask 077 && TZ=Asia/Tokyo package/make.sh "$out/one") && package/make.sh "$out/other"
   (cd "$out/one" && sha256sum --quiet -c SHA256SUMS)
-  for file in "$out/one/"*.*[pe]; do cmp "$file" "$out/other/$(basename "$file")"; done
+  for file in "$out/one/"*.*[bpe]; do cmp "$file" "$out/other/$(basename "$file")"; done
 
   for file in "$content"/win*/*.{dll,exe}; do
     [[ ! -e $file ]] || imports "$file"
@@ -61,10 +62,29 @@ content() {
   [[ ! -s $WORK/new_imports ]] ||
     die "not known to be in Windows 7 SP1; what is goes into package/windows7.imports: $(<"$WORK/new_imports")"
   [[ ! -e $content/examples/native ]] || die "what is for Linux went into the release"
+  debian
   # Every library whose headers the Windows build is given.
   for file in build/win32/include/*; do
     grep -qi "$(basename "$file")" "$content/notices.txt" || die "notices.txt does not mention $file"
   done
+}
+
+# The program sells from the package's folders, and systemd understands the unit.
+debian() {
+  local root=$WORK/debian service
+  dpkg-deb -x "$out"/one/mirvane-service_*.deb "$root"
+  [[ $("$root/usr/bin/mirvane-service" --version) == "mirvane-service $version" ]] || die "it is of another version"
+  dpkg-deb -I "$out"/one/mirvane-service_*.deb | grep -q '^ Depends:.*libpq' || die "it does not need PostgreSQL's client"
+  start_emulator register --udp 0
+  "$root/usr/bin/mirvane-service" --store "$WORK/debian.db" --web 0 --register "$(emulator_address register)" >"$WORK/service.log" &
+  service=$!
+  await grep -qs '"ready"' "$WORK/service.log" || die "it does not start"
+  sells_over_http "$WORK/service.log" debian
+  kill "$service" && wait "$service"
+  if command -v systemd-analyze >/dev/null; then
+    sed "s,=/usr/bin/,=$root/usr/bin/," "$root/lib/systemd/system/mirvane-service@.service" >"$WORK/mirvane-service@test.service"
+    systemd-analyze verify "$WORK/mirvane-service@test.service" >"$WORK/verify.log" 2>&1 || die "$(<"$WORK/verify.log")"
+  fi
 }
 
 # ---- wine
@@ -164,6 +184,7 @@ wine() {
   other_folders
   failures
   files_in_use
+  as_a_service
   install 0
   sell
   touch "$folder/journal"

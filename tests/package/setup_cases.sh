@@ -153,3 +153,37 @@ files_in_use() {
   is_left "$folder" ./uninstall.exe || die "after uninstalling there is: $(find "$folder")"
   folder="$disk/Program Files/MirvaneEFT"
 }
+
+starts() { [[ $(grep -c '"ready"' "$2") == "$1" ]]; }
+
+# sells_over_http LOG ID: by the service that writes the log.
+sells_over_http() {
+  local web
+  web=$(sed -n 's/.*"web":"\(.*\)\/".*/\1/p' "$1" | tail -n 1)
+  curl -sS -X PUT "$web/v1/receipts/$2" >"$WORK/answer" \
+    -d '{"lines": [{"description": "Καφές", "price": 2.5, "vat": 24}], "payments": [{"type": "cash"}]}'
+  grep -q '"committed"' "$WORK/answer" || die "$(<"$WORK/answer")"
+}
+
+# The service goes on after an upgrade, and with the product goes also one that was installed by hand.
+as_a_service() {
+  local data="$disk/ProgramData/mirvane-service" name
+  refused 6 'για όλους' /SERVICE=1 /CURRENTUSER
+  start_emulator register --udp 0
+  refused 9 'with a port' '/SERVICE=--register till-1:9100'
+  install 0 "/SERVICE=--web 0 --register $(emulator_address register)"
+  in_wine "$folder/win64/mirvane-service.exe" install --service-name other --web 0 >"$WORK/other"
+  in_wine "$(system_program 64 net)" stop other >"$WORK/net"
+  sells_over_http "$data/mirvane-service.db.log" first
+  install 0
+  await starts 2 "$data/mirvane-service.db.log" || die "it does not go on: $(<"$data/mirvane-service.db.log")"
+  starts 1 "$data/other.db.log" || die "a service was started that did not run"
+  sells_over_http "$data/mirvane-service.db.log" first
+  [[ $(grep -c 'ΑΠΟΔΕΙΞΗ - ΛΗΞΗ' "$WORK/register.paper") == 1 ]] || die "the paper: $(<"$WORK/register.paper")"
+  in_wine "$folder/uninstall.exe" /S >"$WORK/setup.log" 2>&1
+  await is_left "$folder" $(cd "$folder" && find . -name 'line-*') || die "after uninstalling there is: $(find "$folder")"
+  for name in mirvane-service other; do
+    ! in_wine "$(system_program 64 reg)" query "HKLM\\System\\CurrentControlSet\\Services\\$name" >"$WORK/query" || die "$name stays"
+    [[ -s $data/$name.db ]] || die "the database of $name is gone"
+  done
+}

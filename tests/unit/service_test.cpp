@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "campaign/machine.h"
+#include "http/log_file.h"
 #include "service/interface.h"
 #include "service/sqlite_store.h"
 #include "service/words.h"
@@ -306,6 +307,18 @@ TEST(ServiceWords, PaperHasARemedyHoweverTheRegisterTellsOfIt) {
   for (const Wait& wait : {Wait{"paper", 25, "Paper End"}, Wait{"paper", 0, "DEVICE STATUS:Τέλος Χαρτιού !"}}) {
     EXPECT_NE(waitView(wait).find("remedy"), nullptr) << wait.text;
   }
+}
+
+TEST(ServiceLog, TwoFullFilesAreKept) {
+  const std::filesystem::path file = testing::TempDir() + "service.log";
+  std::filesystem::remove(file);
+  for (const char* line : {"one\n", "two\n", "three\n", "four\n", "five\n"}) addToLog(file, line, 10);
+  const auto lines = [](const std::filesystem::path& path) {
+    std::ifstream stream(path);
+    return std::string(std::istreambuf_iterator<char>(stream), {});
+  };
+  EXPECT_EQ(lines(file), "four\nfive\n");
+  EXPECT_EQ(lines(file.string() + ".old"), "three\n");
 }
 
 TEST(ServiceTokens, TheHashIsTheStandards) {
