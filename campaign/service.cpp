@@ -22,8 +22,8 @@ constexpr long kEver = 1L << 40;
 /// A store whose writes are moments, and which may fail.
 class TappedStore : public service::Store {
  public:
-  bool add(Job& job) override {
-    return written([&] { return store_.add(job); });
+  bool add(Job& job, bool isTold) override {
+    return written([&] { return store_.add(job, isTold); });
   }
   std::optional<Job> find(const std::string& id) override { return store_.find(id); }
   std::optional<Job> claim() override { return store_.claim(); }

@@ -133,9 +133,9 @@ SqliteStore::SqliteStore(const std::string& path) : path_(path) {
 
 SqliteStore::~SqliteStore() = default;
 
-bool SqliteStore::add(Job& job) {
+bool SqliteStore::add(Job& job, bool isTold) {
   const std::lock_guard lock(mutex_);
-  waitForDisk(true);
+  waitForDisk(isTold);
   Statement& statement = prepared(
       "INSERT INTO jobs (id, kind, state, content, progress, result, created, changed, version)"
       " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?) ON CONFLICT (id) DO NOTHING");
@@ -145,7 +145,13 @@ bool SqliteStore::add(Job& job) {
   if (sqlite3_changes(database_.get()) == 0) return false;
   job.version = ++version_;
   job.place = sqlite3_last_insert_rowid(database_.get());
+  isBehind_ = !isTold;
   return true;
+}
+
+void SqliteStore::flush() {
+  const std::lock_guard lock(mutex_);
+  if (isBehind_) write("flushed", "");
 }
 
 std::optional<Job> SqliteStore::find(const std::string& id) {
@@ -172,6 +178,7 @@ bool SqliteStore::save(Job& job, const std::string& seen) {
   if (sqlite3_changes(database_.get()) == 0) return false;
   if (!seen.empty()) prepared("INSERT OR REPLACE INTO memory VALUES ('seen', ?)").with(seen).step();
   transaction.commit();
+  isBehind_ = isBehind_ && isTold;
   job.version = ++version_;
   return true;
 }
@@ -213,8 +220,7 @@ std::string SqliteStore::recall(const std::string& name) {
 
 void SqliteStore::remember(const std::string& name, const std::string& value) {
   const std::lock_guard lock(mutex_);
-  waitForDisk(true);
-  prepared("INSERT OR REPLACE INTO memory VALUES (?, ?)").with(name, value).step();
+  write(name, value);
 }
 
 void SqliteStore::keepFile(const std::string& job, const std::string& name, const std::string& bytes) {
@@ -239,6 +245,12 @@ std::optional<std::string> SqliteStore::file(const std::string& job, const std::
   if (row.step()) bytes = row.bytes(0);
   row.with();
   return bytes;
+}
+
+void SqliteStore::write(const std::string& name, const std::string& value) {
+  waitForDisk(true);
+  prepared("INSERT OR REPLACE INTO memory VALUES (?, ?)").with(name, value).step();
+  isBehind_ = false;
 }
 
 void SqliteStore::waitForDisk(bool waits) {

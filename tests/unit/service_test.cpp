@@ -1,5 +1,7 @@
 // Receipts over HTTP: what callers are told, and that each is sold once.
 #include <gmock/gmock.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <fstream>
 
@@ -7,6 +9,21 @@
 #include "service/interface.h"
 #include "service/sqlite_store.h"
 #include "service/worker.h"
+
+namespace {
+/// Whether the database has written something that a power cut can take away.
+bool isAtRisk = false;
+}  // namespace
+
+// Of the C library, as the database calls them.
+extern "C" ssize_t pwrite64(int file, const void* bytes, std::size_t count, off64_t at) {
+  isAtRisk = true;
+  return syscall(SYS_pwrite64, file, bytes, count, at);
+}
+extern "C" int fdatasync(int file) {
+  isAtRisk = false;
+  return static_cast<int>(syscall(SYS_fdatasync, file));
+}
 
 namespace mirvane::service {
 namespace {
@@ -214,6 +231,23 @@ TEST_F(Service, EveryOtherDocumentIsDoneOnceToo) {
   EXPECT_THAT(body_, HasSubstr("0001"));
   EXPECT_EQ(put("reports/z/z"), 200);
   EXPECT_EQ(machine_.device.fiscal().closures, 1);
+}
+
+TEST_F(Service, WhatIsToldOrDoneIsOnTheDiskBefore) {
+  work();
+  machine_.tap.moment = [this] {
+    const std::string last = machine_.tap.commands.back();
+    EXPECT_FALSE(isAtRisk && (last.starts_with("3/S") || last.starts_with("5/1/"))) << last;
+  };
+  EXPECT_EQ(stateAfter("receipts/a", kSold), "committed");
+  put("receipts/b", kSold);
+  EXPECT_TRUE(isAtRisk) << "nobody has been told";
+  put("receipts/b", kSold);
+  EXPECT_FALSE(isAtRisk) << "told when the time is over";
+  headers_["prefer"] = "wait=0";
+  put("receipts/c", kSold);
+  EXPECT_FALSE(isAtRisk) << "told at once";
+  work();
 }
 
 TEST_F(Service, AStoreOlderThanTheRegisterIsTold) {
