@@ -35,6 +35,7 @@ struct Options {
   std::string registerName, group;
   std::vector<std::string> hosts, origins;
   int mostUnfinished = 10'000;
+  bool isRecorded = false;
 };
 
 bool isPostgres(const std::string& store) {
@@ -44,6 +45,15 @@ bool isPostgres(const std::string& store) {
 std::filesystem::path tokensFile(const Options& options) {
   if (!options.tokens.empty()) return pathOf(options.tokens);
   return pathOf((isPostgres(options.store) ? "mirvane-service" : options.store) + ".tokens");
+}
+
+/// Where the flight record goes; none unless it is wanted.
+Text recordFolder(const Options& options) {
+  if (!options.isRecorded) return {};
+  const std::filesystem::path beside = isPostgres(options.store) ? "." : pathOf(options.store).parent_path();
+  const std::filesystem::path folder = beside / "records";
+  create_directories(folder);
+  return folder.u16string();
 }
 
 std::unique_ptr<Store> openStore(const Options& options) {
@@ -126,7 +136,7 @@ int serve(const Options& options) {
   boost::asio::signal_set signals(loop, SIGINT, SIGTERM);
   signals.async_wait([&loop](const boost::system::error_code&, int) { loop.stop(); });
   Alarm alarm;
-  Worker worker(machine, store, board, fromUtf8(options.port));
+  Worker worker(machine, store, board, fromUtf8(options.port), recordFolder(options));
   const auto wake = [&] {
     worker.wake();
     alarm.ring();
@@ -179,6 +189,7 @@ int run(std::vector<std::string> arguments) {
   app.add_option("--web-host", options.hosts, "serve under this name too");
   app.add_option("--origin", options.origins, "let pages from there ask: https://till.shop");
   app.add_option("--queue", options.mostUnfinished, "how many jobs may wait (10000)");
+  app.add_flag("--record", options.isRecorded, "write the flight record into the folder records beside the database");
   app.add_subcommand("run", "in this console, which is what happens without a word too")->fallthrough();
   CLI::App* token = app.add_subcommand("token", "who may ask")->require_subcommand(1)->fallthrough();
   CLI::App* add = token->add_subcommand("add", "makes a token and prints it, once")->fallthrough();

@@ -34,9 +34,11 @@ using emulator::Code;
 using emulator::Document;
 using testing::Each;
 using testing::HasSubstr;
+using testing::Not;
 
 const std::string kCoffee = R"("lines":[{"description":"ΚΑΦΕΣ","price":2.5,"vat":24}])";
 const std::string kSold = "{" + kCoffee + R"(,"payments":[{"type":"cash","amount":5}]})";
+constexpr TextView kRecords = u"C:\\service\\records";
 const std::string kUnpaid = "{" + kCoffee + "}";
 
 std::string textOf(const Json& json, const char* name) {
@@ -56,7 +58,7 @@ class Service : public testing::Test {
   void start() {
     store_ = std::make_unique<SqliteStore>(path());
     board_ = std::make_unique<Board>();
-    worker_ = std::make_unique<Worker>(machine_.platform, *store_, *board_, Text(machine_.portName()));
+    worker_ = std::make_unique<Worker>(machine_.platform, *store_, *board_, Text(machine_.portName()), kRecords);
     interface_ = std::make_unique<Interface>(
         *store_, *board_, Interface::Options{tokens_.get(), 3, [] {}, [this] { return machine_.clock.sinceEpoch(); }});
   }
@@ -308,6 +310,31 @@ TEST_F(Service, PagesAndChangesMissNothing) {
   EXPECT_EQ(ask("GET", "/v1/jobs?state=odd"), 400);
 }
 
+TEST_F(Service, HistogramsAreWhatPrometheusReads) {
+  put("receipts/a", kSold);
+  machine_.clock.advance(45);
+  stateAfter("receipts/b", kSold);
+  ASSERT_EQ(ask("GET", "/metrics"), 200);
+  std::map<std::string, double> values;
+  double inBuckets = 0;
+  std::istringstream lines(body_);
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t blank = line.rfind(' ');
+    if (line.starts_with("#")) continue;
+    const double value = values[line.substr(0, blank)] = std::stod(line.substr(blank));
+    if (line.find("_bucket{") != std::string::npos) {
+      EXPECT_LE(line.find("le=\"0.01\"") == std::string::npos ? inBuckets : 0, value) << line;
+      inBuckets = value;
+    }
+    EXPECT_TRUE(line.find("_count") == std::string::npos || value == inBuckets) << line;
+  }
+  EXPECT_EQ(values["mirvane_job_seconds_bucket{kind=\"receipt\",le=\"30\"}"], 1) << body_;
+  EXPECT_EQ(values["mirvane_job_seconds_bucket{kind=\"receipt\",le=\"60\"}"], 2) << body_;
+  EXPECT_GE(values["mirvane_job_seconds_sum{kind=\"receipt\"}"], 45);
+  EXPECT_GT(values["mirvane_call_seconds_count"], 10);
+  EXPECT_EQ(values["mirvane_call_seconds_bucket{le=\"+Inf\"}"], values["mirvane_call_seconds_count"]);
+}
+
 TEST_F(Service, OthersNeedATokenThatIsNotTakenBack) {
   const std::string file = testing::TempDir() + "service.tokens";
   std::filesystem::remove(file);
@@ -328,6 +355,23 @@ TEST_F(Service, OthersNeedATokenThatIsNotTakenBack) {
   Tokens(file).remove("till 1");
   EXPECT_EQ(status("Bearer " + token), 401);
   EXPECT_EQ(ask("GET", "/healthz"), 200);
+}
+
+TEST_F(Service, TheFlightRecordHasTheLineAndNothingOfTheCaller) {
+  stateAfter("receipts/before", kSold);
+  EXPECT_TRUE(machine_.disk.contents.empty());
+  end();
+  machine_.disk.recordFolder = kRecords;
+  start();
+  headers_["authorization"] = "Bearer mv_secret";
+  EXPECT_EQ(stateAfter("receipts/caller-7", "{" + kCoffee + R"(,"payments":[{"type":"card","terminal":1}]})"),
+            "committed");
+  end();
+  ASSERT_EQ(machine_.disk.contents.size(), 1U);
+  const std::string& record = machine_.disk.contents.begin()->second;
+  for (const char* there : {" started ", " call          0 ItemSale\r\n", "<STX>5/2/", " ended         0 Payment,"})
+    EXPECT_THAT(record, HasSubstr(there));
+  for (const char* absent : {"mv_secret", "caller-7"}) EXPECT_THAT(record, Not(HasSubstr(absent)));
 }
 
 TEST(ServiceTokens, TheHashIsTheStandards) {
