@@ -12,6 +12,8 @@ namespace {
 constexpr int kApplication = 0x4D565356;
 constexpr int kFormat = 1;
 
+constexpr const char* kNotWritable = "cannot be written: look at its folder, and at the rights of both";
+
 constexpr const char* kTables =
     "CREATE TABLE jobs (place INTEGER PRIMARY KEY AUTOINCREMENT, id TEXT NOT NULL UNIQUE, kind TEXT NOT NULL,"
     " state INTEGER NOT NULL, content TEXT NOT NULL, progress TEXT NOT NULL, result TEXT NOT NULL,"
@@ -110,6 +112,7 @@ SqliteStore::SqliteStore(const std::string& path) : path_(path) {
   const int result = sqlite3_open(path.c_str(), &opened);
   database_.reset(opened);
   if (result != SQLITE_OK) fail();
+  if (sqlite3_db_readonly(opened, "main") == 1) fail(kNotWritable);
   // Two services at one register would each hold the other's receipts for strangers. FULL has each commit on the disk
   // before anything is sent.
   run("PRAGMA locking_mode = EXCLUSIVE");
@@ -274,9 +277,10 @@ std::int64_t SqliteStore::number(const char* sql) {
 }
 
 void SqliteStore::fail(const std::string& what) const {
-  const bool isTaken = sqlite3_errcode(database_.get()) == SQLITE_BUSY;
-  const std::string why = !what.empty() ? what : sqlite3_errmsg(database_.get());
-  throw StoreError(path_ + ": " + (isTaken ? "another program has it open" : why));
+  const int code = sqlite3_errcode(database_.get());
+  const bool isRefused = code == SQLITE_READONLY || code == SQLITE_CANTOPEN;
+  const std::string why = !what.empty() ? what : isRefused ? kNotWritable : sqlite3_errmsg(database_.get());
+  throw StoreError(path_ + ": " + (code == SQLITE_BUSY ? "another program has it open" : why));
 }
 
 }  // namespace mirvane::service

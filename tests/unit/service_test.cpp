@@ -13,10 +13,16 @@
 namespace {
 /// Whether the database has written something that a power cut can take away.
 bool isAtRisk = false;
+/// Whether the disk takes nothing.
+bool isReadOnly = false;
 }  // namespace
 
 // Of the C library, as the database calls them.
 extern "C" ssize_t pwrite64(int file, const void* bytes, std::size_t count, off64_t at) {
+  if (isReadOnly) {
+    errno = EROFS;
+    return -1;
+  }
   isAtRisk = true;
   return syscall(SYS_pwrite64, file, bytes, count, at);
 }
@@ -250,6 +256,52 @@ TEST_F(Service, WhatIsToldOrDoneIsOnTheDiskBefore) {
   put("receipts/c", kSold);
   EXPECT_FALSE(isAtRisk) << "told at once";
   work();
+}
+
+TEST_F(Service, ADatabaseThatCannotBeWrittenSellsNothing) {
+  for (const bool isBegun : {false, true}) {
+    const std::string id = isBegun ? "receipts/begun" : "receipts/new";
+    work();
+    if (isBegun) put(id, kSold);
+    isReadOnly = true;
+    EXPECT_EQ(put(isBegun ? "receipts/another" : id, kSold), 503);
+    EXPECT_EQ(textOf(told_, "title"), "store");
+    const int sold = receiptsSold();
+    work();
+    EXPECT_EQ(receiptsSold(), sold);
+    isReadOnly = false;
+    EXPECT_EQ(stateAfter(id, kSold), "committed");
+    EXPECT_EQ(receiptsSold(), sold + 1);
+  }
+}
+
+TEST_F(Service, ADatabaseThatCannotBeWrittenIsToldAtTheStart) {
+  namespace fs = std::filesystem;
+  const fs::path folder = fs::path(testing::TempDir()) / ("read-only-" + std::to_string(getpid()));
+  const fs::path file = folder / "db";
+  fs::create_directory(folder);
+  SqliteStore(file.string());
+  const struct {
+    fs::path path;
+    unsigned file, folder;
+  } kCases[] = {{file, 0444, 0777}, {file, 0666, 0555}, {folder / "new", 0666, 0555}};
+  for (const auto& [path, fileRights, folderRights] : kCases) {
+    fs::permissions(file, fs::perms(fileRights));
+    fs::permissions(folder, fs::perms(folderRights));
+    // To the superuser everything is granted.
+    const uid_t user = geteuid();
+    ASSERT_TRUE(user != 0 || seteuid(65534) == 0);
+    std::string told;
+    try {
+      SqliteStore store(path.string());
+    } catch (const StoreError& error) {
+      told = error.what();
+    }
+    ASSERT_TRUE(user != 0 || seteuid(0) == 0);
+    EXPECT_THAT(told, HasSubstr("cannot be written")) << fileRights << " " << folderRights;
+  }
+  fs::permissions(folder, fs::perms::all);
+  fs::remove_all(folder);
 }
 
 TEST_F(Service, AStoreOlderThanTheRegisterIsTold) {
