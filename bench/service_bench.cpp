@@ -159,7 +159,7 @@ class Disk {
   }
   /// About what a commit writes.
   void write() const {
-    static const std::string block(32 * 1024, 'x');
+    static const std::string block(32'768, 'x');
     if (pwrite(file_, block.data(), block.size(), 0) < 0 || fdatasync(file_) != 0) fail("the disk cannot be written");
   }
 

@@ -17,8 +17,11 @@ bool isAtRisk = false;
 bool isReadOnly = false;
 }  // namespace
 
-// Of the C library, as the database calls them.
-extern "C" ssize_t pwrite64(int file, const void* bytes, std::size_t count, off64_t at) {
+// They stand in the C library's place: the database calls them.
+extern "C" ssize_t writeWatched(int file, const void* bytes, std::size_t count, off64_t at) __asm__("pwrite64");
+extern "C" int syncWatched(int file) __asm__("fdatasync");
+
+ssize_t writeWatched(int file, const void* bytes, std::size_t count, off64_t at) {
   if (isReadOnly) {
     errno = EROFS;
     return -1;
@@ -26,7 +29,8 @@ extern "C" ssize_t pwrite64(int file, const void* bytes, std::size_t count, off6
   isAtRisk = true;
   return syscall(SYS_pwrite64, file, bytes, count, at);
 }
-extern "C" int fdatasync(int file) {
+
+int syncWatched(int file) {
   isAtRisk = false;
   return static_cast<int>(syscall(SYS_fdatasync, file));
 }
@@ -280,7 +284,7 @@ TEST_F(Service, ADatabaseThatCannotBeWrittenIsToldAtTheStart) {
   const fs::path folder = fs::path(testing::TempDir()) / ("read-only-" + std::to_string(getpid()));
   const fs::path file = folder / "db";
   fs::create_directory(folder);
-  SqliteStore(file.string());
+  std::make_unique<SqliteStore>(file.string());
   const struct {
     fs::path path;
     unsigned file, folder;
