@@ -1,8 +1,10 @@
 # ./run bench
 
 bench() {
-  local chosen=" ${*:-link journal soak} "
+  local chosen=" ${*:-link journal soak service} "
   local reply journals=(paced_journal 1 5 10 20) name number=5
+  [[ $chosen != *" service "* ]] || bench_service
+  [[ $chosen != " service " ]] || return 0
   setup emulator demo
   build_preset native mirvane-emulator tools/all link-bench journal-bench soak-bench
   build_preset win32 MirvaneEFT link-bench journal-bench
@@ -39,6 +41,22 @@ soak() {
   start_emulator soak_network --udp 0 --journal-piece 4000
   (cd "$WORK" && timeout 1200 "$repo/build/native/bench/soak-bench" "$WORK/soak_serial.pty" \
     "$(emulator_address soak_network)" 2>"$WORK/progress")
+}
+
+# At equal registers by twos: one for the component alone, one for the service.
+bench_service() {
+  local number
+  setup emulator service
+  build_preset native mirvane-emulator mirvane-service service-bench
+  for number in 1 2; do
+    start_emulator unpaced_$number
+    start_emulator paced_$number --paced
+    start_emulator network_$number --udp 0
+  done
+  echo "the service:"
+  (cd "$WORK" && timeout 1800 "$repo/build/native/bench/service-bench" "$repo/build/native/mirvane-service" \
+    unpaced "$WORK"/unpaced_{1,2}.pty paced "$WORK"/paced_{1,2}.pty \
+    network "$(emulator_address network_1)" "$(emulator_address network_2)")
 }
 
 # bench_in_wine NAME ARGUMENT...

@@ -34,6 +34,10 @@ class Till {
   }
   /// Sells kItem.
   void sell() { operate(0, "ItemSale", Text(u"Καφές"), 1.0, 2.5, 24.0, std::int16_t{1}); }
+  /// Pays that much in cash, which closes a receipt that is wholly paid.
+  void pay(double amount) {
+    operate(0, "Payment", std::int16_t{1}, Text(u"ΜΕΤΡΗΤΑ"), amount, std::int16_t{0}, std::int16_t{0});
+  }
   /// A call that sends nothing.
   void callNothing() { till_.read("getFiscalType"); }
   void setTrace(bool active) { till_.read(active ? "activateDebug" : "DeactivateDebug"); }

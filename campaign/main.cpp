@@ -26,6 +26,7 @@ constexpr const char* kUsage = R"(Compares what a till is told with what the reg
     calls, calls-with-same, connects-again, lets-go          what the program does within its calls
     "killed after N"                                         of saved-… and service-…: the program ends at that moment
     "store fails after N"                                    of service-…: five writes do not reach the disk
+    "store read-only after N"                                the same, until the service is started anew
     "seed N"                                                 seed for the rules with a rate
     anything else                                            a rule of the emulator: "after 3 till-ack lost"
 )";

@@ -197,6 +197,7 @@ class Planner {
     }
     for (long write = 0; write < countServiceWrites(line, scenario); ++write) {
       add(Group::kService, "disk full", line, {work, "store fails after " + std::to_string(write)});
+      add(Group::kService, "read-only", line, {work, "store read-only after " + std::to_string(write)});
     }
     for (const std::string& fault : faults()) {
       const std::string limit = limitOf(fault, "", line);

@@ -22,8 +22,8 @@ constexpr long kEver = 1L << 40;
 /// A store whose writes are moments, and which may fail.
 class TappedStore : public service::Store {
  public:
-  bool add(Job& job) override {
-    return written([&] { return store_.add(job); });
+  bool add(Job& job, bool isTold) override {
+    return written([&] { return store_.add(job, isTold); });
   }
   std::optional<Job> find(const std::string& id) override { return store_.find(id); }
   std::optional<Job> claim() override { return store_.claim(); }
@@ -46,15 +46,14 @@ class TappedStore : public service::Store {
 
   /// Called before and after each write.
   std::function<void()> moment;
-  long writes = 0, failsAt = kEver;
+  long writes = 0, failsAt = kEver, failures = 5;
 
  private:
   template <class Write>
   bool written(Write write) {
-    constexpr long kFailures = 5;
     const long number = writes++;
     if (moment) moment();
-    if (number >= failsAt && number < failsAt + kFailures) throw service::StoreError("the disk is full");
+    if (number >= failsAt && number < failsAt + failures) throw service::StoreError("cannot be written");
     const bool isDone = write();
     if (moment) moment();
     return isDone;
@@ -119,6 +118,11 @@ class ServiceProof {
     tally_[kRuns] = 1;
     for (const long life : lives) live(life);
     live(kEver);
+    if (store.failures == kEver) {
+      // Somebody has seen to it, and started the service anew.
+      store.failsAt = kEver;
+      live(kEver);
+    }
     check();
     return tally_;
   }
@@ -219,6 +223,7 @@ class ServiceProof {
 Tally runService(Machine& machine, std::size_t scenario, const std::vector<std::string>& rules, const Log& log) {
   constexpr std::string_view kKilled = "killed after ";
   constexpr std::string_view kFails = "store fails after ";
+  constexpr std::string_view kReadOnly = "store read-only after ";
   std::vector<long> lives;
   ServiceProof proof(machine, scenario, log);
   for (const std::string& rule : rules) {
@@ -226,6 +231,9 @@ Tally runService(Machine& machine, std::size_t scenario, const std::vector<std::
       lives.push_back(std::stol(rule.substr(kKilled.size())));
     } else if (rule.starts_with(kFails)) {
       proof.store.failsAt = std::stol(rule.substr(kFails.size()));
+    } else if (rule.starts_with(kReadOnly)) {
+      proof.store.failsAt = std::stol(rule.substr(kReadOnly.size()));
+      proof.store.failures = kEver;
     } else {
       machine.faults.add(rule);
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -22,6 +24,19 @@ struct Wait {
   bool operator==(const Wait&) const = default;
 };
 
+/// How often something took how long.
+struct Histogram {
+  static constexpr std::array kBounds = {0.01, 0.025, 0.05, 0.1, 0.25, 0.5, 1.0, 2.5, 5.0, 10.0, 30.0, 60.0, 300.0};
+  /// Up to each bound from the one before; the last one is for what took longer.
+  std::array<long, kBounds.size() + 1> counts{};
+  double sum = 0;
+
+  void add(double seconds) {
+    ++counts[static_cast<std::size_t>(std::ranges::lower_bound(kBounds, seconds) - kBounds.begin())];
+    sum += seconds;
+  }
+};
+
 /// What whoever works at the register tells, and what whoever asks may wish: the two may be different threads.
 class Board {
  public:
@@ -37,11 +52,13 @@ class Board {
     /// The register's totals as they were read last, and when, in milliseconds since 1970.
     http::Json totals;
     std::int64_t read = 0;
-    /// Since the start: jobs by kind and state, calls and their seconds, waits by what for, acts done again.
+    /// Since the start: jobs by kind and state, waits by what for, acts done again.
     std::map<std::pair<std::string, std::string>, long> outcomes;
     std::map<std::string, long> waits;
-    long calls = 0, repetitions = 0;
-    double callSeconds = 0;
+    long repetitions = 0;
+    /// What calls of the component took, and jobs by their kind, from queued to over.
+    Histogram callSeconds;
+    std::map<std::string, Histogram> jobSeconds;
   };
 
   Facts facts() const {

@@ -194,6 +194,8 @@ Answer Interface::route(Request& request) {
     allowed.append(allowed.empty() ? "" : ", ").append(route.method);
     if (request.method != route.method) continue;
     if (!route.isOpen) requireToken(request);
+    // Whatever anybody is told, the store can tell again. Who waits is told more when there is more.
+    store_.flush();
     return (this->*route.handle)(call);
   }
   if (allowed.empty()) throw Refusal(404, "no such path", "path");
@@ -234,7 +236,7 @@ Answer Interface::put(Call& call) {
     if (store_.unfinished() >= options_.mostUnfinished)
       throw Refusal(429, "too much is waiting", "", named("queue-full"));
     job.created = job.changed = options_.now();
-    if (store_.add(job)) {
+    if (store_.add(job, wait == 0)) {
       there = job;
       board_.log("queued", {{"id", id}, {"kind", call.kind}});
       options_.wake();

@@ -142,7 +142,7 @@ bool PostgresStore::isThere(const std::string& name, const std::string& group) {
              .count() > 0;
 }
 
-bool PostgresStore::add(Job& job) {
+bool PostgresStore::add(Job& job, bool /*isTold*/) {
   const std::lock_guard lock(mutex_);
   if (job.registerName.empty() && job.group.empty()) job.registerName = name_;
   const Rows rows =

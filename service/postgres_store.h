@@ -27,7 +27,7 @@ class PostgresStore : public Store {
 
   bool isShared() const override { return true; }
   bool isThere(const std::string& name, const std::string& group) override;
-  bool add(Job& job) override;
+  bool add(Job& job, bool isTold) override;
   std::optional<Job> find(const std::string& id) override;
   std::optional<Job> claim() override;
   bool save(Job& job, const std::string& seen) override;

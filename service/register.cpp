@@ -144,7 +144,7 @@ std::optional<Picture> Picture::from(const http::Json& json) {
                  number("remaining")};
 }
 
-Register::Register(platform::Platform& machine, Board& board, Text port,
+Register::Register(platform::Platform& machine, Board& board, Text port, TextView recordFolder,
                    std::function<bool(const std::string&, std::string_view)> keepFile)
     : machine_(machine),
       board_(board),
@@ -152,7 +152,7 @@ Register::Register(platform::Platform& machine, Board& board, Text port,
       screen_(std::make_unique<Screen>(*this)),
       files_(std::make_unique<Files>(machine.files, std::move(keepFile))),
       platform_{machine.serial, machine.sockets, machine.clock, *screen_, *files_},
-      component_(platform_) {
+      component_(platform_, recordFolder) {
   // Only then a window tells that a serial device is silent; nobody has to close the boxes.
   till_.SupressError_ = false;
 }
@@ -169,10 +169,7 @@ bool Register::measured(const std::function<bool()>& call) {
     till_.Result = embedding::Till::kUntouched;
   }
   const double seconds = machine_.clock.elapsed() - begin;
-  board_.count([&](Board::Facts& facts) {
-    ++facts.calls;
-    facts.callSeconds += seconds;
-  });
+  board_.count([&](Board::Facts& facts) { facts.callSeconds.add(seconds); });
   return isDone;
 }
 

@@ -28,8 +28,9 @@ struct Picture {
 /// One register, asked and driven through the component; whatever the component shows an operator goes to the board.
 class Register {
  public:
-  /// `keepFile` takes the journal's files, by name. `machine` is what is below; its screen and its files are not used.
-  Register(platform::Platform& machine, Board& board, Text port,
+  /// `keepFile` takes the journal's files, by name. `machine` is what is below; its screen is not used, and its files
+  /// only for the flight record, in `recordFolder` while that is there.
+  Register(platform::Platform& machine, Board& board, Text port, TextView recordFolder,
            std::function<bool(const std::string& name, std::string_view bytes)> keepFile);
   Register(const Register&) = delete;
   Register& operator=(const Register&) = delete;

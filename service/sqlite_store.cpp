@@ -12,6 +12,8 @@ namespace {
 constexpr int kApplication = 0x4D565356;
 constexpr int kFormat = 1;
 
+constexpr const char* kNotWritable = "cannot be written: look at its folder, and at the rights of both";
+
 constexpr const char* kTables =
     "CREATE TABLE jobs (place INTEGER PRIMARY KEY AUTOINCREMENT, id TEXT NOT NULL UNIQUE, kind TEXT NOT NULL,"
     " state INTEGER NOT NULL, content TEXT NOT NULL, progress TEXT NOT NULL, result TEXT NOT NULL,"
@@ -110,6 +112,7 @@ SqliteStore::SqliteStore(const std::string& path) : path_(path) {
   const int result = sqlite3_open(path.c_str(), &opened);
   database_.reset(opened);
   if (result != SQLITE_OK) fail();
+  if (sqlite3_db_readonly(opened, "main") == 1) fail(kNotWritable);
   // Two services at one register would each hold the other's receipts for strangers. FULL has each commit on the disk
   // before anything is sent.
   run("PRAGMA locking_mode = EXCLUSIVE");
@@ -133,9 +136,9 @@ SqliteStore::SqliteStore(const std::string& path) : path_(path) {
 
 SqliteStore::~SqliteStore() = default;
 
-bool SqliteStore::add(Job& job) {
+bool SqliteStore::add(Job& job, bool isTold) {
   const std::lock_guard lock(mutex_);
-  waitForDisk(true);
+  waitForDisk(isTold);
   Statement& statement = prepared(
       "INSERT INTO jobs (id, kind, state, content, progress, result, created, changed, version)"
       " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?) ON CONFLICT (id) DO NOTHING");
@@ -145,7 +148,13 @@ bool SqliteStore::add(Job& job) {
   if (sqlite3_changes(database_.get()) == 0) return false;
   job.version = ++version_;
   job.place = sqlite3_last_insert_rowid(database_.get());
+  isBehind_ = !isTold;
   return true;
+}
+
+void SqliteStore::flush() {
+  const std::lock_guard lock(mutex_);
+  if (isBehind_) write("flushed", "");
 }
 
 std::optional<Job> SqliteStore::find(const std::string& id) {
@@ -172,6 +181,7 @@ bool SqliteStore::save(Job& job, const std::string& seen) {
   if (sqlite3_changes(database_.get()) == 0) return false;
   if (!seen.empty()) prepared("INSERT OR REPLACE INTO memory VALUES ('seen', ?)").with(seen).step();
   transaction.commit();
+  isBehind_ = isBehind_ && isTold;
   job.version = ++version_;
   return true;
 }
@@ -213,8 +223,7 @@ std::string SqliteStore::recall(const std::string& name) {
 
 void SqliteStore::remember(const std::string& name, const std::string& value) {
   const std::lock_guard lock(mutex_);
-  waitForDisk(true);
-  prepared("INSERT OR REPLACE INTO memory VALUES (?, ?)").with(name, value).step();
+  write(name, value);
 }
 
 void SqliteStore::keepFile(const std::string& job, const std::string& name, const std::string& bytes) {
@@ -241,6 +250,12 @@ std::optional<std::string> SqliteStore::file(const std::string& job, const std::
   return bytes;
 }
 
+void SqliteStore::write(const std::string& name, const std::string& value) {
+  waitForDisk(true);
+  prepared("INSERT OR REPLACE INTO memory VALUES (?, ?)").with(name, value).step();
+  isBehind_ = false;
+}
+
 void SqliteStore::waitForDisk(bool waits) {
   if (std::exchange(waitsForDisk_, waits) == waits) return;
   run(waits ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
@@ -262,9 +277,10 @@ std::int64_t SqliteStore::number(const char* sql) {
 }
 
 void SqliteStore::fail(const std::string& what) const {
-  const bool isTaken = sqlite3_errcode(database_.get()) == SQLITE_BUSY;
-  const std::string why = !what.empty() ? what : sqlite3_errmsg(database_.get());
-  throw StoreError(path_ + ": " + (isTaken ? "another program has it open" : why));
+  const int code = sqlite3_errcode(database_.get());
+  const bool isRefused = code == SQLITE_READONLY || code == SQLITE_CANTOPEN;
+  const std::string why = !what.empty() ? what : isRefused ? kNotWritable : sqlite3_errmsg(database_.get());
+  throw StoreError(path_ + ": " + (code == SQLITE_BUSY ? "another program has it open" : why));
 }
 
 }  // namespace mirvane::service

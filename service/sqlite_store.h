@@ -18,7 +18,8 @@ class SqliteStore : public Store {
   SqliteStore& operator=(const SqliteStore&) = delete;
   ~SqliteStore() override;
 
-  bool add(Job& job) override;
+  bool add(Job& job, bool isTold) override;
+  void flush() override;
   std::optional<Job> find(const std::string& id) override;
   std::optional<Job> claim() override;
   bool save(Job& job, const std::string& seen) override;
@@ -36,6 +37,7 @@ class SqliteStore : public Store {
 
   /// Whether the next commit does.
   void waitForDisk(bool waits);
+  void write(const std::string& name, const std::string& value);
   void run(const char* sql);
   /// Kept from its first use on.
   Statement& prepared(const char* sql);
@@ -51,6 +53,8 @@ class SqliteStore : public Store {
   std::vector<std::unique_ptr<Statement>> statements_;
   std::int64_t version_ = 0;
   bool waitsForDisk_ = true;
+  /// Whether a job was added that may not be on the disk.
+  bool isBehind_ = false;
 };
 
 }  // namespace mirvane::service

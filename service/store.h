@@ -39,7 +39,7 @@ struct StoreError : std::runtime_error {
 };
 
 /// Where everything is kept that must outlive the program. What a call has written is on the disk when it returns, as a
-/// whole or not at all, but for what `save` says. Any thread may call. Everything throws StoreError.
+/// whole or not at all, but for what `add` and `save` say. Any thread may call. Everything throws StoreError.
 class Store {
  public:
   virtual ~Store() = default;
@@ -48,8 +48,11 @@ class Store {
   virtual bool isShared() const { return false; }
   /// Whether there is such a register and such a group, where they are named.
   virtual bool isThere(const std::string& name, const std::string& group) { return name.empty() && group.empty(); }
-  /// Takes in a new job, for this service's register unless it says another. False when there is one of that id.
-  virtual bool add(Job& job) = 0;
+  /// Takes in a new job, for this service's register unless it says another. False when there is one of that id. Unless
+  /// it `isTold` at once, it need not be on the disk before the next write or `flush` is.
+  virtual bool add(Job& job, bool isTold) = 0;
+  /// All that was written is on the disk.
+  virtual void flush() {}
   virtual std::optional<Job> find(const std::string& id) = 0;
   /// The job that was begun and is not over, or else the one that has been queued longest, this register's before its
   /// group's. It is this register's from then on.

@@ -28,9 +28,19 @@ class Family {
   Family(std::ostream& out, const char* name, const char* type, const char* help) : out_(out), name_(name) {
     out << "# HELP " << name << " " << help << "\n# TYPE " << name << " " << type << "\n";
   }
-  Family& add(double value, const std::string& labels = {}) {
-    out_ << name_ << (labels.empty() ? "" : "{" + labels + "}") << " " << value << "\n";
+  Family& add(double value, const std::string& labels = {}, const char* suffix = "") {
+    out_ << name_ << suffix << (labels.empty() ? "" : "{" + labels + "}") << " " << value << "\n";
     return *this;
+  }
+  void add(const Histogram& histogram, const std::string& labels = {}) {
+    double count = 0;
+    for (std::size_t i = 0; i < histogram.counts.size(); ++i) {
+      std::ostringstream bound;
+      i < Histogram::kBounds.size() ? bound << Histogram::kBounds[i] : bound << "+Inf";
+      count += static_cast<double>(histogram.counts[i]);
+      add(count, labels + (labels.empty() ? "" : ",") + "le=\"" + bound.str() + "\"", "_bucket");
+    }
+    add(histogram.sum, labels, "_sum").add(count, labels, "_count");
   }
 
  private:
@@ -124,8 +134,10 @@ std::string metricsText(const Board::Facts& facts, int unfinished) {
   for (const auto& [on, count] : facts.waits) waits.add(static_cast<double>(count), "on=\"" + on + "\"");
   Family(out, "mirvane_repetitions_total", "counter", "Receipts that were rung up anew.")
       .add(static_cast<double>(facts.repetitions));
-  out << "# HELP mirvane_call_seconds Calls of the component.\n# TYPE mirvane_call_seconds summary\n"
-      << "mirvane_call_seconds_sum " << facts.callSeconds << "\nmirvane_call_seconds_count " << facts.calls << "\n";
+  Family(out, "mirvane_call_seconds", "histogram", "Calls of the component, most of them one exchange.")
+      .add(facts.callSeconds);
+  Family jobs(out, "mirvane_job_seconds", "histogram", "Jobs from queued to over, by kind.");
+  for (const auto& [kind, histogram] : facts.jobSeconds) jobs.add(histogram, "kind=\"" + kind + "\"");
   return out.str();
 }
 

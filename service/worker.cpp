@@ -16,10 +16,10 @@ std::string seenText(const std::string& serialNumber, const Picture& picture) {
 
 }  // namespace
 
-Worker::Worker(platform::Platform& machine, Store& store, Board& board, const Text& port)
+Worker::Worker(platform::Platform& machine, Store& store, Board& board, const Text& port, TextView recordFolder)
     : store_(store),
       board_(board),
-      register_(machine, board, port,
+      register_(machine, board, port, recordFolder,
                 [this](const std::string& name, std::string_view bytes) { return keepFile(name, bytes); }) {}
 
 void Worker::wake() { hasWork_ = true; }
@@ -208,7 +208,10 @@ void Worker::finish(Job& job, State state, http::Json result, const std::optiona
     throw StoreError(job.id + ": changed by another service");
   }
   board_.log("over", {{"id", job.id}, {"kind", job.kind}, {"state", nameOf(state)}});
-  board_.change([&](Board::Facts& facts) { ++facts.outcomes[{job.kind, nameOf(state)}]; });
+  board_.change([&](Board::Facts& facts) {
+    ++facts.outcomes[{job.kind, nameOf(state)}];
+    facts.jobSeconds[job.kind].add(std::max(0.0, static_cast<double>(job.changed - job.created) / 1000));
+  });
 }
 
 void Worker::refuse(Job& job, std::int16_t code, const std::string& text) {

@@ -11,7 +11,7 @@ namespace mirvane::service {
 /// store before; after an end of any kind it asks the register what became of that, as docs/after-a-failure.md says.
 class Worker {
  public:
-  Worker(platform::Platform& machine, Store& store, Board& board, const Text& port);
+  Worker(platform::Platform& machine, Store& store, Board& board, const Text& port, TextView recordFolder = {});
 
   /// One job, or a look at the register when there is none. False when nothing could be done.
   bool step();

@@ -93,6 +93,7 @@ int dispatch(std::vector<std::string> arguments) {
         const bool isName = name.find_first_not_of(kNameCharacters) == std::string::npos;
         return isName ? "" : "a name has letters, digits, \"-\" and \"_\"";
       });
+  app.add_flag("--record", options.isRecorded, "write the flight record into the folder records beside the database");
   app.add_subcommand("run", "in this console, which is what happens without a word too")->fallthrough();
   CLI::App* installs = app.add_subcommand("install", "registers and starts a Windows service")->fallthrough();
   CLI::App* uninstalls =

@@ -45,6 +45,15 @@ std::unique_ptr<Store> openStore(const Options& options) {
   return std::make_unique<SqliteStore>(options.store);
 }
 
+/// Where the flight record goes; none unless it is wanted.
+Text recordFolder(const Options& options) {
+  if (!options.isRecorded) return {};
+  const std::filesystem::path beside = isPostgres(options.store) ? tokensFile(options) : pathOf(options.store);
+  const std::filesystem::path folder = beside.parent_path() / "records";
+  create_directories(folder);
+  return folder.u16string();
+}
+
 /// What other services write into the store is told here, too. A caller may wait for another register's receipt, which
 /// is none of the changes that concern this one.
 void watchOthers(boost::asio::steady_timer& timer, Store& store, http::Server& server,
@@ -138,7 +147,7 @@ int serve(const Options& options, const std::function<void(std::string_view)>& o
   boost::asio::signal_set signals(loop, SIGINT, SIGTERM);
   signals.async_wait([&loop](const boost::system::error_code&, int) { loop.stop(); });
   Alarm alarm;
-  Worker worker(machine, store, board, fromUtf8(options.port));
+  Worker worker(machine, store, board, fromUtf8(options.port), recordFolder(options));
   const auto wake = [&] {
     worker.wake();
     alarm.ring();

@@ -16,6 +16,7 @@ struct Options {
   std::string registerName, group;
   std::vector<std::string> hosts, origins;
   int mostUnfinished = 10'000;
+  bool isRecorded = false;
 };
 
 bool isPostgres(const std::string& store);

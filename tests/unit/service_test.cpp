@@ -1,5 +1,7 @@
 // Receipts over HTTP: what callers are told, and that each is sold once.
 #include <gmock/gmock.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <fstream>
 
@@ -10,6 +12,31 @@
 #include "service/words.h"
 #include "service/worker.h"
 
+namespace {
+/// Whether the database has written something that a power cut can take away.
+bool isAtRisk = false;
+/// Whether the disk takes nothing.
+bool isReadOnly = false;
+}  // namespace
+
+// They stand in the C library's place: the database calls them.
+extern "C" ssize_t writeWatched(int file, const void* bytes, std::size_t count, off64_t at) __asm__("pwrite64");
+extern "C" int syncWatched(int file) __asm__("fdatasync");
+
+ssize_t writeWatched(int file, const void* bytes, std::size_t count, off64_t at) {
+  if (isReadOnly) {
+    errno = EROFS;
+    return -1;
+  }
+  isAtRisk = true;
+  return syscall(SYS_pwrite64, file, bytes, count, at);
+}
+
+int syncWatched(int file) {
+  isAtRisk = false;
+  return static_cast<int>(syscall(SYS_fdatasync, file));
+}
+
 namespace mirvane::service {
 namespace {
 
@@ -19,9 +46,11 @@ using emulator::Code;
 using emulator::Document;
 using testing::Each;
 using testing::HasSubstr;
+using testing::Not;
 
 const std::string kCoffee = R"("lines":[{"description":"ΚΑΦΕΣ","price":2.5,"vat":24}])";
 const std::string kSold = "{" + kCoffee + R"(,"payments":[{"type":"cash","amount":5}]})";
+constexpr TextView kRecords = u"C:\\service\\records";
 const std::string kUnpaid = "{" + kCoffee + "}";
 
 std::string textOf(const Json& json, const char* name) {
@@ -41,7 +70,7 @@ class Service : public testing::Test {
   void start() {
     store_ = std::make_unique<SqliteStore>(path());
     board_ = std::make_unique<Board>();
-    worker_ = std::make_unique<Worker>(machine_.platform, *store_, *board_, Text(machine_.portName()));
+    worker_ = std::make_unique<Worker>(machine_.platform, *store_, *board_, Text(machine_.portName()), kRecords);
     interface_ = std::make_unique<Interface>(
         *store_, *board_, Interface::Options{tokens_.get(), 3, [] {}, [this] { return machine_.clock.sinceEpoch(); }});
   }
@@ -218,6 +247,69 @@ TEST_F(Service, EveryOtherDocumentIsDoneOnceToo) {
   EXPECT_EQ(machine_.device.fiscal().closures, 1);
 }
 
+TEST_F(Service, WhatIsToldOrDoneIsOnTheDiskBefore) {
+  work();
+  machine_.tap.moment = [this] {
+    const std::string last = machine_.tap.commands.back();
+    EXPECT_FALSE(isAtRisk && (last.starts_with("3/S") || last.starts_with("5/1/"))) << last;
+  };
+  EXPECT_EQ(stateAfter("receipts/a", kSold), "committed");
+  put("receipts/b", kSold);
+  EXPECT_TRUE(isAtRisk) << "nobody has been told";
+  put("receipts/b", kSold);
+  EXPECT_FALSE(isAtRisk) << "told when the time is over";
+  headers_["prefer"] = "wait=0";
+  put("receipts/c", kSold);
+  EXPECT_FALSE(isAtRisk) << "told at once";
+  work();
+}
+
+TEST_F(Service, ADatabaseThatCannotBeWrittenSellsNothing) {
+  for (const bool isBegun : {false, true}) {
+    const std::string id = isBegun ? "receipts/begun" : "receipts/new";
+    work();
+    if (isBegun) put(id, kSold);
+    isReadOnly = true;
+    EXPECT_EQ(put(isBegun ? "receipts/another" : id, kSold), 503);
+    EXPECT_EQ(textOf(told_, "title"), "store");
+    const int sold = receiptsSold();
+    work();
+    EXPECT_EQ(receiptsSold(), sold);
+    isReadOnly = false;
+    EXPECT_EQ(stateAfter(id, kSold), "committed");
+    EXPECT_EQ(receiptsSold(), sold + 1);
+  }
+}
+
+TEST_F(Service, ADatabaseThatCannotBeWrittenIsToldAtTheStart) {
+  namespace fs = std::filesystem;
+  const fs::path folder = fs::path(testing::TempDir()) / ("read-only-" + std::to_string(getpid()));
+  const fs::path file = folder / "db";
+  fs::create_directory(folder);
+  std::make_unique<SqliteStore>(file.string());
+  const struct {
+    fs::path path;
+    unsigned file, folder;
+  } kCases[] = {{file, 0444, 0777}, {file, 0666, 0555}, {folder / "new", 0666, 0555}};
+  for (const auto& [path, fileRights, folderRights] : kCases) {
+    fs::permissions(file, fs::perms(fileRights));
+    fs::permissions(folder, fs::perms(folderRights));
+    // To the superuser everything is granted.
+    const uid_t user = geteuid();
+    ASSERT_TRUE(user != 0 || seteuid(65534) == 0);
+    std::string told;
+    try {
+      SqliteStore store(path.string());
+    } catch (const StoreError& error) {
+      told = error.what();
+    }
+    ASSERT_TRUE(user != 0 || seteuid(0) == 0);
+    EXPECT_THAT(told, HasSubstr("cannot be written")) << fileRights << " " << folderRights;
+  }
+  fs::permissions(folder, fs::perms::all);
+  fs::remove_all(folder);
+}
+
 TEST_F(Service, AStoreOlderThanTheRegisterIsTold) {
   stateAfter("receipts/a", kSold);
   put("receipts/b", kSold);
@@ -281,6 +373,31 @@ TEST_F(Service, PagesAndChangesMissNothing) {
   EXPECT_EQ(ask("GET", "/v1/jobs?state=odd"), 400);
 }
 
+TEST_F(Service, HistogramsAreWhatPrometheusReads) {
+  put("receipts/a", kSold);
+  machine_.clock.advance(45);
+  stateAfter("receipts/b", kSold);
+  ASSERT_EQ(ask("GET", "/metrics"), 200);
+  std::map<std::string, double> values;
+  double inBuckets = 0;
+  std::istringstream lines(body_);
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t blank = line.rfind(' ');
+    if (line.starts_with("#")) continue;
+    const double value = values[line.substr(0, blank)] = std::stod(line.substr(blank));
+    if (line.find("_bucket{") != std::string::npos) {
+      EXPECT_LE(line.find("le=\"0.01\"") == std::string::npos ? inBuckets : 0, value) << line;
+      inBuckets = value;
+    }
+    EXPECT_TRUE(line.find("_count") == std::string::npos || value == inBuckets) << line;
+  }
+  EXPECT_EQ(values["mirvane_job_seconds_bucket{kind=\"receipt\",le=\"30\"}"], 1) << body_;
+  EXPECT_EQ(values["mirvane_job_seconds_bucket{kind=\"receipt\",le=\"60\"}"], 2) << body_;
+  EXPECT_GE(values["mirvane_job_seconds_sum{kind=\"receipt\"}"], 45);
+  EXPECT_GT(values["mirvane_call_seconds_count"], 10);
+  EXPECT_EQ(values["mirvane_call_seconds_bucket{le=\"+Inf\"}"], values["mirvane_call_seconds_count"]);
+}
+
 TEST_F(Service, OthersNeedATokenThatIsNotTakenBack) {
   const std::string file = testing::TempDir() + "service.tokens";
   std::filesystem::remove(file);
@@ -319,6 +436,23 @@ TEST(ServiceLog, TwoFullFilesAreKept) {
   };
   EXPECT_EQ(lines(file), "four\nfive\n");
   EXPECT_EQ(lines(file.string() + ".old"), "three\n");
+}
+
+TEST_F(Service, TheFlightRecordHasTheLineAndNothingOfTheCaller) {
+  stateAfter("receipts/before", kSold);
+  EXPECT_TRUE(machine_.disk.contents.empty());
+  end();
+  machine_.disk.recordFolder = kRecords;
+  start();
+  headers_["authorization"] = "Bearer mv_secret";
+  EXPECT_EQ(stateAfter("receipts/caller-7", "{" + kCoffee + R"(,"payments":[{"type":"card","terminal":1}]})"),
+            "committed");
+  end();
+  ASSERT_EQ(machine_.disk.contents.size(), 1U);
+  const std::string& record = machine_.disk.contents.begin()->second;
+  for (const char* there : {" started ", " call          0 ItemSale\r\n", "<STX>5/2/", " ended         0 Payment,"})
+    EXPECT_THAT(record, HasSubstr(there));
+  for (const char* absent : {"mv_secret", "caller-7"}) EXPECT_THAT(record, Not(HasSubstr(absent)));
 }
 
 TEST(ServiceTokens, TheHashIsTheStandards) {
