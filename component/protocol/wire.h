@@ -24,7 +24,7 @@ constexpr char kAck = 0x06;
 constexpr char kNak = 0x15;
 constexpr char kCan = 0x18;
 
-/// Line speed of the serial port, in bits per second; 8 data bits, no parity, 1 stop bit, so 10 bits a byte.
+/// Speed of the serial port in bits per second. With 8 data bits, no parity and 1 stop bit a byte takes 10 bits.
 constexpr int kBaud = 115200;
 
 }  // namespace mirvane::wire
