@@ -6,7 +6,7 @@
 
 namespace mirvane::check {
 
-/// A text in both languages, UTF-8; %1 to %9 stand for values.
+/// A text in both languages, UTF-8; %1 to %9 are replaced by values.
 struct Phrase {
   const char* greek;
   const char* english;
@@ -14,14 +14,14 @@ struct Phrase {
 
 enum class Language { kGreek, kEnglish };
 
-/// The language of everything that is said from now on.
+/// Sets the language of all further output.
 void speak(Language language);
 bool speaksGreek();
 
-/// The phrase in the language, with its values.
+/// The phrase in that language, with its values.
 std::string say(const Phrase& phrase, std::initializer_list<std::string> values = {});
 
-// Everything that the program says, but for the names of codes, which the component has.
+// All texts of the program, except the names of codes, which the component has.
 namespace texts {
 
 // ---- Command line
@@ -268,7 +268,7 @@ constexpr Phrase kSlipTitle = {"ΔΟΚΙΜΗ ΕΚΤΥΠΩΣΗΣ", "ΔΟΚΙΜΗ 
 constexpr Phrase kSlipNotFiscal = {"ΔΕΝ ΕΙΝΑΙ ΑΠΟΔΕΙΞΗ", "ΔΕΝ ΕΙΝΑΙ ΑΠΟΔΕΙΞΗ / NOT A RECEIPT"};
 constexpr Phrase kNoSlip = {"Το δελτίο δεν τυπώθηκε.", "No slip was printed."};
 
-// Beside the register's own words of its printer; the first is what those hold.
+// Translations of the register's printer messages, recognised by the first text.
 constexpr std::pair<const char*, Phrase> kPrinterWords[] = {
     {"Χαρτιού", {"τέλος χαρτιού", "out of paper"}},
     {"Αποσυνδεδεμένος", {"ο εκτυπωτής δεν είναι συνδεδεμένος", "the printer is disconnected"}},
