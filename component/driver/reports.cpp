@@ -16,7 +16,7 @@ struct JournalStep {
 };
 bool& stepHasFailed() { return kept<JournalStep>().hasFailed; }
 
-// Copies the day's journal from the device, before a closing.
+// Copies the day's journal from the register, before a closing.
 Reply journalStep(Driver& driver) {
   if (driver.journal == nullptr) driver.journal = std::make_shared<FiscalJournal>();
   stepHasFailed() = true;  // also if a file error leaves the step

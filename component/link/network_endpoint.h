@@ -67,7 +67,7 @@ struct cPortProp : ObjectOf<cPortProp> {
   static constexpr std::string_view kName = "cPortProp";
   static const ClassInfo& describe();
 
-  bool tcpPort{};  ///< the device is reached over the network
+  bool tcpPort{};  ///< the register is on the network
   std::int32_t comHandle{};
   bool isConnected{};
 

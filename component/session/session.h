@@ -52,7 +52,7 @@ class Session {
   /// How many state questions of a wait needed more than one attempt, so that a reported end may have been lost.
   int uncertainLooks() const { return uncertainLooks_; }
 
-  /// Outcome of the last wait for the device.
+  /// Outcome of the last wait for the register.
   std::int16_t lastResult{};
   Text lastexResult;
 

@@ -11,8 +11,8 @@
 
 namespace {
 
-/// The register, with the members that the till uses. Each is called by its dispatch id from the IDL; these never change.
-/// An operation returns whether it succeeded. Result and Exresult are those of the last one.
+/// The register, with the members that the till uses. Each is called by its dispatch id from the IDL; these never
+/// change. An operation returns whether it succeeded. Result and Exresult are those of the last one.
 class Register {
  public:
   Register() : module_(create<_fiscalTrevikModule>(__uuidof(fiscalTrevikModule), __uuidof(_fiscalTrevikModule))) {}
