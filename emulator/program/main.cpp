@@ -59,9 +59,9 @@ struct Listening {
   std::string ready = "ready";
 };
 
-/// Plays a record in place of the register, and returns the exit code.
+/// Replays a record instead of the register, and returns the exit code.
 int play(const Options& options, boost::asio::io_context& loop) {
-  if (options.webAddress || !options.state.empty()) throw UsageError("--replay goes with neither --web nor --state");
+  if (options.webAddress || !options.state.empty()) throw UsageError("--replay cannot be combined with --web or --state");
   std::ifstream file(pathOf(options.replay), std::ios::binary);
   if (!file) throw UsageError(options.replay + ": cannot be read");
   try {
@@ -79,7 +79,7 @@ int play(const Options& options, boost::asio::io_context& loop) {
   }
 }
 
-// For whoever sees the window of a double click.
+// Shown in the window after a double click.
 constexpr const char* kDoubleClicked =
     "\n"
     "Port name for the till: 127.0.0.1:9100\n"
