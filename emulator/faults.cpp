@@ -239,7 +239,7 @@ void Faults::clear() {
 }
 
 void Faults::addScript(std::string_view script) {
-  // What is not UTF-8 comes from an editor that writes the code page of Greek Windows.
+  // Text that is not UTF-8 comes from an editor that uses the code page of Greek Windows.
   const bool isUtf8 = toUtf8(fromUtf8(script)) == script;
   const std::string converted = isUtf8 ? "" : toUtf8(fromCodePage(script));
   if (!isUtf8) script = converted;

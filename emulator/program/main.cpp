@@ -61,7 +61,8 @@ struct Listening {
 
 /// Replays a record instead of the register, and returns the exit code.
 int play(const Options& options, boost::asio::io_context& loop) {
-  if (options.webAddress || !options.state.empty()) throw UsageError("--replay cannot be combined with --web or --state");
+  if (options.webAddress || !options.state.empty())
+    throw UsageError("--replay cannot be combined with --web or --state");
   std::ifstream file(pathOf(options.replay), std::ios::binary);
   if (!file) throw UsageError(options.replay + ": cannot be read");
   try {
@@ -70,7 +71,7 @@ int play(const Options& options, boost::asio::io_context& loop) {
                               [&player](const Options::Address&, Outlet& outlet) { return player.connect(outlet); });
     std::cout << listening.ready << std::endl;
     loop.run();
-    // What the till had sent when a signal came counts, though it may still be on its way.
+    // Counts what the till had sent before the signal, even if it is still in transit.
     loop.restart();
     loop.run_for(std::chrono::milliseconds(100));
     return player.tell(options.isQuiet);
