@@ -42,7 +42,7 @@ constexpr Phrase kSlipOption = {"τυπώνει και ένα μικρό μη φ
 constexpr Phrase kSelfTestOption = {"εκτελεί μια δοκιμαστική ημέρα με τον εξομοιωτή",
                                     "simulate a trading day with the emulator"};
 constexpr Phrase kEmulatorOption = {"ο εξομοιωτής, όταν δεν βρίσκεται δίπλα στο πρόγραμμα",
-                                    "the emulator, if it is not beside this program"};
+                                    "the emulator, if it is not next to this program"};
 constexpr Phrase kReportOption = {"γράφει τα ευρήματα και τα νεότερα αρχεία καταγραφής σε ένα αρχείο για αποστολή",
                                   "write the findings and the newest records into a file to send"};
 constexpr Phrase kJsonOption = {"δίνει το αποτέλεσμα ως JSON, για προγράμματα",
@@ -290,7 +290,7 @@ constexpr Phrase kNotInTime = {"%1: η θύρα δεν άνοιξε σε %2 δε
 // ---- Self-test
 constexpr Phrase kNoEmulator = {"Το %1 δεν βρέθηκε.", "%1 was not found."};
 constexpr Phrase kPutEmulator = {"Βάλτε το %1 δίπλα σε αυτό το πρόγραμμα, ή δώστε --emulator ΑΡΧΕΙΟ.",
-                                 "Put %1 beside this program, or use --emulator FILE."};
+                                 "Put %1 next to this program, or use --emulator FILE."};
 constexpr Phrase kEmulatorFails = {"Ο εξομοιωτής δεν ξεκινά: %1.", "The emulator does not start: %1."};
 constexpr Phrase kRunEmulator = {"Ξεκινήστε τον με διπλό κλικ για να δείτε γιατί: %1",
                                  "Double-click it to see why: %1"};

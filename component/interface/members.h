@@ -17,7 +17,7 @@
 // implement<Member>. The facade, the null driver, the type library and the reference are made from the rows.
 //
 // Every operation reports through its Outcome: three variables of the caller, whose names are omitted here. Pass, where
-// present, is the command's password. Amounts are in euro, rates in percent.
+// present, is not used. Amounts are in euro, rates in percent.
 namespace mirvane::contract {
 
 using Integer = std::int16_t;

@@ -185,7 +185,7 @@ Answer patchRegister(Call& call) {
 Answer patchClock(Call& call) {
   const Wishes wishes(call.request.body, {"time", "offset", "runs"});
   StationClock clock = call.station.clock;
-  if (wishes.has("time") && wishes.has("offset")) throw Refusal(400, "not beside the time", "body/offset");
+  if (wishes.has("time") && wishes.has("offset")) throw Refusal(400, "cannot be combined with time", "body/offset");
   if (wishes.has("offset")) clock.setOffset(std::llround(wishes.number("offset", -4e9, 4e9)));
   if (wishes.has("time") && !clock.set(wishes.text("time", 30))) {
     throw Refusal(400, "a time as 2026-11-22T09:30:00 is expected", "body/time");
