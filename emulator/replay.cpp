@@ -147,7 +147,7 @@ Replay::Replay(std::string_view record) {
     std::string_view text = record.substr(0, end);
     if (text.ends_with('\r')) text.remove_suffix(1);
     auto event = recorder::parsedEvent(text);
-    if (line == 1 && !event) throw ReplayError("no flight record");
+    if (line == 1 && !event) throw ReplayError("not a flight record");
     const std::string here = " line " + std::to_string(line);
     if (end == record.size()) {
       cut_ = "it is cut off in" + here;
@@ -163,7 +163,7 @@ Replay::Replay(std::string_view record) {
   }
   if (cut_.empty() && script.isInCall) cut_ = "it ends within a call";
   steps_ = std::move(script.steps);
-  if (steps_.empty()) throw ReplayError("nothing that a till sent is in this record");
+  if (steps_.empty()) throw ReplayError("the record contains nothing that a till sent");
 }
 
 void Replay::feed(std::string_view bytes, Outlet& outlet) {
@@ -199,7 +199,7 @@ void Replay::take(const std::string& unit, Outlet& outlet) {
   if (next_ < steps_.size()) return;
   const std::string lines = "as recorded, up to line " + std::to_string(lastLine_);
   if (cut_.empty()) return finish(End::kAsRecorded, lines + ", the end");
-  finish(End::kCut, lines + ", where the record is not whole: " + cut_);
+  finish(End::kCut, lines + ", where the record is incomplete: " + cut_);
 }
 
 void Replay::stop() {

@@ -61,7 +61,7 @@ class StreamTransport : public Pump {
   }
 
   [[noreturn]] void failBy(const Error& error) const {
-    if (error == boost::asio::error::eof) throw TransportError(name_ + ": the line is gone");
+    if (error == boost::asio::error::eof) throw TransportError(name_ + ": the line has disappeared");
     throw TransportError(name_ + ": " + error.message());
   }
 

@@ -27,7 +27,7 @@ Answer show(Call& call, const Document& document, const std::string& ending) {
     for (const PaperLine& line : document.lines) text += toUtf8(line.text) + "\n";
     return {200, "text/plain", text};
   }
-  if (!ending.empty()) throw Refusal(404, "there are .txt and .png", "path");
+  if (!ending.empty()) throw Refusal(404, "only .txt and .png exist", "path");
   Json::List text;
   for (const PaperLine& line : document.lines) text.emplace_back(toUtf8(line.text));
   return json(documentView(call.station, document).set("text", text));
