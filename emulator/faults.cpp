@@ -147,8 +147,7 @@ Fault takeFault(Words& words) {
     case Argument::kNumber:
       fault.number = takeNumber(words, name);
       if (fault.kind == Kind::kCode && fault.number > 255) fail("a code is at most 255", "");
-      if (fault.isUnplugging() && fault.number > kLongestUnplugging)
-        fail("a line can be unplugged for at most 86400 s", "");
+      if (fault.isUnplugging() && fault.number > kLongestUnplugging) fail("unplugging lasts at most 86400 s", "");
       break;
     case Argument::kHexByte:
       fault.bytes = words.take();
