@@ -48,7 +48,7 @@ std::string Cashier::lookOnce() {
   return look + ";1;" + std::to_string(cents(fields[3]));
 }
 
-std::string Cashier::takePicture() {
+std::string Cashier::takeSnapshot() {
   std::string before;
   for (int i = 0; i < kTries; ++i) {
     std::string now = lookOnce();
@@ -113,7 +113,7 @@ Cashier::Answers Cashier::recover() {
   }
   // A line that was cut stays by itself.
   save("");
-  known_ = takePicture();
+  known_ = takeSnapshot();
   if (!act.empty() && was.empty()) {
     answers.last = judge(act[1], std::stol(act[2]), act[3], known_);
     if (!known_.empty()) save("was|" + answers.last + "|.");
@@ -123,7 +123,7 @@ Cashier::Answers Cashier::recover() {
   if (receipt.empty()) return answers;
   if (isWhollyPaid()) {
     till_.send(u"O/1/");
-    known_ = takePicture();
+    known_ = takeSnapshot();
   }
   answers.receipt = judge("receipt", 0, receipt[1], known_);
   return answers;
@@ -136,12 +136,12 @@ bool Cashier::isWhollyPaid() const {
 }
 
 void Cashier::beginReceipt() {
-  known_ = takePicture();
+  known_ = takeSnapshot();
   save("receipt|" + known_ + "|.");
 }
 
 std::string Cashier::perform(const Act& act) {
-  if (known_.empty()) known_ = takePicture();
+  if (known_.empty()) known_ = takeSnapshot();
   // A register that does not tell where it stands is told nothing.
   if (known_.empty()) return "not committed";
   const std::string before = known_;
@@ -152,7 +152,7 @@ std::string Cashier::perform(const Act& act) {
   if (act.what == "comment") till_.call("commentPrinterPrint", act.detail, 1);
   if (act.what == "cash") till_.call("Payment", 1, act.detail, euros, 0, 0);
   if (act.what == "card") till_.call("Payment", 2, act.detail, euros, 1, 1);
-  known_ = takePicture();
+  known_ = takeSnapshot();
   std::string was = judge(act.what, act.amount, before, known_);
   save("was|" + was + "|.");
   return was;

@@ -42,7 +42,7 @@ class Cashier {
 
  private:
   /// The register as it stands; empty when it does not tell the same twice.
-  std::string takePicture();
+  std::string takeSnapshot();
   std::string lookOnce();
   static std::string judge(const std::string& what, long amount, const std::string& before, const std::string& now);
   bool isWhollyPaid() const;

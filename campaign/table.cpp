@@ -10,16 +10,16 @@ namespace {
 
 struct Heading {
   std::string_view name, text, runs;
-  /// The rows without findings have their place too.
+  /// Rows without findings are listed too.
   bool showsAll = false;
 };
 constexpr Heading kHeadings[] = {
-    {"once", "One thing is hit", "days"},
-    {"lasting", "Everything from one thing on is hit", "days"},
-    {"pairs", "Two in a row are hit: what neither does alone", "days"},
-    {"rates", "Everything is hit at random", "sales"},
-    {"strangers", "Somebody else is there when the serial line comes back", "days"},
-    {"within", "The program calls from within its calls", "days"},
+    {"once", "One fault", "days"},
+    {"lasting", "A fault from one command on", "days"},
+    {"pairs", "Two faults in a row: what neither causes alone", "days"},
+    {"rates", "Faults at random", "sales"},
+    {"strangers", "Another device on the serial line when it comes back", "days"},
+    {"within", "Calls from within a call", "days"},
     {"answers", "A till that saves what it does", "states", true},
     {"service", "Receipts over HTTP", "days", true},
 };
@@ -89,8 +89,8 @@ std::string table(const Plan& plan, const Sums& sums, std::size_t group) {
     }
     out << "\n";
   }
-  if (!without.empty()) out << "Nothing was found under " << without << ".\n\n";
-  out << "In all " << all[kRuns] << " " << kHeadings[group].runs;
+  if (!without.empty()) out << "No difference was found under " << without << ".\n\n";
+  out << "Total: " << all[kRuns] << " " << kHeadings[group].runs;
   if (all[kVisits] > 0) out << ", " << all[kVisits] << " " << kColumnNames[kVisits];
   out << ".\n";
   return out.str();

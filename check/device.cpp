@@ -26,7 +26,7 @@ namespace {
 constexpr double kAnswerSeconds = 2;
 constexpr double kPortSeconds = 10;
 
-// An open port of this machine, and what it is asked.
+// An open port of this machine and the exchanges on it.
 class Conversation {
  public:
   explicit Conversation(const std::string& port) : opened(openPort(fromUtf8(port))) {}
@@ -34,7 +34,7 @@ class Conversation {
   Conversation& operator=(const Conversation&) = delete;
   ~Conversation() { closePort(); }
 
-  /// The reply; a link failure where none comes in time.
+  /// The reply; a link failure if none comes in time.
   Reply ask(const Text& command) {
     try {
       const Patience patience(kAnswerSeconds);
@@ -50,7 +50,7 @@ class Conversation {
   Session session_{kSecondGenerationWords};
 };
 
-// "192.168.1.50:9100", and a local port behind it.
+// "192.168.1.50:9100", optionally with a local port.
 bool isAddress(const std::string& port) {
   return port.find_first_not_of("0123456789.:") == std::string::npos && port.find(':') != std::string::npos &&
          std::count(port.begin(), port.end(), '.') == 3;
@@ -69,7 +69,7 @@ bool isSerialName(const std::string& port) {
   return isPortOfThisMachine(port) || port.find_first_of(".:") == std::string::npos;
 }
 
-// A text that is meant for the network and is no address and port in numbers.
+// The finding about a text that looks like a network port but is not a numeric address and port.
 Finding noAddress(const std::string& port) {
   const bool isBare = port.find(':') == std::string::npos && port.find_first_not_of("0123456789.") == std::string::npos;
   if (isBare) return {Mark::kFault, say(texts::kNoPortNumber, {port}), say(texts::kAddPortNumber, {port})};
@@ -106,7 +106,7 @@ std::string fieldOf(const Reply& reply, std::size_t i) {
   return i < reply.countAll() ? toUtf8(reply.textAt(i)) : std::string();
 }
 
-// The register's own words, beside them what they mean.
+// The register's text, followed by its meaning.
 std::string explained(const std::string& words, const std::string& meaning) {
   return meaning.empty() ? words : say(texts::kExplained, {words, meaning});
 }
@@ -118,7 +118,7 @@ std::string printerWords(const std::string& words) {
   return words;
 }
 
-// What a reply says that is neither a success nor one of a register.
+// The finding about a reply that is neither a success nor a register's.
 Finding refusal(const std::string& question, const Reply& reply) {
   const std::string message = toUtf8(reply.message);
   const ResultCode* const code = findResultCode(reply.result, message);
@@ -131,7 +131,7 @@ Finding refusal(const std::string& question, const Reply& reply) {
   return {Mark::kFault, say(texts::kRefused, {question, std::to_string(reply.result), words}), remedy};
 }
 
-// Who answers at the open port; a fault where nobody does, or no register.
+// The register at the open port; a fault if nothing answers, or something else does.
 Finding whoAnswers(Conversation& conversation, const std::string& port) {
   const Reply reply = conversation.ask(u"v/");
   if (reply.result < 0) return silenceAt(port);
@@ -143,7 +143,7 @@ Finding whoAnswers(Conversation& conversation, const std::string& port) {
 }
 
 void tellState(Findings& findings, const Reply& reply) {
-  // Where the printer's own byte tells of a condition, the message is no reply any more.
+  // If the printer status byte reports a condition, the message is not the reply.
   const bool isReady = reply.message == reply.raw();
   if (!reply.succeeded()) {
     findings.add(refusal("?/", reply));
@@ -164,7 +164,7 @@ void tellToday(Findings& findings, const Reply& reply) {
   findings.ok(say(texts::kToday, {fieldOf(reply, kReceipts), fieldOf(reply, kSales)}));
 }
 
-// Nothing, unless the register refuses to tell of the receipt or of what remains of it.
+// Adds nothing if the register refuses to report the receipt or its remaining amount.
 void tellReceipt(Findings& findings, const Reply& totals, const Reply& remaining) {
   if (!totals.succeeded()) findings.add(refusal("9/", totals));
   const bool hasReceipt = !remaining.is(DeviceCode::kTransactionNotOpen) && !remaining.is(DeviceCode::kCashInOpen) &&
@@ -172,7 +172,7 @@ void tellReceipt(Findings& findings, const Reply& totals, const Reply& remaining
   if (hasReceipt && !remaining.succeeded()) findings.add(refusal("5/99/", remaining));
 }
 
-// The three numbers of a date or a time, whatever stands between them; a year may have two digits.
+// The three numbers of a date or a time, with any separators; a year may have two digits.
 std::array<int, 3> numbersIn(const std::string& text) {
   std::array<int, 3> numbers{-1, -1, -1};
   std::size_t at = 0;
@@ -186,7 +186,7 @@ std::array<int, 3> numbersIn(const std::string& text) {
   return numbers;
 }
 
-// Seconds since some moment; the days of a daylight saving change count like any others.
+// Seconds since some moment; days of a daylight-saving change count like any other day.
 double secondsOf(int year, int month, int day, int hour, int minute, int second) {
   using namespace std::chrono;
   const sys_days date = std::chrono::year(year) / std::chrono::month(static_cast<unsigned>(month)) /
@@ -253,7 +253,7 @@ Findings askRegister(const std::string& port, bool slip) {
     tellClock(findings, conversation.ask(u"t/"));
     tellToday(findings, conversation.ask(u"0/"));
     tellReceipt(findings, conversation.ask(u"9/"), conversation.ask(u"5/99/1/1/1/"));
-    // Within a receipt it would be a line of that.
+    // Within a receipt it would become part of that.
     if (slip && state.result >= 0 && !state.flags().transactionOpen) {
       printSlip(findings, conversation, fieldOf(number, 0));
     } else if (slip) {
@@ -297,7 +297,7 @@ Findings findRegister() {
     if (answer.list().empty()) {
       findings.note(say(texts::kNotInTime, {each.port, std::to_string(static_cast<int>(kPortSeconds))}));
     } else {
-      // That nobody answers at one port of several is no fault.
+      // If several ports are tried, it is not a fault that nothing answers on one of them.
       const Finding& finding = answer.list().front();
       findings.add(
           {finding.mark == Mark::kOk ? Mark::kOk : Mark::kNote, say(texts::kFound, {each.port, finding.what}), {}});

@@ -21,7 +21,7 @@ constexpr std::uintmax_t kMegabyte = 1 << 20;
 constexpr std::uintmax_t kLittleSpace = 1024 * kMegabyte;
 constexpr std::uintmax_t kNoSpace = 50 * kMegabyte;
 
-// Nothing but trying tells what a user may do.
+// Only trying shows what a user may do.
 bool canWriteInto(const fs::path& folder) {
   const fs::path probe = folder / "mirvane-check.tmp";
   const bool written = (std::ofstream(probe, std::ios::binary) << "mirvane-check" << std::flush).good();
@@ -30,7 +30,7 @@ bool canWriteInto(const fs::path& folder) {
   return written;
 }
 
-// Makes the folder and those above it for as long as this object lives; what was there before stays.
+// Creates the folder and those above it while this object exists; removes only what it created.
 class TriedFolder {
  public:
   explicit TriedFolder(const fs::path& folder) {
@@ -51,7 +51,7 @@ class TriedFolder {
   std::vector<fs::path> made_;
 };
 
-// The registers' own folders in it may be somebody else's.
+// The registers' own folders inside may belong to another user.
 fs::path firstReadOnly(const fs::path& folder) {
   if (!canWriteInto(folder)) return folder;
   std::error_code error;
@@ -101,7 +101,7 @@ void examineJournal(Findings& findings) {
   try {
     patterns = FiscalJournal().folderPatterns();
   } catch (const std::exception&) {
-    // As with a box that tells none.
+    // As with a box that reports no folders.
   }
   if (patterns.empty()) findings.fault(say(texts::kNoJournalFolders), say(texts::kMendBox));
   std::set<fs::path> disks;

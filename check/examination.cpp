@@ -25,7 +25,7 @@ Outcome outcomeOf(const Findings& findings) {
   return worst == Mark::kWarning ? kWarnings : kNoProblems;
 }
 
-/// What is said goes to the console, for people as it is found, and into the report when there is one.
+/// Writes each finding to the console at once, and collects all for the report, if there is one.
 class Speaker {
  public:
   explicit Speaker(bool asJson) : asJson_(asJson) {}
@@ -67,7 +67,7 @@ class Speaker {
   Findings all_;
 };
 
-// Only a sale shows that the register sells: one whose closing got stuck answers every question and refuses that.
+// Only a sale shows that the register sells: one whose closing got stuck answers every question but refuses sales.
 std::string whatIsNotChecked(const Examination& wanted, bool looksAtMachine) {
   std::string list;
   const auto add = [&list](const Phrase& scope) { list += (list.empty() ? "" : ", ") + say(scope); };
@@ -78,7 +78,7 @@ std::string whatIsNotChecked(const Examination& wanted, bool looksAtMachine) {
   return list;
 }
 
-// The newest records of each folder, the latest last, up to what one can send.
+// The newest records of each folder, the latest last, up to a size that can be sent.
 std::string newestRecords(const fs::path& folder) {
   constexpr std::size_t kMostFiles = 3;
   constexpr std::uintmax_t kMostBytes = 1 << 19;
@@ -100,7 +100,7 @@ std::string newestRecords(const fs::path& folder) {
   return text;
 }
 
-// Editors of every Windows show it: with a mark of its coding and the system's line ends.
+// With a byte order mark and Windows line ends, so that every editor on Windows can show it.
 bool writeReport(const fs::path& path, const std::string& text) {
   std::ofstream file(path, std::ios::binary);
   file << "\xEF\xBB\xBF";

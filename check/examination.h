@@ -4,26 +4,26 @@
 
 namespace mirvane::check {
 
-/// What the program ends with.
+/// Exit codes of the program.
 enum Outcome { kNoProblems = 0, kWarnings = 1, kFaults = 2, kFailed = 3 };
 
-/// What is to be looked at, and how it is told. With nothing but texts left empty: this machine.
+/// What to check, and how to report it. With all texts empty: this machine.
 struct Examination {
-  /// Of a component that is not registered; empty for the registered ones.
+  /// Folder of a component that is not registered; empty for the registered ones.
   std::string folder;
   /// The register to ask; empty for none.
   std::string port;
   bool slip = false;
   bool find = false;
   bool selfTest = false;
-  /// The self-test's emulator; empty for the package's.
+  /// The emulator for the self-test; empty for the one in the release.
   std::string emulator;
-  /// The file to write all of it into, and this machine's state with it; empty for none.
+  /// The file for the report, which also describes this machine; empty for none.
   std::string report;
   bool asJson = false;
 };
 
-/// Looks, tells what it found and what it did not look at, and writes the report.
+/// Runs the checks, prints what they found and what was not checked, and writes the report.
 Outcome examine(const Examination& wanted);
 
 }  // namespace mirvane::check

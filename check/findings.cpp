@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::array<const char*, 4> kMarks = {"[x] ", "[!] ", "[-] ", "[ok]"};
 constexpr char kLetters[] = "x!-o";
-// Stands for a line's end inside a finding that another copy of this program tells.
+// Replaces a line end within a finding passed on by another copy of this program.
 constexpr char kLineEnd = '\x1f';
 
 std::string replaced(std::string text, char from, char to) {
@@ -17,7 +17,7 @@ std::string replaced(std::string text, char from, char to) {
   return text;
 }
 
-// Each line of it deeper than the one that it belongs to.
+// Indents each line below its finding.
 std::string indented(const std::string& remedy) {
   std::string text = "     -> ";
   for (const char c : remedy) text += c == '\n' ? "\n        " : std::string(1, c);

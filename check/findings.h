@@ -6,18 +6,18 @@
 
 namespace mirvane::check {
 
-/// What a finding is, the worst first.
+/// The kind of a finding, the worst first.
 enum class Mark { kFault, kWarning, kNote, kOk };
 
-/// One thing that was looked at: what was found, in words, and for a fault or a warning the one thing to do. Behind its
-/// first line a remedy has commands, a line each.
+/// One finding in words and, for a fault or a warning, the one thing to do. After its first line a remedy may have
+/// commands, one per line.
 struct Finding {
   Mark mark;
   std::string what;
   std::string remedy;
 };
 
-/// What was found under one heading.
+/// The findings under one heading.
 class Findings {
  public:
   void fault(std::string what, std::string remedy) { add({Mark::kFault, std::move(what), std::move(remedy)}); }
@@ -35,16 +35,16 @@ class Findings {
   std::vector<Finding> list_;
 };
 
-/// The worst there is; kOk where there is nothing.
+/// The worst mark; kOk if there are no findings.
 Mark worstOf(const Findings& findings);
 
-/// For people: a line with its mark, and the remedy below it.
+/// For people: each finding with its mark, and the remedy below it.
 std::string inWords(const Findings& findings);
 
 /// For programs: "fault", "warning", "note", "ok".
 std::string_view wordFor(Mark mark);
 
-/// For another copy of this program that started this one: a line a finding.
+/// For the copy of this program that started this one: one line per finding.
 std::string asLines(const Findings& findings);
 Findings fromLines(const std::string& lines);
 

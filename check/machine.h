@@ -10,74 +10,74 @@
 #include "automation/object.h"
 #include "check/findings.h"
 
-// What this program asks of the machine beyond what the component asks of it. Texts are UTF-8.
+// What this program needs from the machine beyond what the component needs. Texts are UTF-8.
 namespace mirvane::check {
 
 /// The program's arguments, without its own name.
 std::vector<std::string> commandLine(int count, char** arguments);
-/// Writes to the standard output: letters as they are where that is a console, UTF-8 into a file or a pipe.
+/// Writes to standard output: Unicode to a console, UTF-8 to a file or a pipe.
 void print(const std::string& text);
-/// A line that the user types, without its end; nothing when there is no more.
+/// A line that the user types, without its end; nothing at the end of input.
 std::optional<std::string> readLine();
 /// Whether the console closes with the program, as after a double click.
 bool hasOwnConsole();
-/// Where the user keeps what is to be found at once: the desktop.
+/// The user's desktop.
 std::filesystem::path desktop();
-/// Whether the user's own language is Greek.
+/// Whether the user's language is Greek.
 bool systemSpeaksGreek();
-/// The system, its version, and who is logged on, for a report.
+/// The system, its version, and the logged-on user, for a report.
 std::string describeSystem();
 
 std::filesystem::path ownProgram();
-/// A file as the component names it, with "\\" between folders.
+/// The file with this component-style name ("\\" between folders).
 std::filesystem::path pathOf(const std::string& name);
 std::string nameOf(const std::filesystem::path& path);
-/// What a program of this machine is called: NAME or NAME.exe.
+/// File name of a program on this system: NAME or NAME.exe.
 std::string programName(const std::string& name);
 
 struct SerialPortName {
-  std::string name;         ///< as `Connect_` takes it
-  std::string description;  ///< what the system calls it; may be empty
+  std::string name;         ///< as passed to `Connect_`
+  std::string description;  ///< the system's name for it; may be empty
 };
 std::vector<SerialPortName> serialPorts();
 
-/// Which program has the port open, with its number; nothing where no documented call tells.
+/// The program that has the port open, with its process id; nothing if no documented call reveals it.
 std::optional<std::string> holderOf(const std::string& port);
 
-/// What is to be said about the component's registration and its files. Folders of a component that a program would
-/// find are added to `folders`.
+/// Checks the component's registration and its files. Adds to `folders` those of the components that a program would
+/// find.
 void examineComponent(Findings& findings, std::vector<std::filesystem::path>& folders);
-/// The same of a component that its program finds in this folder, without registration.
+/// The same for a component that its program finds in this folder, without registration.
 void examineFolder(Findings& findings, const std::filesystem::path& folder);
-/// The folder that the system shows this user's older programs in place of one where they may not write; empty when
-/// there is none.
+/// The folder that the system shows this user's older programs instead of one where they may not write; empty if there
+/// is none.
 std::filesystem::path shownInPlaceOf(const std::filesystem::path& folder);
 
-/// Puts the component's core in this program together, for what it is asked itself.
+/// Starts the component's core in this program, for questions of its own.
 void startCore();
 
-/// A new object of a public class, as a till's program gets it: through its registration, or natively from the core.
-/// Raises runtime_error with the reason where it cannot be had.
+/// Creates an object of a public class as a till program does: through its registration, or natively from the core.
+/// Raises runtime_error with the reason if that fails.
 ObjectPtr createComponent(const std::string& className);
-/// The same out of the component in this folder, registered or not.
+/// The same with the component in this folder, registered or not.
 ObjectPtr createFromFolder(const std::filesystem::path& folder, const std::string& className);
 
-/// What the programs of `bits` bits are, which try the component that is registered for such.
+/// A copy of this program for `bits`-bit programs, which tries the component registered for these.
 struct Twin {
   int bits;
-  std::filesystem::path program;  ///< empty when it does not lie beside this one
+  std::filesystem::path program;  ///< empty if it is not beside this one
 };
-/// This program, and the one for the other programs of this machine where there are such.
+/// This program, and its copy for the other bitness if this machine runs such programs.
 std::vector<Twin> twins();
 
-/// Looks out for a window of this process that a component shows.
+/// Watches for a window that a component shows in this process.
 class WindowWatch {
  public:
   virtual ~WindowWatch() = default;
-  /// Whether one was seen and none is there now.
+  /// Whether a window was seen and is gone.
   virtual bool hasComeAndGone() = 0;
 };
-/// Null where the component shows no windows.
+/// Null if the component shows no windows.
 std::unique_ptr<WindowWatch> watchWindows(const char* className);
 
 }  // namespace mirvane::check

@@ -13,12 +13,12 @@
 namespace mirvane::check {
 namespace {
 
-/// What a copy of this program is asked by the one that started it.
+/// What this copy of the program was started for, by another copy.
 struct Errand {
   std::string who, day;
   bool tryComponent = false;
 
-  /// Nothing when there is none, otherwise what it found.
+  /// The findings; nothing if there is no errand.
   std::optional<Findings> run(const std::string& folder) const {
     if (!who.empty()) return askWho(who);
     if (!day.empty()) return playDay(day);
@@ -27,7 +27,7 @@ struct Errand {
   }
 };
 
-// The texts of the options are in the language that one of them names.
+// The texts of the options are in the language that an option selects.
 void chooseLanguage(const std::vector<std::string>& arguments) {
   bool greek = systemSpeaksGreek();
   for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -55,7 +55,7 @@ int run(std::vector<std::string> arguments) {
   app.add_option("--report", wanted.report, say(texts::kReportOption));
   app.add_flag("--json", wanted.asJson, say(texts::kJsonOption));
   app.add_option("--language", language, say(texts::kLanguageOption))->check(CLI::IsMember({"el", "en"}));
-  // What a double click does; and for the copies of this program that it starts itself. An empty group is not shown.
+  // For the double click, and for the copies that this program starts. An empty group is hidden.
   app.add_flag("--menu", isForMenu)->group("");
   app.add_option("--who", errand.who)->group("");
   app.add_option("--day", errand.day)->group("");
@@ -76,7 +76,7 @@ int run(std::vector<std::string> arguments) {
   return isForMenu ? followMenu() : examine(wanted);
 }
 
-// The menu has waited for its reader already.
+// The menu has already waited for the user.
 void letRead() {
   if (!hasOwnConsole()) return;
   print("\n" + say(texts::kPressKey) + "\n");

@@ -4,8 +4,8 @@
 
 namespace mirvane::check {
 
-/// For whoever has started the program with a double click: examines the machine, and then what the user asks for,
-/// until they ask for nothing more. What the first examination ended with.
+/// For a user who has double-clicked the program: checks the machine, then does what the user chooses, until the user
+/// quits. Returns the outcome of the first check.
 Outcome followMenu();
 
 }  // namespace mirvane::check

@@ -13,7 +13,7 @@ class ImpatientClock final : public platform::Clock {
   double elapsed() override {
     const double now = host_.elapsed();
     if (now <= deadline) return now;
-    deadline = std::numeric_limits<double>::infinity();  // what is cleaned up on the way out may ask too
+    deadline = std::numeric_limits<double>::infinity();  // cleanup during the unwinding may look at the clock too
     throw OutOfPatience();
   }
   platform::LocalTime localTime() override { return host_.localTime(); }

@@ -4,11 +4,11 @@
 
 namespace mirvane::check {
 
-/// Thrown through the exchange that is under way when its time is over.
+/// Thrown through the exchange in progress when its time is over.
 struct OutOfPatience {};
 
-/// For as long as it lives, the core of this program gives up after so many seconds: a serial exchange would otherwise
-/// go on until the device answers. Everything that waits for a device looks at the clock, so the clock is what ends it.
+/// While this exists, the core of this program gives up after this many seconds: a serial exchange would otherwise
+/// continue until the register answers. Everything that waits for a register looks at the clock, so the clock ends it.
 class Patience {
  public:
   explicit Patience(double seconds);

@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 
 constexpr double kStartSeconds = 20, kDaySeconds = 180;
 
-// Its journals lie in folders of their own, whatever else this machine has.
+// With this number its journals go into folders of their own.
 constexpr const char* kSerialNumber = "MIRVANECHEK";
 constexpr const char* kFirstDay = "0001";
 constexpr const char* kItem = "Καφές ελληνικός";
@@ -34,10 +34,10 @@ struct StepFailed : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// A till that plays the day.
+/// A till that simulates the day.
 class Till {
  public:
-  /// Every call reports its outcome, which is to be `expected`.
+  /// Every call reports its outcome, which must be `expected`.
   template <class... A>
   void expect(std::int16_t expected, std::string_view member, A&&... arguments) {
     till_.call(member, arguments...);
@@ -82,7 +82,7 @@ void createAll() {
   for (const PublicClass& each : publicClasses()) createComponent(std::string(each.describe().name()));
 }
 
-// The folders of this day's journal, which the component has told by what it writes.
+// The folders of this day's journal, recognised by what the component wrote.
 std::vector<fs::path> journalFolders() {
   std::vector<fs::path> folders;
   for (const Text& pattern : FiscalJournal().folderPatterns()) {
@@ -95,7 +95,7 @@ void removeJournals() {
   std::error_code ignored;
   for (const fs::path& folder : journalFolders()) {
     fs::remove_all(folder, ignored);
-    fs::remove(folder.parent_path(), ignored);  // which stays when anything else is in it
+    fs::remove(folder.parent_path(), ignored);  // stays if it contains anything else
   }
 }
 
@@ -109,7 +109,7 @@ void expectJournals() {
   }
 }
 
-/// Takes the day's steps one by one; one that fails is told, and ends the day where the next ones need it.
+/// Runs the day's steps one by one. Reports each that fails, and ends the day if later ones need it.
 class Day {
  public:
   bool step(const std::string& name, const std::function<void()>& run) {
@@ -122,7 +122,7 @@ class Day {
       return false;
     }
   }
-  /// The same, and its window is to come and go.
+  /// The same; the component must also show and close its window.
   bool stepWithWindow(const std::string& name, const Phrase& windowStep, const char* windowClass,
                       const std::function<void()>& run) {
     const auto watch = watchWindows(windowClass);
@@ -199,7 +199,7 @@ Findings dayAt(const std::string& address) {
     till.succeed("DrawerOpen");
     till.succeed("commentPrinterPrint", u"mirvane-check", std::int16_t{1});
   });
-  // The emulator takes nothing while it is asked four times, which is when the component gives up.
+  // The emulator ignores four questions, after which the component gives up.
   day.step(say(texts::kPulledStep), [&till] {
     till.expect(link_result::kNoAnswer, "FeedPaper", std::int16_t{1});
     till.succeed("FeedPaper", std::int16_t{1});
@@ -219,7 +219,7 @@ Findings dayAt(const std::string& address) {
   return day.findings;
 }
 
-// A folder of this run's own, which goes with it.
+// A temporary folder for this run.
 class Workplace {
  public:
   Workplace() : path(fs::temp_directory_path() / ("mirvane-check-" + std::to_string(number()))) {
@@ -249,7 +249,7 @@ fs::path findEmulator(const std::string& given) {
   return {};
 }
 
-// "127.0.0.1:40000" of the line that the emulator prints when it listens.
+// "127.0.0.1:40000" from the emulator's "ready" line.
 std::string addressIn(const std::string& ready) {
   constexpr std::string_view kMark = "udp=";
   const std::size_t at = ready.find(kMark);

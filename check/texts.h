@@ -6,7 +6,7 @@
 
 namespace mirvane::check {
 
-/// A text in both languages, UTF-8; %1 to %9 stand for values.
+/// A text in both languages, UTF-8; %1 to %9 are replaced by values.
 struct Phrase {
   const char* greek;
   const char* english;
@@ -14,27 +14,27 @@ struct Phrase {
 
 enum class Language { kGreek, kEnglish };
 
-/// The language of everything that is said from now on.
+/// Sets the language of all further output.
 void speak(Language language);
 bool speaksGreek();
 
-/// The phrase in the language, with its values.
+/// The phrase in that language, with its values.
 std::string say(const Phrase& phrase, std::initializer_list<std::string> values = {});
 
-// Everything that the program says, but for the names of codes, which the component has.
+// All texts of the program, except the names of codes, which the component has.
 namespace texts {
 
 // ---- Command line
 constexpr Phrase kAbout = {
     "Ελέγχει την εγκατάσταση του MirvaneEFT.dll και την ταμειακή. Χωρίς επιλογές εξετάζει τον υπολογιστή.\nΚωδικός "
     "εξόδου: 0 δεν βρέθηκε πρόβλημα, 1 προειδοποιήσεις, 2 βλάβες, 3 λάθος στη γραμμή εντολών ή η αναφορά δεν γράφτηκε.",
-    "Checks the installation of MirvaneEFT.dll and the register. Without options it examines this machine.\nExit code: "
+    "Checks the installation of MirvaneEFT.dll and the register. Without options it checks this machine.\nExit code: "
     "0 no problems found, 1 warnings, 2 faults, 3 invalid command line or the report could not be written."};
 constexpr Phrase kPortOption = {"ρωτά την ταμειακή σε αυτή τη θύρα: COM3 ή 192.168.1.50:9100",
                                 "ask the register at this port: COM3 or 192.168.1.50:9100"};
 constexpr Phrase kFolderOption = {
     "εξετάζει το MirvaneEFT.dll αυτού του φακέλου, για ταμείο που το χρησιμοποιεί χωρίς καταχώριση",
-    "examine the MirvaneEFT.dll in this folder, for a till that uses it without registration"};
+    "check the MirvaneEFT.dll in this folder, for a till that uses it without registration"};
 constexpr Phrase kFindOption = {"δοκιμάζει όλες τις σειριακές θύρες του υπολογιστή",
                                 "try every serial port of this machine"};
 constexpr Phrase kSlipOption = {"τυπώνει και ένα μικρό μη φορολογικό δελτίο· με --port",
@@ -42,7 +42,7 @@ constexpr Phrase kSlipOption = {"τυπώνει και ένα μικρό μη φ
 constexpr Phrase kSelfTestOption = {"εκτελεί μια δοκιμαστική ημέρα με τον εξομοιωτή",
                                     "simulate a trading day with the emulator"};
 constexpr Phrase kEmulatorOption = {"ο εξομοιωτής, όταν δεν βρίσκεται δίπλα στο πρόγραμμα",
-                                    "the emulator, if it is not beside this program"};
+                                    "the emulator, if it is not next to this program"};
 constexpr Phrase kReportOption = {"γράφει τα ευρήματα και τα νεότερα αρχεία καταγραφής σε ένα αρχείο για αποστολή",
                                   "write the findings and the newest records into a file to send"};
 constexpr Phrase kJsonOption = {"δίνει το αποτέλεσμα ως JSON, για προγράμματα",
@@ -88,7 +88,7 @@ constexpr Phrase kReportPort = {"Θύρα της ταμειακής, για να
                                 "Port of the register, to ask it too; Enter alone for none: "};
 
 // ---- Registration and files
-constexpr Phrase kForAllUsers = {"για όλους", "for all users"};
+constexpr Phrase kForAllUsers = {"για όλους", "for everybody"};
 constexpr Phrase kForUser = {"για αυτόν τον χρήστη", "for this user"};
 constexpr Phrase kNotRegistered = {
     "Το MirvaneEFT.dll δεν είναι καταχωρισμένο: τα προγράμματα δεν μπορούν να το χρησιμοποιήσουν.",
@@ -103,7 +103,7 @@ constexpr Phrase kRegisterIt = {"Για προγράμματα %1 bit, σε πα
 constexpr Phrase kInstallIt = {
     "Εγκαταστήστε ξανά το πακέτο. Ή αντιγράψτε τα MirvaneEFT.dll των %1 bit και Lang.dat στον φάκελο "
     "C:\\MirvaneEFT\\win%1 και, σε παράθυρο εντολών ως διαχειριστής:\n%2 \"C:\\MirvaneEFT\\win%1\\MirvaneEFT.dll\"",
-    "Install the package again. Or copy the %1-bit MirvaneEFT.dll and Lang.dat into the folder C:\\MirvaneEFT\\win%1 "
+    "Install MirvaneEFT again. Or copy the %1-bit MirvaneEFT.dll and Lang.dat into the folder C:\\MirvaneEFT\\win%1 "
     "and, in a command window run as administrator:\n%2 \"C:\\MirvaneEFT\\win%1\\MirvaneEFT.dll\""};
 constexpr Phrase kRegistered = {"Τα προγράμματα %1 bit βρίσκουν το %2, έκδοση %3, καταχωρισμένο %4.",
                                 "%1-bit programs find %2, version %3, registered %4."};
@@ -114,18 +114,18 @@ constexpr Phrase kUserOnly = {
 constexpr Phrase kTwoRegistered = {
     "Το MirvaneEFT.dll των %1 bit είναι καταχωρισμένο δύο φορές: για τον χρήστη το %2, που ισχύει, και για όλους το "
     "%3.",
-    "The %1-bit MirvaneEFT.dll is registered twice: for this user %2, which is used, and for all users %3."};
+    "The %1-bit MirvaneEFT.dll is registered twice: for this user %2, which is used, and for everybody %3."};
 constexpr Phrase kUnregisterUser = {"Για να μείνει η καταχώριση για όλους:\n%1 /u /n /i:user \"%2\"",
-                                    "To keep only the registration for all users:\n%1 /u /n /i:user \"%2\""};
+                                    "To keep only the registration for everybody:\n%1 /u /n /i:user \"%2\""};
 constexpr Phrase kMoved = {"Η καταχώριση %1 bit δείχνει στο %2, που δεν υπάρχει: μετακινήθηκε ή σβήστηκε.",
                            "The %1-bit registration leads to %2, which does not exist: it was moved or deleted."};
 constexpr Phrase kWrongBits = {"Τα προγράμματα %1 bit παίρνουν το %2, που είναι των %3 bit.",
-                               "%1-bit programs are given %2, which is the %3-bit one."};
+                               "%1-bit programs get %2, which is the %3-bit DLL."};
 constexpr Phrase kNoLibrary = {"Το %1 δεν είναι έγκυρο DLL.", "%1 is not a valid DLL."};
-constexpr Phrase kReplaceFile = {"Αντιγράψτε το ξανά από το πακέτο.", "Copy it again from the package."};
+constexpr Phrase kReplaceFile = {"Αντιγράψτε το ξανά από το πακέτο.", "Copy it again from the release."};
 constexpr Phrase kNoFileInFolder = {"Στον φάκελο %1 δεν υπάρχει MirvaneEFT.dll.", "There is no MirvaneEFT.dll in %1."};
 constexpr Phrase kGiveFolder = {"Δώστε τον φάκελο όπου το πρόγραμμα του ταμείου έχει το MirvaneEFT.dll.",
-                                "Give the folder in which the till program has its MirvaneEFT.dll."};
+                                "Enter the folder in which the till program has its MirvaneEFT.dll."};
 constexpr Phrase kInFolder = {"Το %1 είναι των %2 bit, έκδοση %3. Το χρησιμοποιούν προγράμματα %2 bit.",
                               "%1 is the %2-bit DLL, version %3. %2-bit programs can use it."};
 constexpr Phrase kIncomplete = {"Από τις κλάσεις των %1 bit λείπουν ή δείχνουν αλλού %2: %3.",
@@ -136,12 +136,12 @@ constexpr Phrase kTried = {"Ένα πρόγραμμα %1 bit δημιουργε�
 constexpr Phrase kNoAnswerOfTwin = {"το πρόγραμμα δεν απάντησε", "the program did not answer"};
 constexpr Phrase kVersionsDiffer = {"Τα δύο αρχεία έχουν διαφορετικές εκδόσεις: %1 στα 32 bit, %2 στα 64 bit.",
                                     "The two files have different versions: 32-bit %1, 64-bit %2."};
-constexpr Phrase kInstallBoth = {"Εγκαταστήστε και τα δύο από το ίδιο πακέτο.", "Install both from the same package."};
+constexpr Phrase kInstallBoth = {"Εγκαταστήστε και τα δύο από το ίδιο πακέτο.", "Install both from the same release."};
 constexpr Phrase kNoCatalogue = {"Λείπει το %1: τα μηνύματα προς τον χειριστή δεν έχουν κείμενο.",
                                  "%1 is missing: messages to the operator have no text."};
 constexpr Phrase kBadCatalogue = {"Το %1 είναι ελλιπές ή κατεστραμμένο.", "%1 is incomplete or damaged."};
 constexpr Phrase kCopyCatalogue = {"Αντιγράψτε το Lang.dat από το πακέτο στον φάκελο %1.",
-                                   "Copy Lang.dat from the package into the folder %1."};
+                                   "Copy Lang.dat from the release into the folder %1."};
 constexpr Phrase kCatalogue = {"Το %1 είναι στη θέση του.", "%1 is in place."};
 constexpr Phrase kBlocked = {"Το %1 ήρθε από το διαδίκτυο και τα Windows μπορεί να μην το αφήσουν να τρέξει.",
                              "%1 came from the internet, and Windows may not let it run."};
@@ -154,7 +154,7 @@ constexpr Phrase kInThisProgram = {"Το MirvaneEFT είναι ενσωματω�
 constexpr Phrase kJournalWritable = {"Το ημερολόγιο μπορεί να γραφτεί στον φάκελο %1.",
                                      "The journal can be written to %1."};
 constexpr Phrase kNoRights = {"Ο χρήστης δεν μπορεί να γράψει στον φάκελο %1: η ημέρα δεν κλείνει χωρίς το ημερολόγιο.",
-                              "This user may not write to %1: the day cannot be closed without its journal."};
+                              "This user cannot write to %1: the day cannot be closed without its journal."};
 constexpr Phrase kGiveRights = {
     "Σε παράθυρο εντολών ως διαχειριστής:\nicacls \"%1\" /grant \"*S-1-5-32-545:(OI)(CI)M\" /T",
     "In a command window run as administrator:\nicacls \"%1\" /grant \"*S-1-5-32-545:(OI)(CI)M\" /T"};
@@ -180,7 +180,7 @@ constexpr Phrase kNoRecords = {
 constexpr Phrase kRecords = {"Η επικοινωνία με την ταμειακή καταγράφεται στον φάκελο %1.",
                              "Communication is being recorded in %1."};
 constexpr Phrase kRecordsReadOnly = {"Η επικοινωνία δεν καταγράφεται: ο χρήστης δεν μπορεί να γράψει στον φάκελο %1.",
-                                     "Communication is not being recorded: this user may not write to %1."};
+                                     "Communication is not being recorded: this user cannot write to %1."};
 constexpr Phrase kRecordsElsewhere = {
     "Για αυτόν τον χρήστη τα Windows κρατούν τον φάκελο %1 στη θέση του %2: μόνο ορισμένα προγράμματα γράφουν εκεί.",
     "For this user Windows keeps the folder %1 in place of %2: only some programs write there."};
@@ -212,11 +212,11 @@ constexpr Phrase kCheckNetwork = {"Ελέγξτε τη διεύθυνση και
 constexpr Phrase kNoPortNumber = {"Από τη διεύθυνση %1 λείπει ο αριθμός θύρας.", "The address %1 lacks a port number."};
 constexpr Phrase kAddPortNumber = {
     "Δώστε διεύθυνση και θύρα, όπως %1:9100. Η θύρα φαίνεται στις ρυθμίσεις της ταμειακής.",
-    "Give address and port, such as %1:9100. The port is in the settings of the register."};
+    "Enter address and port, such as %1:9100. The port is in the register's settings."};
 constexpr Phrase kNotAnAddress = {"Το %1 δεν είναι διεύθυνση με αριθμούς: ονόματα υπολογιστών δεν γίνονται δεκτά.",
                                   "%1 is not a numeric address: host names are not accepted."};
 constexpr Phrase kUseNumbers = {"Δώστε διεύθυνση και θύρα με αριθμούς, όπως 192.168.1.50:9100.",
-                                "Give address and port in numbers, such as 192.168.1.50:9100."};
+                                "Enter address and port in numbers, such as 192.168.1.50:9100."};
 constexpr Phrase kSilent = {"Η θύρα ανοίγει, αλλά δεν ήρθε απάντηση σε %1 δευτερόλεπτα.",
                             "The port opens, but there is no answer within %1 seconds."};
 constexpr Phrase kSilentNetwork = {"Από τη διεύθυνση %1 δεν ήρθε απάντηση σε %2 δευτερόλεπτα.",
@@ -245,7 +245,7 @@ constexpr Phrase kExplained = {"%1 (%2)", "%1 (%2)"};
 constexpr Phrase kPaper = {"Ο εκτυπωτής έχει χαρτί και είναι έτοιμος.", "The printer has paper and is ready."};
 constexpr Phrase kPrinter = {"Ο εκτυπωτής δεν είναι έτοιμος: %1.", "The printer is not ready: %1."};
 constexpr Phrase kMendPrinter = {"Βάλτε χαρτί, κλείστε το καπάκι και ελέγξτε ότι ο εκτυπωτής είναι συνδεδεμένος.",
-                                 "Put paper in, close the cover and see that the printer is connected."};
+                                 "Put in paper, close the cover and check that the printer is connected."};
 constexpr Phrase kDayOpen = {"Η ημέρα είναι ανοιχτή.", "The day is open."};
 constexpr Phrase kDayClosed = {"Η ημέρα δεν έχει ανοίξει.", "The day is not open."};
 constexpr Phrase kToday = {"Σήμερα: αποδείξεις %1, σύνολο %2.", "Today: receipts %1, total %2."};
@@ -259,7 +259,7 @@ constexpr Phrase kClock = {"Το ρολόι της δείχνει %1 %2, όπω�
 constexpr Phrase kClockDiffers = {"Το ρολόι της δείχνει %1 %2: διαφέρει από του υπολογιστή κατά %3.",
                                   "Its clock shows %1 %2: it differs from this machine's by %3."};
 constexpr Phrase kSetClock = {"Δείτε ποιο από τα δύο ρολόγια είναι λάθος και ρυθμίστε το.",
-                              "See which of the two clocks is wrong, and set it."};
+                              "Find out which of the two clocks is wrong, and set it."};
 constexpr Phrase kClockUnread = {"Η ώρα της ταμειακής δεν διαβάζεται: %1.", "The register's time cannot be read: %1."};
 constexpr Phrase kDays = {"%1 ημέρες", "%1 days"};
 constexpr Phrase kMinutes = {"%1 λεπτά", "%1 minutes"};
@@ -268,7 +268,7 @@ constexpr Phrase kSlipTitle = {"ΔΟΚΙΜΗ ΕΚΤΥΠΩΣΗΣ", "ΔΟΚΙΜΗ 
 constexpr Phrase kSlipNotFiscal = {"ΔΕΝ ΕΙΝΑΙ ΑΠΟΔΕΙΞΗ", "ΔΕΝ ΕΙΝΑΙ ΑΠΟΔΕΙΞΗ / NOT A RECEIPT"};
 constexpr Phrase kNoSlip = {"Το δελτίο δεν τυπώθηκε.", "No slip was printed."};
 
-// Beside the register's own words of its printer; the first is what those hold.
+// Translations of the register's printer messages, recognised by the first text.
 constexpr std::pair<const char*, Phrase> kPrinterWords[] = {
     {"Χαρτιού", {"τέλος χαρτιού", "out of paper"}},
     {"Αποσυνδεδεμένος", {"ο εκτυπωτής δεν είναι συνδεδεμένος", "the printer is disconnected"}},
@@ -290,16 +290,16 @@ constexpr Phrase kNotInTime = {"%1: η θύρα δεν άνοιξε σε %2 δε
 // ---- Self-test
 constexpr Phrase kNoEmulator = {"Το %1 δεν βρέθηκε.", "%1 was not found."};
 constexpr Phrase kPutEmulator = {"Βάλτε το %1 δίπλα σε αυτό το πρόγραμμα, ή δώστε --emulator ΑΡΧΕΙΟ.",
-                                 "Put %1 beside this program, or use --emulator FILE."};
+                                 "Put %1 next to this program, or use --emulator FILE."};
 constexpr Phrase kEmulatorFails = {"Ο εξομοιωτής δεν ξεκινά: %1.", "The emulator does not start: %1."};
 constexpr Phrase kRunEmulator = {"Ξεκινήστε τον με διπλό κλικ για να δείτε γιατί: %1",
                                  "Double-click it to see why: %1"};
 constexpr Phrase kNoTwin = {"Τα %1 bit δεν δοκιμάστηκαν: το mirvane-check.exe των %1 bit δεν βρέθηκε.",
-                            "The %1-bit component was not tried: the %1-bit mirvane-check.exe was not found."};
+                            "The %1-bit component was not tested: the %1-bit mirvane-check.exe was not found."};
 constexpr Phrase kPutTwin = {"Αποσυμπιέστε ολόκληρο το πακέτο και τρέξτε το πρόγραμμα από εκεί.",
-                             "Extract the whole package and run this program from there."};
+                             "Extract the whole release and run this program from there."};
 constexpr Phrase kTwinSilent = {"Η δοκιμή των %1 bit δεν τελείωσε σε %2 δευτερόλεπτα.",
-                                "The %1-bit trial did not finish within %2 seconds."};
+                                "The %1-bit test did not finish within %2 seconds."};
 constexpr Phrase kRunDoctor = {"Τρέξτε το πρόγραμμα χωρίς επιλογές: δείχνει τι λείπει.",
                                "Run this program without options: it shows what is missing."};
 constexpr Phrase kSendReport = {"Γράψτε μια αναφορά με --self-test --report ΑΡΧΕΙΟ και στείλτε την.",
@@ -311,12 +311,12 @@ constexpr Phrase kClassesStep = {"Όλες οι κλάσεις (%1)", "Every cla
 constexpr Phrase kConnectStep = {"Σύνδεση και αριθμός μητρώου", "Connection and serial number"};
 constexpr Phrase kCashStep = {"Απόδειξη με μετρητά και ρέστα", "A receipt paid in cash, with change"};
 constexpr Phrase kVoidStep = {"Αλλαγή είδους και επιστροφή, πληρωμή με επιταγή", "A void and a refund, paid by cheque"};
-constexpr Phrase kAdjustStep = {"Εκπτώσεις και αυξήσεις, σε είδος και σε σύνολο",
-                                "Discounts and mark-ups, of an item and of the subtotal"};
+constexpr Phrase kAdjustStep = {"Εκπτώσεις και προσαυξήσεις, σε είδος και σε υποσύνολο",
+                                "Discounts and mark-ups, on an item and on the subtotal"};
 constexpr Phrase kMixedStep = {"Δύο τρόποι πληρωμής σε μία απόδειξη", "Two payments for one receipt"};
 constexpr Phrase kCancelStep = {"Ακύρωση απόδειξης", "A cancelled receipt"};
 constexpr Phrase kCardStep = {"Πληρωμή με κάρτα", "A payment by card"};
-constexpr Phrase kDeclinedStep = {"Άρνηση κάρτας, μετά μετρητά", "A refused card, then cash"};
+constexpr Phrase kDeclinedStep = {"Απόρριψη κάρτας, μετά μετρητά", "A declined card, then cash"};
 constexpr Phrase kWaitWindowStep = {"Το παράθυρο αναμονής άνοιξε και έκλεισε", "The wait window opened and closed"};
 constexpr Phrase kCashDrawerStep = {"Κατάθεση, ανάληψη, συρτάρι, σχόλιο", "Cash in, cash out, drawer, comment"};
 constexpr Phrase kPulledStep = {"Η γραμμή κόπηκε και επανήλθε", "The line was interrupted and recovered"};
@@ -326,8 +326,8 @@ constexpr Phrase kZStep = {"Δελτίο Ζ με το ημερολόγιο στ�
 constexpr Phrase kJournalWindowStep = {"Το παράθυρο του ημερολογίου άνοιξε και έκλεισε",
                                        "The journal window opened and closed"};
 constexpr Phrase kDisconnectStep = {"Αποσύνδεση", "Disconnection"};
-constexpr Phrase kPaperStep = {"Στο χαρτί του εξομοιωτή είναι όλα, στα ελληνικά",
-                               "All of it is on the emulator's paper, in Greek"};
+constexpr Phrase kPaperStep = {"Το χαρτί του εξομοιωτή τα έχει όλα, στα ελληνικά",
+                               "The emulator's paper shows everything, in Greek"};
 constexpr Phrase kNoWindow = {"δεν φάνηκε παράθυρο", "no window appeared"};
 constexpr Phrase kNoJournalFile = {"λείπει το %1", "%1 is missing"};
 constexpr Phrase kPaperLacks = {"λείπει «%1»", "\"%1\" is missing"};

@@ -33,7 +33,7 @@ constexpr PublicClass publicClass(std::string_view classId, std::string_view int
   return {&C::describe, &create<C>, classId, interfaceId};
 }
 
-// The identifiers are the component's identity on every machine: they never change, and a new class gets new ones.
+// The identifiers are the component's identity on every machine. They never change; a new class gets new ones.
 constexpr std::array kPublicClasses = {
     publicClass<fiscalTrevikModule>("{D724621E-6E73-420C-B7B7-2E4E1AF49484}", "{2F7C549A-C314-44E2-BC96-1118ECDCCA57}"),
     publicClass<fiscalNullModule>("{0807DACD-9DE8-4F06-8904-E9D9C0CF1873}", "{97405D5B-7DA7-4EC6-9157-F82B4EFD9F98}"),
@@ -64,8 +64,8 @@ ObjectPtr createObject(std::string_view className) {
 
 void startComponent() {
   moduleState().createNullDriver = &create<fiscalNullModule>;
-  // The two older families keep their places, so that a driver for one is found before the newer one; they have none
-  // yet, and probing passes over them.
+  // The two older families keep their places, so that a driver for one of them would be found before the newer one.
+  // They have no drivers yet, and probing skips them.
   moduleState().candidates = {{FISCAL_PALKOFISCAL, "FiscalOrnaModule", nullptr},
                               {FISCAL_VARLENFISCAL, "FiscalVarlenModule", nullptr},
                               {FISCAL_VARLENFISCAL2, FiscalVarlenModule2::kName, &create<FiscalVarlenModule2>}};

@@ -15,10 +15,10 @@ struct PublicClass {
   std::string_view interfaceId;
 };
 
-/// The public classes in the order of the type library.
+/// The public classes, in type-library order.
 std::span<const PublicClass> publicClasses();
 
-/// A new object of the public class of that name. Raises logic_error when there is none.
+/// Creates an object of the named public class. Raises logic_error if there is no such class.
 ObjectPtr createObject(std::string_view className);
 
 inline constexpr std::string_view kTypeLibraryName = "VarlenFiscalQ7734";
@@ -27,8 +27,8 @@ inline constexpr std::string_view kFiscalTypesId = "{3EB0F3A4-E7B6-4F30-A52E-7B5
 inline constexpr int kTypeLibraryMajor = 1;
 inline constexpr int kTypeLibraryMinor = 0;
 
-/// Puts the component together: gives the module state its driver classes in probe order. To be called once before the
-/// first public object is made.
+/// Assembles the component: gives the module state its driver classes in probe order. Call it once before the first
+/// public object is created.
 void startComponent();
 
 }  // namespace mirvane

@@ -5,12 +5,13 @@
 
 namespace mirvane::embedding {
 
-/// The component inside a native program: started with this value and taken down with it. There is one register, and so
-/// one such value, in a process at a time; objects of the component may not outlive it. One thread at a time calls in.
+/// The component inside a native program: started by the constructor, stopped by the destructor. There is one register,
+/// so only one Component may exist in a process at a time, and the component's objects must not outlive it. One thread
+/// at a time may call.
 class Component {
  public:
-  /// `machine` is what the component finds around it, this machine by default, and outlives the value. The flight
-  /// record is written into `recordFolder` while that folder is there; "" for none.
+  /// `machine` is the component's environment, by default this machine, and must outlive this object. The flight record
+  /// is written to `recordFolder` while that folder exists; "" for none.
   explicit Component(platform::Platform& machine = platform::hostPlatform(), TextView recordFolder = {}) {
     moduleState() = ModuleState{};
     moduleState().platform = &machine;

@@ -4,7 +4,7 @@
 
 namespace mirvane::embedding {
 
-/// Calls a member whose last arguments are Result, Exresult and SupressError_, and Pass where it takes one.
+/// Calls a member whose last arguments are Result, Exresult and SupressError_, and Pass if it has one.
 template <class... A>
 Value callWithOutcome(Object& object, std::string_view member, std::int16_t& Result, Text& Exresult,
                       bool& SupressError_, A&&... arguments) {
@@ -16,46 +16,45 @@ Value callWithOutcome(Object& object, std::string_view member, std::int16_t& Res
   return object.call(member, std::forward<A>(arguments)..., Result, Exresult, SupressError_);
 }
 
-/// One till: calls the members of the facade by name and keeps what the last call told. The facade is a native object,
+/// One till: calls the facade's members by name and keeps the outcome of the last call. The facade is a native object,
 /// or one that is registered on a Windows machine. Raises AutomationError as the members do.
 class Till {
  public:
   explicit Till(ObjectPtr facade = createObject("fiscalTrevikModule")) : facade_(std::move(facade)) {}
 
-  /// Calls a member that tells an outcome. True when it was told that it is done, which is Result 0. Variables that the
-  /// member fills are given as references.
+  /// Calls a member that reports an outcome; true if Result is 0. Pass variables that the member fills by reference.
   template <class... A>
   bool call(std::string_view member, A&&... arguments) {
     return callOn(*facade_, member, std::forward<A>(arguments)...);
   }
-  /// The same of another object of the component, such as an adjustment.
+  /// The same for another object of the component, such as an adjustment.
   template <class... A>
   bool callOn(Object& object, std::string_view member, A&&... arguments) {
-    // Some failures leave it as it was.
+    // Some failures leave Result as it was.
     Result = kUntouched;
     Exresult.clear();
     callWithOutcome(object, member, Result, Exresult, SupressError_, std::forward<A>(arguments)...);
     return Result == 0;
   }
-  /// Calls or reads a member that has no such arguments.
+  /// Calls or reads a member without these arguments.
   template <class... A>
   Value read(std::string_view member, A&&... arguments) {
     return facade_->call(member, std::forward<A>(arguments)...);
   }
 
   Object& facade() { return *facade_; }
-  /// Lets go of the facade, which may be inside a call, and takes another.
+  /// Releases the facade, which may be inside a call, and creates another.
   void changeFacade() {
     facade_ = nullptr;
     facade_ = createObject("fiscalTrevikModule");
   }
 
-  /// What a member leaves in Result that does not set it.
+  /// Result after a member that does not set it.
   static constexpr std::int16_t kUntouched = 32767;
 
   std::int16_t Result = kUntouched;
   Text Exresult;
-  /// Without an operator nobody closes a message box.
+  /// True, because without an operator nobody closes a message box.
   bool SupressError_ = true;
 
  private:

@@ -12,18 +12,18 @@
 
 #include "platform/ports.h"
 
-// A machine that is not there, for programs that try the component out: nothing in it waits, and everything that the
-// component did to it can be looked at. Its lines are whatever the program gives it. Texts are kept in UTF-8.
+// A simulated machine for programs that test the component: no wait takes real time, and everything the component did
+// can be inspected. The program supplies the lines. Texts are kept in UTF-8.
 namespace mirvane::embedding {
 
-/// Thrown out of a wait that has gone past the clock's limit. No exception that the component knows, so that it ends
-/// the call whatever that would catch.
+/// Thrown out of a wait that exceeds the clock's limit. The component does not know this exception, so it ends the call
+/// whatever the component catches.
 struct StillWaiting {};
 
-/// Time that passes when somebody waits.
+/// A clock that advances only when something waits.
 class VirtualClock : public platform::Clock {
  public:
-  /// The clock shows 25 March 2024, and so many seconds since midnight.
+  /// The clock shows 25 March 2024 and this many seconds since midnight.
   explicit VirtualClock(double start = 12 * 3600) : startOfDay(start) {}
 
   double secondsSinceMidnight() override;
@@ -35,15 +35,15 @@ class VirtualClock : public platform::Clock {
   void advance(double seconds);
 
   double startOfDay;
-  /// Seconds since the machine was started.
+  /// Seconds since the start of the machine.
   double now = 0;
-  /// What passes whenever somebody looks.
+  /// How far the clock advances with each look at it.
   double glance = 0;
-  /// Past this moment a wait throws StillWaiting.
+  /// After this moment a wait throws StillWaiting.
   double limit = std::numeric_limits<double>::infinity();
-  /// Called every 20 ms while time passes, when it is set.
+  /// Called every 20 ms of simulated time, if set.
   std::function<void()> passes;
-  /// How often somebody slept for so many milliseconds.
+  /// How often something slept for each number of milliseconds.
   std::map<std::uint32_t, int> sleeps;
 };
 
@@ -54,7 +54,7 @@ struct Box {
   bool operator==(const Box&) const = default;
 };
 
-/// An operator who closes every box and waits as long as asked.
+/// An operator who closes every message box and waits as long as asked.
 class VirtualOperator : public platform::Screen {
  public:
   explicit VirtualOperator(VirtualClock& clock) : clock_(clock) {}
@@ -70,14 +70,14 @@ class VirtualOperator : public platform::Screen {
   std::vector<Box> boxes;
   /// What journal windows did: "show", a file's name, "+" and a piece with the count, "close".
   std::vector<std::string> journal;
-  /// What the operator read while waiting: "caption|state|message", and "close" for a window that stood by itself.
+  /// What the operator read while waiting: "caption|state|message", and "close" for a window that was shown without
+  /// blocking.
   std::vector<std::string> waits;
   std::vector<std::string> trace;
   int eventRounds = 0;
   /// How often the program's windows were served.
   int servings = 0;
-  /// What the program does wherever its own code can run within a call: in a box, a wait, a journal, a window that is
-  /// served.
+  /// Program code to run wherever it can run within a call: in a message box, a wait, a journal, a window being served.
   std::function<void()> program;
 
  private:
@@ -88,7 +88,7 @@ class VirtualOperator : public platform::Screen {
   VirtualClock& clock_;
 };
 
-/// A disk of files without folders of its own: whatever path is written is there.
+/// A disk without folders of its own: any path can be written.
 class VirtualDisk : public platform::Files {
  public:
   Text componentFolder() override { return u"C:\\till"; }
@@ -105,15 +105,15 @@ class VirtualDisk : public platform::Files {
   std::map<std::string, std::string> below(const std::string& folder) const;
 
   std::map<Text, std::string> contents;
-  /// The folders that were asked for.
+  /// The folders that were requested.
   std::vector<std::string> folders;
-  /// Below this folder nothing can be written.
+  /// Nothing can be written below this folder.
   Text unwritable = u"?";
-  /// The one folder that is there.
+  /// The one folder that exists.
   Text recordFolder;
-  /// How many of so many bytes more the disk takes at a file's end.
+  /// How many of the given number of bytes the disk accepts in an append.
   std::function<std::size_t(std::size_t)> onAppend = [](std::size_t count) { return count; };
-  /// The files that grow, of whatever program.
+  /// Files open for appending, in any program.
   std::set<Text> growing;
 
  private:

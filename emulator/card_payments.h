@@ -10,10 +10,10 @@
 
 namespace mirvane::emulator {
 
-/// A card terminal as the register keeps it. The numbers are 0 to 32767, the port 1 to 65535.
+/// The register's settings for a card terminal. Numbers are 0 to 32767, the port 1 to 65535.
 struct CardTerminal {
   bool isEnabled = true;
-  /// The other bits of the byte that enables it.
+  /// The other bits of the byte that enables the terminal.
   int middleware = 0;
   std::string ip;
   int port = 0;
@@ -29,38 +29,39 @@ struct CardTerminal {
 using CardTerminals = std::map<int, CardTerminal>;
 constexpr int kMostTerminals = 20;
 
-/// The identifier that a terminal gives itself.
+/// The identifier that the terminal gives itself.
 std::string terminalIdentifier(int number);
 
-/// Card payments, one at a time: what waits for the terminal, and how it ended.
+/// Card payments, one at a time: the one at its terminal, and how it ended.
 class CardPayments {
  public:
   struct Options {
-    /// How long a terminal takes.
+    /// How long a terminal takes, in seconds.
     double seconds = 2;
-    /// How the next payments end, one after the other, and how all others do: kOk or a code that refuses.
+    /// Outcomes of the next payments in turn, and of all others: kOk or a code that refuses.
     std::deque<Code> next;
     Code otherwise = Code::kOk;
-    /// Whether the terminal comes to a decision by itself.
+    /// Whether the terminal decides by itself.
     bool answers = true;
   };
   Options options;
 
-  /// Hands `payment` to its terminal. `now` is in seconds, from any fixed moment.
+  /// Gives `payment` to its terminal. `now` is in seconds from any fixed moment.
   void begin(const Payment& payment, double now);
   bool isUnderWay() const { return payment_.has_value(); }
-  /// What the terminal has now.
+  /// The payment at its terminal.
   const std::optional<Payment>& underWay() const { return payment_; }
-  /// Has the terminal decide about what it has, now: kOk, or a code that refuses.
+  /// Makes the terminal decide now: kOk, or a code that refuses.
   void decide(Code outcome) { decision_ = outcome; }
   /// The payment to book, once its terminal has approved it.
   std::optional<Payment> takeApproved(double now);
 
-  /// Why the latest payment failed, told once; kOk otherwise.
+  /// Why the latest payment failed, reported once; otherwise kOk.
   Code takeFailure();
   void forgetFailure() { failure_ = Code::kOk; }
 
-  /// Hands all that outlives a power cut to `visit(name, member)`. A terminal has decided when the power is back.
+  /// Passes everything that survives a power cut to `visit(name, member)`. When the power returns, the terminal has
+  /// decided.
   template <class Visitor>
   void visitMemory(Visitor&& visit) {
     visit("payment", payment_);

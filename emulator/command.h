@@ -13,9 +13,9 @@ namespace mirvane::emulator {
 
 using Name = std::string_view;
 
-/// What a field of a command may hold.
+/// What a field of a command may contain.
 struct FieldRule {
-  /// For whoever reads along; empty where there is nothing to say.
+  /// For the page and the HTTP interface; may be empty.
   Name name;
   enum class Kind { kText, kWhole, kFlag, kAmount, kQuantity } kind;
   std::size_t longest;
@@ -32,25 +32,25 @@ constexpr FieldRule wholeOrEmpty(Name name, std::size_t longest) {
 }
 constexpr FieldRule amount(Name name) { return {name, FieldRule::Kind::kAmount, 11, false}; }
 constexpr FieldRule quantity(Name name) { return {name, FieldRule::Kind::kQuantity, 10, false}; }
-/// A digit that has picked the command already.
+/// A digit that has already selected the command.
 constexpr FieldRule selector(std::size_t longest = 1) { return whole("", longest); }
 constexpr FieldRule empty() { return text("", 0); }
 }  // namespace field
 
-/// The fields of a command behind its code, numbered from 0. They have passed the rules of their command.
+/// The fields of a command after its code, numbered from 0. They have passed the rules of their command.
 class Fields {
  public:
-  /// `command` holds a "/".
+  /// `command` contains a "/".
   explicit Fields(std::string_view command);
 
   std::string_view code() const { return code_; }
   std::string_view bytes(std::size_t i) const { return pieces_[i]; }
 
-  /// Count, then lengths, then types. A "/" closes the last field too, unless the command `endsOpen`.
+  /// Checks count, then lengths, then types. A "/" must also close the last field, unless the command `endsOpen`.
   Code check(const std::vector<FieldRule>& rules, bool endsOpen);
 
   Text text(std::size_t i) const { return fromCodePage(pieces_[i]); }
-  /// A whole number, cents or thousandths, as the field's rule says; 0 for an empty field.
+  /// A whole number, cents or thousandths, depending on the field's rule; 0 for an empty field.
   std::int64_t number(std::size_t i) const { return numbers_[i]; }
   int whole(std::size_t i) const { return static_cast<int>(numbers_[i]); }
   bool flag(std::size_t i) const { return numbers_[i] != 0; }
@@ -61,7 +61,7 @@ class Fields {
   std::vector<std::int64_t> numbers_;
 };
 
-/// Collects the fields of a reply behind its status bytes.
+/// Collects the fields of a reply after its status bytes.
 class ReplyWriter {
  public:
   ReplyWriter& text(std::string_view bytes) {
@@ -81,21 +81,21 @@ class ReplyWriter {
 /// One command of the register.
 struct CommandRow {
   std::string_view code;
-  /// The first field that picks this row among those with the same code; an empty one takes any.
+  /// The first field that selects this row among those with the same code; an empty one accepts any.
   std::string_view selector;
-  /// For whoever reads along.
+  /// For the page and the HTTP interface.
   Name name;
   std::vector<FieldRule> fields;
   /// Refused while the printer cannot print.
   bool prints;
   Code (*run)(Register& machine, const Fields& fields, ReplyWriter& reply);
-  /// Of the reply's fields behind the status bytes.
+  /// Names of the reply's fields after the status bytes.
   std::vector<Name> replyNames = {};
-  /// No "/" closes its last field.
+  /// Its last field has no closing "/".
   bool endsOpen = false;
 };
 
-// The commands, by subject; each table stands with its handlers.
+// The commands, by subject; each table is in the same file as its handlers.
 const std::vector<CommandRow>& receiptCommands();
 const std::vector<CommandRow>& printerCommands();
 const std::vector<CommandRow>& readCommands();
@@ -105,7 +105,7 @@ const std::vector<CommandRow>& cardCommands();
 
 bool isBlank(TextView text);
 
-/// The row for `fields`. When there is none, `code` tells whether the command or only its selector is unknown.
+/// The row for `fields`. If there is none, `code` says whether the command or only its selector is unknown.
 const CommandRow* findCommand(const Fields& fields, Code& code);
 
 }  // namespace mirvane::emulator

@@ -99,7 +99,7 @@ const std::vector<CommandRow>& cardCommands() {
   constexpr FieldRule kEnabled = whole("enabled", 3);
   constexpr FieldRule kPort = whole("port", 5);
   constexpr FieldRule kTimeout = whole("time-out", 5);
-  // Room for texts that are no addresses, so that they are refused as such.
+  // Long enough for texts that are not addresses, so that they are refused as such.
   constexpr FieldRule kIp = text("IP", 40);
   constexpr FieldRule kDescription = text("description", 10);
   constexpr FieldRule kBitmap = whole("bitmap", 5);

@@ -70,7 +70,7 @@ Code setVatRates(Register& machine, const Fields& fields, ReplyWriter&) {
     rates[i] = fields.number(i);
     if (rates[i] < 0 || rates[i] > 9999) return Code::kFieldRange;
   }
-  // An item names its rate, and that must tell its category.
+  // Items are identified by their rate, so it must determine the category.
   if (std::set(rates.begin(), rates.end()).size() < rates.size()) return Code::kSameVatRate;
   machine.fiscal.vatRates = rates;
   return Code::kOk;

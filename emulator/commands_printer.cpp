@@ -6,7 +6,7 @@ namespace {
 Code printComment(Register& machine, const Fields& fields, ReplyWriter&) {
   const int size = fields.whole(1);
   if (size < 0 || size > 4) return Code::kFieldRange;
-  // What is printed now would be missing in the journal that stands for the day.
+  // What is printed now would be missing from the day's journal.
   if (machine.journal.isClosing()) return Code::kClosing;
   machine.paper.sized(fields.text(0), size, false);
   return Code::kOk;

@@ -180,7 +180,7 @@ const std::vector<CommandRow>& receiptCommands() {
        adjust},
       {"5",
        "99",
-       "what remains to pay",
+       "remaining amount",
        {selector(2), selector(), selector(), selector()},
        false,
        tellRemaining,

@@ -2,17 +2,17 @@
 
 namespace mirvane::emulator {
 
-/// What is wrong with the machine beside its printer, and which rules it keeps that not every register has.
+/// Faults of the machine apart from its printer, and rules that not every register has.
 struct Conditions {
-  /// Its clock has lost the time.
+  /// The clock has lost the time.
   bool clockLost = false;
   bool batteryFault = false;
-  /// No further day fits into its fiscal memory.
+  /// The fiscal memory has no room for another day.
   bool memoryFull = false;
   bool cutterError = false;
-  /// Twenty-four hours after a day's first document it wants the Z report.
+  /// Twenty-four hours after a day's first document it requires the Z report.
   bool dailyZ = false;
-  /// No more cash goes out than is in the drawer.
+  /// It pays out no more cash than is in the drawer.
   bool drawerLimit = false;
 };
 

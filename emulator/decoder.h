@@ -5,26 +5,26 @@
 
 #include "text/text.h"
 
-// Commands and replies in words, for whoever reads along.
+// Commands and replies in words, for the page and the HTTP interface.
 namespace mirvane::emulator {
 
 struct DecodedField {
-  /// Empty for one that says nothing.
+  /// Empty for a field without a meaning.
   std::string_view name;
   Text value;
 };
 
 struct DecodedCommand {
-  /// Empty for a command that the register does not know.
+  /// Empty for an unknown command.
   std::string_view name;
   std::vector<DecodedField> fields;
 };
 
-/// `command` is bare.
+/// `command` is without frame and checksum.
 DecodedCommand decodeCommand(std::string_view command);
 
 struct DecodedReply {
-  /// False for one that lacks its status bytes; the rest means nothing then.
+  /// False if the status bytes are missing; the rest is then meaningless.
   bool isWhole = false;
   int code = 0;
   int printerStatus = 0;
@@ -32,7 +32,7 @@ struct DecodedReply {
   std::vector<DecodedField> fields;
 };
 
-/// `reply`, bare, to `command`.
+/// `reply` to `command`, both without frame and checksum.
 DecodedReply decodeReply(std::string_view reply, std::string_view command);
 
 }  // namespace mirvane::emulator

@@ -39,7 +39,7 @@ Code run(Register& machine, std::string_view command, std::uint8_t printerStatus
   if (code == Code::kOk && row->prints) code = printerProblem(printerStatus);
   if (code != Code::kOk) return code;
   code = row->run(machine, fields, reply);
-  // A till that goes on with its work does not want to be told any more.
+  // A till that has continued no longer needs the reason.
   if (row->prints && code == Code::kOk) machine.cards.forgetFailure();
   return code;
 }

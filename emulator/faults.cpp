@@ -136,7 +136,7 @@ Fault takeFault(Words& words) {
   if (name.empty()) fail("the fault is missing", "");
   const Row* row = std::find_if(std::begin(kRows), std::end(kRows), [name](const Row& r) { return r.name == name; });
   if (row == std::end(kRows)) fail("unknown fault", name);
-  if (at != Fault::At::kAnswer && !row->isOnWay) fail("what the till sends is not struck by", name);
+  if (at != Fault::At::kAnswer && !row->isOnWay) fail("this fault cannot hit what the till sends:", name);
   Fault fault{row->kind, row->number, {}, {}, at, row->name};
   switch (row->argument) {
     case Argument::kNone:
@@ -147,7 +147,7 @@ Fault takeFault(Words& words) {
     case Argument::kNumber:
       fault.number = takeNumber(words, name);
       if (fault.kind == Kind::kCode && fault.number > 255) fail("a code is at most 255", "");
-      if (fault.isUnplugging() && fault.number > kLongestUnplugging) fail("a line stays away for 86400 s at most", "");
+      if (fault.isUnplugging() && fault.number > kLongestUnplugging) fail("unplugging lasts at most 86400 s", "");
       break;
     case Argument::kHexByte:
       fault.bytes = words.take();
@@ -165,7 +165,7 @@ Fault takeFault(Words& words) {
       if (fault.bytes.empty()) fail("a text must follow", name);
       break;
   }
-  if (!words.atEnd()) fail("too much behind the fault:", words.rest());
+  if (!words.atEnd()) fail("unexpected text after the fault:", words.rest());
   return fault;
 }
 
@@ -239,7 +239,7 @@ void Faults::clear() {
 }
 
 void Faults::addScript(std::string_view script) {
-  // What is not UTF-8 comes from an editor that writes the code page of Greek Windows.
+  // Text that is not UTF-8 comes from an editor that uses the code page of Greek Windows.
   const bool isUtf8 = toUtf8(fromUtf8(script)) == script;
   const std::string converted = isUtf8 ? "" : toUtf8(fromCodePage(script));
   if (!isUtf8) script = converted;

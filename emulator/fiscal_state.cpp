@@ -51,7 +51,7 @@ void FiscalState::closeReceipt() {
     (adjustment.isDiscount ? day.discounts : day.markUps) += adjustment.amount;
     if (adjustment.isOnItem) book(receipt->items()[adjustment.item], adjustment.change(), 0);
   }
-  // Change goes back in cash, whatever was tendered.
+  // Change is given in cash, whatever was tendered.
   day.payments[0] -= receipt->change();
   for (const Payment& payment : receipt->payments()) {
     day.payments[payment.isCard() ? 1 : static_cast<std::size_t>(payment.number) - 1] += payment.amount;

@@ -20,7 +20,7 @@ struct PrintedLine {
   int size = 1;
 };
 
-/// A department or a category, with what it sold today.
+/// A department or a category, with today's sales.
 struct SalesGroup {
   Text description;
   Cents amount = 0;
@@ -31,14 +31,14 @@ struct Department : SalesGroup {
   int category = 1;
 };
 
-/// The group with `number`, which counts from 1; none when there is no such group.
+/// The group with `number`, counted from 1; null if there is none.
 template <class Group>
 Group* groupAt(std::vector<Group>& groups, int number) {
   return number >= 1 && number <= std::ssize(groups) ? &groups[static_cast<std::size_t>(number) - 1] : nullptr;
 }
 
-/// What the day has added up. VAT is worked out per receipt and category, and the day's VAT is the sum of its
-/// receipts', so that a report agrees to the cent with the receipts that it closes.
+/// The day's totals. VAT is calculated per receipt and category, and the day's VAT is the sum of its receipts', so that
+/// a report agrees to the cent with its receipts.
 struct DayTotals {
   VatSums gross{}, vat{};
   Cents voids = 0, refunds = 0, cancelled = 0, discounts = 0, markUps = 0;
@@ -47,11 +47,11 @@ struct DayTotals {
   Cents cashIn = 0, cashOut = 0;
   int receipts = 0, cashDocuments = 0;
 
-  /// What the drawer holds of it.
+  /// The day's cash in the drawer.
   Cents cash() const { return payments[0] + cashIn - cashOut; }
 };
 
-/// Money put into or taken out of the drawer, booked when it is closed.
+/// Money put into or taken out of the drawer; booked when the document is closed.
 struct CashDocument {
   bool isIn;
   Cents amount;
@@ -62,14 +62,14 @@ struct Limits {
   Cents day = 99'999'999'99;
 };
 
-/// All that the register remembers.
+/// Everything that the register remembers.
 struct FiscalState {
   FiscalState();
 
   std::string serialNumber = "MVE25000017";
   std::array<PrintedLine, 5> header;
   std::array<PrintedLine, 3> footer;
-  /// Ends the open or the next receipt in place of the footer.
+  /// Replaces the footer of the open or the next receipt.
   std::optional<std::array<Text, 3>> nextFooter;
   /// Of the business; printed below the header.
   std::string vatNumber = "000000000";
@@ -78,37 +78,38 @@ struct FiscalState {
   CardTerminals cardTerminals{{1, {true, 0, "192.168.1.50", 4000, u"ΤΕΡΜΑΤΙΚΟ", 0, 60, {}, "", "", "", 0}}};
   /// Categories A to E, in hundredths of a percent.
   VatRates vatRates{2400, 1300, 600, 3600, 0};
-  /// Number 1 stands at index 0.
+  /// Number 1 is at index 0.
   std::vector<Department> departments;
   std::vector<SalesGroup> categories;
   Limits limits;
 
-  /// Days closed so far; receipts carry the number of the closure to come.
+  /// Number of days closed so far; receipts carry the number of the next closure.
   int closures = 0;
   /// Gross sales of all closed days.
   Cents grandTotal = 0;
-  /// The latest closure's report, as it was printed.
+  /// The latest closure's report, as printed.
   std::vector<PaperLine> lastReport;
   bool isDayOpen = false;
-  /// When the open day began, in minutes of the calendar.
+  /// When the open day started, in minutes of the calendar.
   std::int64_t dayOpened = 0;
   DayTotals day;
-  /// Given to receipts when they open, anew every day; a cancelled receipt keeps its number.
+  /// The number of the latest receipt, given when it is opened; restarts every day. A cancelled receipt keeps its
+  /// number.
   int lastReceiptNumber = 0;
   std::optional<Receipt> receipt;
   std::optional<CashDocument> cashDocument;
 
-  /// Books the open receipt, which is fully paid, and ends it.
+  /// Books the open receipt, which is fully paid, and closes it.
   void closeReceipt();
   void cancelReceipt();
   void closeCashDocument();
-  /// Begins a new day.
+  /// Starts a new day.
   void closeDay();
-  /// Why nothing can be done that waits for the end of a document: kOk when none is open.
+  /// Why nothing can be done that requires the document to be finished; kOk if none is open.
   Code documentProblem() const;
-  /// Why nothing can be changed that stands for a whole day: kOk between days.
+  /// Why nothing can be changed that applies to a whole day; kOk between days.
   Code dayProblem() const;
-  /// What receipts may still sell today.
+  /// The amount that receipts may still sell today.
   Cents dayRest() const { return limits.day - sumOf(day.gross); }
   /// The fiscal status byte.
   std::uint8_t status() const;
@@ -118,7 +119,7 @@ struct FiscalState {
   void endReceipt();
 };
 
-/// Letters and digits, 1 to 20: it becomes part of file names.
+/// Whether `text` is 1 to 20 letters and digits: it becomes part of file names.
 bool isSerialNumber(std::string_view text);
 
 }  // namespace mirvane::emulator

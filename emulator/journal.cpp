@@ -38,7 +38,7 @@ std::string padding(std::size_t room, std::size_t position) {
   // The last line may be a byte longer than the others.
   if (number > 0 && room - number * kPadLine < 2) --number;
   const std::size_t start = number * kPadLine;
-  // What a whole line would leave must hold a line end.
+  // The rest after a complete line must have room for a line end.
   const std::size_t width = room - start <= kPadLine + 1 ? room - start - 2 : kPadLine - 2;
   std::string line = "* " + std::to_string(number + 1) + " ";
   line.resize(width, '*');
@@ -105,7 +105,7 @@ const Tape& Journal::tapeOf(const Prepared& file) const {
 
 std::size_t Journal::sizeOf(const Prepared& file) const {
   if (file.source == Prepared::Source::kText) return file.text.size();
-  // Less than a line end is not filled up.
+  // Less than a line end is not padded.
   return file.padding >= file.size + 2 ? file.padding : file.size;
 }
 

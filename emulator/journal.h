@@ -13,14 +13,14 @@
 
 namespace mirvane::emulator {
 
-/// Bytes that grow at their end, of which parts are read.
+/// Bytes that grow at the end and are read in parts.
 class Tape {
  public:
   virtual ~Tape() = default;
 
   virtual void append(std::string_view bytes) = 0;
   virtual std::size_t size() const = 0;
-  /// `count` bytes from `position` on; fewer only at the end.
+  /// `count` bytes from `position`; fewer only at the end.
   virtual std::string read(std::size_t position, std::size_t count) const = 0;
   virtual void clear() = 0;
 };
@@ -36,8 +36,8 @@ class Signature {
   std::size_t size_ = 0;
 };
 
-/// The electronic journal: what was printed since the last closure, for the till to fetch as files, piece by piece.
-/// It holds code page 1253, its lines end with CR LF, and there is no "/" in it: that would end a field of the reply.
+/// The electronic journal: everything printed since the last closure, which the till fetches as files, piece by piece.
+/// It is in code page 1253, its lines end with CR LF, and it contains no "/", which would end a field of the reply.
 class Journal {
  public:
   struct File {
@@ -47,32 +47,32 @@ class Journal {
   struct Options {
     /// The longest piece in bytes, at least 1.
     std::size_t pieceSize = 1000;
-    /// The file of printed text is filled up with lines to this many bytes.
+    /// The file of printed text is padded with lines to this many bytes.
     std::size_t padding = 0;
-    /// Takes each file of a closing when it is ready. False when it cannot be kept.
+    /// Receives each file of a closing when it is ready; false if it cannot be stored.
     std::function<bool(const File&)> keep;
   };
   Options options;
 
   Journal();
-  /// What is recorded from now on goes to these tapes, which hold what belongs before it. They are in memory otherwise.
+  /// From now on the journal is kept on these tapes, which already hold its beginning. The default is in memory.
   void keepOn(std::unique_ptr<Tape> printed, std::unique_ptr<Tape> signatures);
 
   static void appendLine(std::string& bytes, TextView line);
 
-  /// Takes one printed line.
+  /// Records one printed line.
   void record(TextView line);
   void beginReceipt() { memory_.receiptStart = printed_->size(); }
-  /// Adds a line of `particulars` and the signature of what was printed since `beginReceipt`.
+  /// Adds a line of `particulars` and the signature of everything printed since `beginReceipt`.
   void signReceipt(TextView particulars);
 
-  /// True once the preparation of a closing is over: it takes a few calls.
+  /// True once the preparation of a closing is finished, which takes a few calls.
   bool advancePreparation();
-  /// Makes the files ready for reading, from their beginning: `name` with "_a.txt" the printed text, "_b.txt" the
-  /// receipts' signatures, "_s.txt" the summary.
+  /// Prepares the files for reading from the beginning: `name` with "_a.txt" has the printed text, with "_b.txt" the
+  /// receipts' signatures, with "_s.txt" the summary.
   void prepare(const std::string& name, std::string summary);
-  /// As `prepare`; the files then stay as they are until `startAnew`. False, and nothing prepared, when `options.keep`
-  /// failed.
+  /// As `prepare`; the files then stay unchanged until `startAnew`. Returns false, with nothing prepared, if
+  /// `options.keep` failed.
   bool prepareClosing(const std::string& name, std::string summary);
   void rewind();
   void startAnew();
@@ -81,18 +81,18 @@ class Journal {
   bool isClosing() const { return memory_.isClosing; }
   /// A closing's journal was read to its end at least once.
   bool isTransferred() const { return memory_.isClosing && memory_.isTransferred; }
-  /// Of the printed text and the receipts' signatures of a closing.
+  /// Signature of a closing's printed text and receipts' signatures.
   const std::string& signature() const { return memory_.signature; }
 
   struct Step {
     enum class State : char { kFileBegins = '0', kPiece = '1', kFileEnds = '2', kJournalEnds = '3' } state;
     std::string piece, fileName;
   };
-  /// The next step of reading what is prepared, nothing just after it was. The last file ends with the journal, which
-  /// is then told again and again.
+  /// The next step of reading; nothing directly after a preparation. After the end the last step is returned again and
+  /// again.
   std::optional<Step> read();
 
-  /// A file that is ready: the beginning of a tape, filled up with lines to `padding` bytes; or a text.
+  /// A prepared file: the beginning of a tape, padded with lines to `padding` bytes; or a text.
   struct Prepared {
     enum class Source { kPrinted, kSignatures, kText };
     std::string name;
@@ -100,7 +100,7 @@ class Journal {
     std::size_t size = 0, padding = 0;
     std::string text;
   };
-  /// All that outlives a power cut beside the tapes. A reading begins anew when the power is back.
+  /// Everything apart from the tapes that survives a power cut. Reading restarts when the power returns.
   struct Memory {
     std::size_t receiptStart = 0;
     int preparationCalls = 0;
@@ -111,13 +111,13 @@ class Journal {
   };
   const Memory& memory() const { return memory_; }
   void recall(Memory memory);
-  /// Whether the tapes hold all that `memory` tells of.
+  /// Whether the tapes hold everything that `memory` refers to.
   bool holds(const Memory& memory) const;
 
  private:
   const Tape& tapeOf(const Prepared& file) const;
   std::size_t sizeOf(const Prepared& file) const;
-  /// At most `count` bytes of the file, from `position` on.
+  /// At most `count` bytes of the file from `position`.
   std::string read(const Prepared& file, std::size_t position, std::size_t count) const;
   std::vector<Prepared> filesNow(const std::string& name, std::string summary) const;
 

@@ -13,7 +13,7 @@ namespace {
 using Kind = Fault::Kind;
 using At = Fault::At;
 
-// Longer than any frame of a till.
+// Longer than any frame that a till sends.
 constexpr std::size_t kLongestFrame = 65'536;
 constexpr char kFrameEnds[] = {wire::kEtx, wire::kStx, wire::kEnq, wire::kCan, '\0'};
 
@@ -76,7 +76,7 @@ void Line::feed(std::string_view bytes, const std::string& peer) {
     rest.remove_prefix(length);
   }
   if (rest.empty() || isUnplugged_) return;
-  // What a datagram lacks does not come any more.
+  // The missing part of a datagram never arrives.
   if (isNetwork()) {
     carry(std::string(rest), peer);
   } else {
@@ -102,7 +102,7 @@ Fault Line::faultFor(const std::string& unit, const std::string& peer) {
 }
 
 void Line::arriveAfter(std::uint32_t delay, const std::string& bytes, const std::string& peer) {
-  // The bytes of a serial line keep their order, and datagrams do not.
+  // Bytes on a serial line keep their order; datagrams do not.
   const bool waits = !isNetwork() && !held_.empty();
   if (delay == 0 && !waits) return arrive(bytes, peer);
   double due = elapsed_() + delay / 1000.0;
@@ -220,7 +220,7 @@ void Line::sendReply(std::string reply, const Fault& fault) {
       reply = std::string{wire::kStx, reply[1], reply[2], wire::kEtx};
       break;
     case Kind::kStatus:
-      // A reply that a rule has put in another's place may be shorter than any true one.
+      // A reply that a rule has substituted may be shorter than any real one.
       if (reply.size() >= 6) reply.replace(4, 2, fault.bytes);
       break;
     case Kind::kEndless: {

@@ -11,79 +11,77 @@
 
 namespace mirvane::emulator {
 
-/// Where a line puts its bytes.
+/// Where a line sends its bytes.
 class Outlet {
  public:
   virtual ~Outlet() = default;
 
-  /// What is sent or dropped from now on is `peer`'s; on a line with one till at its end there is none but the empty
-  /// one.
+  /// From now on bytes are sent to or dropped for `peer`; on a line with one till the peer is always empty.
   virtual void turnTo(const std::string& /*peer*/) {}
-  /// Sends `bytes`, on a network as one datagram, no sooner than `delay` milliseconds from now.
+  /// Sends `bytes`, on a network as one datagram, at least `delay` milliseconds from now.
   virtual void send(std::string_view bytes, std::uint32_t delay) = 0;
-  /// Sends `bytes` `delay` milliseconds from now, as a network does that has kept a copy: nothing that is sent waits
-  /// for it, and it is not dropped.
+  /// Sends `bytes` after `delay` milliseconds like a copy kept by the network: nothing waits for it, and it is not
+  /// dropped.
   virtual void sendCopy(std::string_view bytes, std::uint32_t delay) = 0;
-  /// The till begins anew: what has not been sent to it yet is not sent any more.
+  /// The till starts over: what has not been sent to it yet is dropped.
   virtual void drop() = 0;
-  /// What has not been sent yet is sent now. True when the line vanishes behind it.
+  /// Sends at once what has not been sent yet; true if the line disappears after it.
   virtual bool hurry() = 0;
-  /// The line vanishes `delay` milliseconds from now, in its turn behind what is sent, with whatever comes in or waits
-  /// to go out then. It comes back under the same name when `length` further milliseconds have passed.
+  /// The line disappears after `delay` milliseconds, in turn after what is sent, together with everything then in
+  /// transit. It comes back under the same name after `length` more milliseconds.
   virtual void unplug(std::uint32_t delay, std::uint32_t length) = 0;
 };
 
-/// What stands at the register's end of a link.
+/// The register's end of a link.
 class Receiver {
  public:
   virtual ~Receiver() = default;
 
-  /// Takes bytes as they come from `peer`, who gets the answers; on a network, one datagram.
+  /// Receives bytes from `peer`, who gets the answers; on a network, one datagram.
   virtual void feed(std::string_view bytes, const std::string& peer) = 0;
-  /// Takes what rules have held up on its way and is due now. Seconds until there is more; infinity when there is none.
+  /// Receives what rules have delayed and is now due. Returns the seconds until the next; infinity if there is none.
   virtual double takeHeld() { return std::numeric_limits<double>::infinity(); }
 };
 
-/// How many bytes the first unit has of what a till sends: a frame, a frame that was broken off, or a byte outside of
-/// any; 0 when the frame is not whole yet.
+/// Number of bytes of the first unit in what a till sends: a frame, an interrupted frame, or a byte outside of frames;
+/// 0 if the frame is incomplete.
 std::size_t unitLength(std::string_view bytes);
 
-/// A frame of the till, and what came of it. With a fault that is not at the answer: what a rule has struck on its way.
+/// A frame of the till and its outcome. With a fault that is not at the answer: what a rule has hit in transit.
 struct Exchange {
-  /// Bare, code page 1253; empty for a frame that was spoiled, and for an ENQ.
+  /// Without frame and checksum, code page 1253; empty for a damaged frame and for an ENQ.
   std::string command;
-  /// The register's own, bare, whatever then happened to it on the wire; empty when it made none.
+  /// The register's own reply without frame, whatever then happened to it on the wire; empty if there was none.
   std::string reply;
   Fault fault;
-  /// The command had been executed before.
+  /// The command was executed before.
   bool isRepeat = false;
-  /// Who sent it; empty on a line with one till at its end.
+  /// The sender; empty on a line with one till.
   std::string peer = {};
 };
 
-/// Looks on at a line.
+/// Observes a line.
 class Witness {
  public:
   virtual ~Witness() = default;
 
-  /// What `exchange` tells has happened; nothing of it has been sent yet.
+  /// `exchange` has taken place; nothing of the answer has been sent yet.
   virtual void answered(const Exchange& exchange) = 0;
-  /// The till has told that it has the reply.
+  /// The till has acknowledged the reply.
   virtual void acknowledged() = 0;
 };
 
-/// The device's side of one link to a till.
+/// The register's side of one link to a till.
 ///
-/// A till that has missed a reply sends the same frame again. So a frame identical to the one executed last is
-/// answered with that one's reply, and not executed again, until an ACK has told that the reply arrived. All peers
-/// share this memory.
+/// A till that missed a reply sends the same frame again. A frame identical to the last one executed therefore gets
+/// that one's reply and is not executed again, until an ACK shows that the reply arrived. All peers share this memory.
 class Line : public Receiver {
  public:
-  /// What an ACK is sent for, before the reply: nothing on a serial line; on a network there are registers that
-  /// acknowledge each frame, and others that acknowledge the ENQ ahead of it.
+  /// What is acknowledged before the reply: nothing on a serial line; on a network some registers acknowledge each
+  /// frame, others the ENQ before it.
   enum class Acknowledges { kNothing, kFrame, kEnq };
 
-  /// A longer command is answered with "field too long", whatever it says.
+  /// A longer command is answered with "field too long", whatever it contains.
   static constexpr std::size_t kLongestCommand = 4096;
 
   Line(Device& device, Faults& faults, Outlet& outlet, Acknowledges acknowledges, ElapsedClock elapsed);
@@ -96,16 +94,16 @@ class Line : public Receiver {
     bool awaitsAck = false;
   };
   const Memory& memory() const { return memory_; }
-  /// As if `memory` had been the latest.
+  /// Restores `memory` as the latest.
   void setMemory(Memory memory) { memory_ = std::move(memory); }
 
   void feed(std::string_view bytes, const std::string& peer) override;
   double takeHeld() override;
-  /// What is on its way never arrives.
+  /// Loses everything in transit.
   void dropHeld() { held_.clear(); }
 
  private:
-  /// What the till has sent and has not arrived yet.
+  /// Something the till has sent that has not arrived yet.
   struct Held {
     double due;
     std::string bytes, peer;
@@ -128,11 +126,11 @@ class Line : public Receiver {
   const Acknowledges acknowledges_;
   const ElapsedClock elapsed_;
 
-  /// The beginning of a frame that is on its way; a serial line brings it in pieces.
+  /// The beginning of a frame that has not fully arrived; a serial line delivers it in pieces.
   std::string unfinished_;
-  /// By the time at which they are due.
+  /// In the order in which they are due.
   std::deque<Held> held_;
-  /// Who sent what is taken now.
+  /// Sender of the bytes being processed.
   std::string peer_;
   bool isInFrame_ = false;
   bool isUnplugged_ = false;

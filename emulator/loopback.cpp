@@ -163,7 +163,7 @@ platform::Granted LoopbackSockets::connect(std::int32_t handle, const std::strin
 
 platform::Granted LoopbackSockets::send(std::int32_t handle, std::string_view bytes) {
   if (handle != handle_ || !isConnected_) return false;
-  // A datagram to a line that is away is lost, and nobody is told.
+  // A datagram to an unplugged line is silently lost.
   if (mailbox_.isPlugged()) end_->feed(bytes, mailbox_.owner);
   return true;
 }

@@ -8,11 +8,11 @@
 #include "emulator/replay.h"
 #include "platform/ports.h"
 
-// The shortest way from a driver to the device: in process, without threads. What is written reaches the device within
-// the call, and what it answers can be read at once, or when `clock` has come to its time.
+// The shortest way from a driver to the register: in process, without threads. Bytes reach the register within the
+// call, and its answer can be read at once, or when `clock` has reached its time.
 namespace mirvane::emulator {
 
-/// Holds what the device sent until it is due.
+/// Holds what the register has sent until it is due.
 class Mailbox : public Outlet {
  public:
   explicit Mailbox(platform::Clock& clock) : clock_(clock) {}
@@ -24,25 +24,25 @@ class Mailbox : public Outlet {
   bool hurry() override;
   void unplug(std::uint32_t delay, std::uint32_t length) override;
 
-  /// Whose letters are kept: what is sent to other peers is lost.
+  /// The only peer whose bytes are kept; those for others are lost.
   std::string owner;
   bool hasDue();
-  /// False while the line is away.
+  /// False while the line is unplugged.
   bool isPlugged();
-  /// How often the line has vanished.
+  /// How often the line has disappeared.
   int unpluggings();
   struct Letter {
     double due;
     std::string bytes;
     bool isCopy;
-    /// The line vanishes for so many seconds.
+    /// The line disappears for this many seconds.
     std::optional<double> away = {};
   };
   std::deque<Letter>& letters() { return letters_; }
 
  private:
   void add(Letter letter);
-  /// Lets the line vanish when its time has come.
+  /// Makes the line disappear when its time has come.
   void settle();
 
   platform::Clock& clock_;
@@ -53,12 +53,12 @@ class Mailbox : public Outlet {
   std::deque<Letter> letters_;
 };
 
-/// A serial line with the device at its end. It can be opened under any name, once at a time, and works when
-/// configured as the device's line is. After it has vanished, it works when it is closed and opened again.
+/// A serial line with the register at its end. It can be opened under any name, once at a time, and works if configured
+/// like the register's line. After it has disappeared, it works once it is closed and reopened.
 class LoopbackPort : public platform::SerialPort {
  public:
   LoopbackPort(Device& device, Faults& faults, platform::Clock& clock);
-  /// With the register of a record at its end.
+  /// With a replayed record at its end.
   LoopbackPort(Replay& replay, platform::Clock& clock);
 
   platform::Attempt<std::int32_t> open(TextView name) override;
@@ -79,14 +79,14 @@ class LoopbackPort : public platform::SerialPort {
   std::unique_ptr<Receiver> end_;
   std::int32_t handle_ = 0;
   std::int32_t lastHandle_ = 0;
-  /// The line has vanished so often when it was opened.
+  /// How often the line had disappeared when it was opened.
   int unpluggings_ = 0;
   bool isConfigured_ = false;
   platform::LineTimeouts timeouts_{};
   std::string input_;
 };
 
-/// A network with the device at every address. Each socket is a peer.
+/// A network with the register at every address. Each socket is a peer.
 class LoopbackSockets : public platform::DatagramSockets {
  public:
   LoopbackSockets(Device& device, Faults& faults, platform::Clock& clock,
@@ -106,7 +106,7 @@ class LoopbackSockets : public platform::DatagramSockets {
   platform::Clock& clock_;
   Mailbox mailbox_;
   std::unique_ptr<Receiver> end_;
-  /// One socket at a time: 0 when there is none.
+  /// One socket at a time; 0 if there is none.
   std::int32_t handle_ = 0;
   std::int32_t lastHandle_ = 0;
   bool isConnected_ = false;

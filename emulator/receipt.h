@@ -26,22 +26,22 @@ struct Item {
   std::size_t vat;
   int category;
 
-  /// What the line adds to the receipt; negative for a void and a refund.
+  /// What the line adds to the receipt; negative for a void or a refund.
   Cents amount() const { return kind == ItemKind::kSale ? lineAmount(quantity, price) : -lineAmount(quantity, price); }
 };
 
-/// A discount or a mark-up, of the latest item or of the subtotal.
+/// A discount or a mark-up on the latest item or on the subtotal.
 struct Adjustment {
   bool isDiscount;
   bool isOnItem;
-  /// That the latest item must be of, when it is on an item.
+  /// Department that the latest item must have, for an adjustment of an item.
   int department;
   Text description, comment;
   /// Above 0.
   Cents amount;
-  /// How the VAT categories share it, none below 0; all 0 when it is on an item, whose category takes it.
+  /// The share of each VAT category, none below 0; all 0 for an item, whose category takes the whole amount.
   VatSums shares{};
-  /// The item that it is on.
+  /// Index of the item that it applies to.
   std::size_t item = 0;
 
   /// What it adds to the receipt.
@@ -52,30 +52,30 @@ struct Payment {
   /// 1 cash, 2 and 4 card, 3 cheque.
   int number;
   Text description, secondDescription;
-  /// As tendered; a cash payment of 0 stands for the rest.
+  /// As tendered; a cash payment of 0 pays the remaining amount.
   Cents amount;
-  /// The card terminal that it goes through; 0 for none.
+  /// The card terminal; 0 for none.
   int terminal = 0;
-  /// The number under which that one has approved it.
+  /// The number with which the terminal approved it.
   int approval = 0;
 
   bool isCard() const { return number == 2 || number == 4; }
 };
 
-/// An open receipt. Prices contain the VAT. A refused operation changes nothing.
+/// An open receipt. Prices include VAT. A refused operation changes nothing.
 class Receipt {
  public:
   static constexpr std::size_t kMostLines = 500;
 
   explicit Receipt(int number = 0) : number_(number) {}
 
-  /// A void takes back what this receipt sold, so no VAT category may fall below zero by it; nor by a refund, which
-  /// may not make the whole receipt negative either. The limits are those of the total and of what the day can take.
+  /// A void cancels what this receipt sold, so no VAT category may fall below zero; a refund may not make a category or
+  /// the whole receipt negative. The limits are for the total and for the rest of the day.
   Code add(const Item& item, Cents receiptLimit, Cents dayLimit);
   Code adjust(const Adjustment& adjustment, Cents receiptLimit, Cents dayLimit);
-  /// More than what remains gives change, from anything but a card. Once begun, payment ends only by paying all.
+  /// More than the remaining amount gives change, except on a card. Once started, payment ends only when all is paid.
   Code pay(const Payment& payment);
-  /// Why `pay` would refuse: kOk when it would not.
+  /// Why `pay` would refuse; kOk if it would not.
   Code paymentProblem(const Payment& payment) const;
 
   int number() const { return number_; }
@@ -91,7 +91,7 @@ class Receipt {
   bool isCardTaken() const;
   bool isFull() const { return items_.size() + adjustments_.size() >= kMostLines; }
 
-  /// Hands all that outlives a power cut to `visit(name, member)`.
+  /// Passes everything that survives a power cut to `visit(name, member)`.
   template <class Visitor>
   void visitMemory(Visitor&& visit) {
     visit("number", number_);
@@ -107,7 +107,7 @@ class Receipt {
  private:
   int number_;
   std::vector<Item> items_;
-  /// The latest item's amount with its adjustments.
+  /// The latest item's amount including its adjustments.
   Cents latestAmount_ = 0;
   std::vector<Adjustment> adjustments_;
   std::vector<Payment> payments_;

@@ -168,7 +168,7 @@ void printCashDocument(Register& machine, TextView description) {
   const CashDocument& document = *machine.fiscal.cashDocument;
   beginDocument(machine, document.isIn ? Document::Kind::kCashIn : Document::Kind::kCashOut);
   printHeader(machine.paper, machine.fiscal);
-  machine.paper.centred(document.isIn ? u"ΕΙΣΠΡΑΞΗ" : u"ΠΛΗΡΩΜΗ");
+  machine.paper.centred(document.isIn ? u"ΚΑΤΑΘΕΣΗ" : u"ΑΝΑΛΗΨΗ");
   machine.paper.rule();
   machine.paper.pair(description, printedAmount(document.amount) + u"  ");
 }

@@ -13,14 +13,14 @@
 
 namespace mirvane::emulator {
 
-/// The customer's display: two lines of twenty characters.
+/// The customer display: two lines of twenty characters.
 using Display = std::array<Text, 2>;
 
 using LocalClock = std::function<platform::LocalTime()>;
 /// Seconds from any fixed moment.
 using ElapsedClock = std::function<double()>;
 
-/// The parts of the machine that commands act on.
+/// The parts of the register on which commands act.
 struct Register {
   FiscalState fiscal;
   Paper paper;
@@ -33,11 +33,11 @@ struct Register {
   CardPayments cards{};
   Conditions conditions{};
 
-  /// Why the machine can book nothing at all: kOk when it can.
+  /// Why nothing can be booked at all; kOk if it can.
   Code machineProblem() const;
-  /// Why no receipt and no cash document can begin: kOk when one can.
+  /// Why no receipt and no cash document can be started; kOk if one can.
   Code beginProblem() const;
-  /// A receipt or a cash document has begun.
+  /// Call this when a receipt or a cash document is started.
   void openDay();
 };
 

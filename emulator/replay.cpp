@@ -13,8 +13,8 @@ using recorder::EventKind;
 using Step = Replay::Step;
 
 constexpr std::uint32_t kLongest = 86'400'000;  // milliseconds
-// A till on the network looks every half second for a reply that does not come at once. Sent in the middle between two
-// looks, it is found at the one that found it then.
+// A till on the network checks every half second for a reply that does not come at once. A reply sent halfway between
+// two checks is found by the same check as then.
 constexpr std::int64_t kBetweenLooks = 250;
 
 const std::string kAck{wire::kAck};
@@ -69,7 +69,7 @@ class Script {
   bool isInCall = false;
 
  private:
-  // The exchange is over. What was found later had been there before the till looked.
+  // The exchange is over. What was found later was there before the till checked.
   bool isIdle() const { return lastUnit_ == kAck; }
   bool isAway() const { return !steps.empty() && steps.back().kind == Step::Kind::kAway; }
 
@@ -92,13 +92,13 @@ class Script {
     }
   }
 
-  // What nobody had asked for yet, as at the beginning of a record that goes on from another, reaches nobody.
+  // Skips what was not asked for, as at the beginning of a record that continues another one.
   void addReceived(const Event& event, std::size_t line, std::int64_t delay) {
     if (steps.empty() || isAway()) return;
     steps.push_back({Step::Kind::kReceived, line, event.text, span(delay)});
   }
 
-  // An answer that the till did not take for a whole one has the time at which it gave up waiting for more.
+  // An answer that the till did not accept as complete has the time at which it stopped waiting for more.
   void halveLastDelay() {
     if (!steps.empty() && steps.back().kind == Step::Kind::kReceived) steps.back().delay /= 2;
   }
@@ -114,7 +114,7 @@ class Script {
     steps.push_back({Step::Kind::kAway, line, {}, isIdle() ? 0 : delay, kLongest});
   }
 
-  // It came back between the last time that it was not found and the first that it was.
+  // It came back between the last attempt that did not find it and the first that did.
   void addFound(std::int64_t time) { steps.back().length = span((notFoundAt_ + time) / 2 - awaySince_); }
 
   void addOpen(const Event& event) {
@@ -132,7 +132,7 @@ class Script {
   bool isNetwork_ = false;
 };
 
-// What sets the server, and what asks for it.
+// The commands that set and read the server.
 bool holdsKey(std::string_view frame) {
   const std::string_view command = frame.substr(std::min<std::size_t>(frame.size(), 1));
   return command.starts_with("]/") || command.starts_with(",/");
@@ -147,7 +147,7 @@ Replay::Replay(std::string_view record) {
     std::string_view text = record.substr(0, end);
     if (text.ends_with('\r')) text.remove_suffix(1);
     auto event = recorder::parsedEvent(text);
-    if (line == 1 && !event) throw ReplayError("no flight record");
+    if (line == 1 && !event) throw ReplayError("not a flight record");
     const std::string here = " line " + std::to_string(line);
     if (end == record.size()) {
       cut_ = "it is cut off in" + here;
@@ -163,12 +163,12 @@ Replay::Replay(std::string_view record) {
   }
   if (cut_.empty() && script.isInCall) cut_ = "it ends within a call";
   steps_ = std::move(script.steps);
-  if (steps_.empty()) throw ReplayError("nothing that a till sent is in this record");
+  if (steps_.empty()) throw ReplayError("the record contains nothing that a till sent");
 }
 
 void Replay::feed(std::string_view bytes, Outlet& outlet) {
   if (end_ == End::kAsRecorded) differ(secrets_.maskedSent(bytes, holdsKey(bytes)));
-  // What is sent to a line that breaks reached nobody, then as now.
+  // Bytes sent to a line that breaks are lost, then as now.
   if (end_ || outlet.hurry()) return;
   pending_ += bytes;
   while (!end_) {
@@ -199,7 +199,7 @@ void Replay::take(const std::string& unit, Outlet& outlet) {
   if (next_ < steps_.size()) return;
   const std::string lines = "as recorded, up to line " + std::to_string(lastLine_);
   if (cut_.empty()) return finish(End::kAsRecorded, lines + ", the end");
-  finish(End::kCut, lines + ", where the record is not whole: " + cut_);
+  finish(End::kCut, lines + ", where the record is incomplete: " + cut_);
 }
 
 void Replay::stop() {

@@ -12,49 +12,49 @@
 
 namespace mirvane::emulator {
 
-/// A text is no flight record, or nothing can be played out of it. The text tells why.
+/// A text is not a flight record, or has nothing to replay. The text says why.
 struct ReplayError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Plays the register's part out of a flight record (recorder/record_line.h): the same till, run again, sees what it
-/// saw then.
+/// Replays the register's side of a flight record (recorder/record_line.h): the same till, run again, sees what it saw
+/// then.
 ///
-/// What the till sends is compared with the record, frame by frame and control byte by control byte, however it is cut
-/// into pieces; secrets count as equal. When it has sent what stands before an answer, the answer follows after the
-/// time that it took then. Where the line broke it vanishes, and comes back when it was found again. Times at which the
-/// till was idle are not waited for.
+/// What the till sends is compared with the record, frame by frame and control byte by control byte, however it is
+/// split; secrets count as equal. When the till has sent what precedes an answer, the answer follows after the time it
+/// took then. Where the line broke it disappears, and it comes back at the recorded moment. Pauses of the till are
+/// skipped.
 class Replay {
  public:
   enum class End {
     kAsRecorded,
-    kDifferent,  ///< the till sent something else, or not all
-    kCut,        ///< as recorded, but the record is not whole: nothing is known of what came then
+    kDifferent,  ///< the till sent something else, or not everything
+    kCut,        ///< as recorded, but the record is incomplete: what followed is unknown
   };
 
   /// Throws ReplayError.
   explicit Replay(std::string_view record);
 
-  /// Takes bytes of the till, in pieces of any size, and answers them through `outlet`. A till that goes on behind the
-  /// end of a whole record is different.
+  /// Receives bytes of the till, in pieces of any size, and answers through `outlet`. A till that continues after the
+  /// end of a complete record is different.
   void feed(std::string_view bytes, Outlet& outlet);
-  /// The till is not coming any more: what it has not sent is a difference.
+  /// The till has gone: what it has not sent is a difference.
   void stop();
 
-  /// How it ended; nothing as long as the till is to send more.
+  /// How the replay ended; nothing while the till still has to send something.
   std::optional<End> end() const { return end_; }
-  /// The end for whoever started the replay, with the record's lines. It ended.
+  /// The outcome for the user, with line numbers of the record. Only after the end.
   const std::string& report() const { return report_; }
-  /// Milliseconds until the last of what was sent to the outlet leaves, counted from when it was sent.
+  /// Milliseconds until the last answer leaves, counted from when it was sent to the outlet.
   std::uint32_t lastDelay() const { return lastDelay_; }
 
   struct Step {
     enum class Kind { kSent, kReceived, kAway };
     Kind kind;
-    /// Of the record, from 1.
+    /// Line of the record, from 1.
     std::size_t line;
     std::string bytes;
-    /// Milliseconds after what was sent before, and for how many more the line is away.
+    /// Milliseconds after the previous answer; for how many more the line is unplugged.
     std::uint32_t delay = 0, length = 0;
   };
 
@@ -66,7 +66,7 @@ class Replay {
   std::vector<Step> steps_;
   std::size_t next_ = 0;
   std::size_t lastLine_ = 0;
-  /// Why the record is not whole, if it is not.
+  /// Why the record is incomplete; empty if it is complete.
   std::string cut_;
   std::string pending_;
   recorder::Secrets secrets_;

@@ -2,15 +2,15 @@
 
 #include "emulator/register.h"
 
-// What the reports of the register look like on its paper.
+// The layout of the register's reports.
 namespace mirvane::emulator {
 
 /// The day's totals by VAT category, kind of document, payment, department and category.
 void printDayTotals(Paper& paper, const FiscalState& fiscal);
 void printXReport(Register& machine);
-/// The report that closes the day, kept for printing it once more.
+/// The report that closes the day; kept for printing it again.
 void printZReport(Register& machine);
-/// The latest Z report once more.
+/// Prints the latest Z report again.
 void printZReportCopy(Register& machine);
 
 }  // namespace mirvane::emulator

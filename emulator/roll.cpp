@@ -3,7 +3,7 @@
 namespace mirvane::emulator {
 
 void Roll::begin(Document document) {
-  // What stood open is over: a note, or a report.
+  // Ends an open note or report.
   if (isOpen_) end(Document::State::kClosed);
   document.id = ++lastId_;
   documents_.push_back(std::move(document));

@@ -14,45 +14,45 @@ namespace mirvane::emulator {
 /// In hundredths of a percent: 2400 is 24 %.
 using VatRates = std::array<std::int64_t, kVatCategories>;
 
-/// What was printed as one: a receipt, a report, or what stands between such.
+/// One printed document: a receipt, a report, or whatever is printed between them.
 struct Document {
   enum class Kind { kReceipt, kCashIn, kCashOut, kReport, kNote };
   enum class State { kOpen, kClosed, kCancelled };
 
-  /// Counts from 1, and on through the days.
+  /// Counts from 1, across days.
   int id = 0;
   Kind kind = Kind::kNote;
   State state = State::kOpen;
-  /// Of a receipt: its number within the day.
+  /// For a receipt: its number within the day.
   int number = 0;
-  /// Of the Z report that closes, or will close, its day.
+  /// Number of the Z report that closes, or will close, its day.
   int closure = 0;
   platform::LocalTime time{};
   std::vector<PaperLine> lines;
-  /// Of a receipt that has ended: what it held, and the rates that it was sold at.
+  /// For a finished receipt: its content, and the rates at which it was sold.
   std::optional<Receipt> receipt;
   VatRates vatRates{};
 };
 
-/// The paper that has come out of the register, document by document.
+/// The printed paper, document by document.
 class Roll {
  public:
-  /// Older documents are forgotten.
+  /// Older documents are dropped.
   static constexpr std::size_t kMostDocuments = 5000;
 
   void begin(Document document);
   void end(Document::State state, std::optional<Receipt> receipt = {});
-  /// A line outside of any document begins a note; feeds and cuts there belong to what is printed already.
+  /// A line outside of any document starts a note; feeds and cuts there belong to the document before.
   void print(const PaperLine& line);
 
-  /// Forgets all documents; the ids go on.
+  /// Drops all documents; ids continue.
   void clear();
 
-  /// Oldest first; their ids follow one another.
+  /// Oldest first, with consecutive ids.
   const std::deque<Document>& documents() const { return documents_; }
-  /// The one with `id`; none when it is forgotten, or not there yet.
+  /// The document with `id`; null if it was dropped or does not exist yet.
   const Document* find(int id) const;
-  /// Of the oldest one, or of the first one to come.
+  /// Id of the oldest one, or of the next if there is none.
   int firstId() const { return documents_.empty() ? lastId_ + 1 : documents_.front().id; }
 
  private:

@@ -6,7 +6,7 @@
 
 namespace mirvane::emulator {
 
-/// How the register works. What has no effect on its paper, display or drawer is only kept.
+/// The register's settings. Those without effect on its paper, display or drawer are only stored.
 struct Settings {
   int printerId = 1;
   Text printerDescription = u"MIRVANE";
@@ -22,7 +22,7 @@ struct Settings {
   bool usesDisplay = true;
 };
 
-/// Where the tax authority's server is reached. The addresses stand as on the wire, with "~" for "/".
+/// The tax authority's server. Addresses are as on the wire, with "~" for "/".
 struct ServerSettings {
   bool isActive = false;
   std::string url, port, key, qrUrl;

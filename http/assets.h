@@ -4,7 +4,8 @@
 
 namespace mirvane::http {
 
-/// A file of a page, inside the program. embed.cmake writes a program's findAsset, which its own header declares.
+/// A file of a page, built into the program. embed.cmake writes each program's findAsset, which the program's own
+/// header declares.
 struct Asset {
   std::string_view path, type, bytes;
 };

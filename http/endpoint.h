@@ -11,14 +11,14 @@ namespace boost::system {
 class error_code;
 }
 
-// Where a server listens, on whichever protocol.
+// Where a server listens, for any protocol.
 namespace mirvane::http {
 
-/// Whether `text` is an address in digits: 127.0.0.1, ::1, [::1].
+/// Whether `text` is a numeric address: 127.0.0.1, ::1, [::1].
 bool isAddress(std::string_view text);
 
-/// "PORT", on 127.0.0.1, or "HOST:PORT": an address in digits, one of IPv6 in brackets, or a name, which is looked up.
-/// Throws std::invalid_argument that names the `option`.
+/// "PORT", on 127.0.0.1, or "HOST:PORT": a numeric address (IPv6 in brackets), or a name, which is resolved. Throws
+/// std::invalid_argument that names the `option`.
 struct Endpoint {
   Endpoint(const std::string& option, const std::string& text);
 
@@ -26,7 +26,7 @@ struct Endpoint {
   std::uint16_t port = 0;
 };
 
-/// As Endpoint reads it.
+/// In the form that Endpoint reads.
 std::string nameOf(const boost::asio::ip::address& address, std::uint16_t port);
 
 /// Why an address cannot be opened.

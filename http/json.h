@@ -39,26 +39,26 @@ class Json {
   Json(std::initializer_list<Member> members);
 
   bool isNull() const { return as<std::nullptr_t>() != nullptr; }
-  /// The value as `Value`, one of bool, double, std::string, List and Object; null when it is of another kind.
+  /// The content as `Value` (bool, double, std::string, List or Object); null if the value is of another kind.
   template <class Value>
   const Value* as() const {
     return std::get_if<Value>(&value_);
   }
-  /// The member of an object; null when there is none, or this is no object.
+  /// The member of an object; null if there is none or this is not an object.
   const Json* find(std::string_view name) const;
 
-  /// Sets a member, behind the others when it is new. What is no object becomes one.
+  /// Sets a member; a new one becomes the last. Turns any other value into an object.
   Json& set(std::string name, Json value);
-  /// Sets all of an object's members.
+  /// Sets all members of `object`.
   Json& update(const Json& object);
   void erase(std::string_view name);
-  /// Adds to a list. What is no list becomes one.
+  /// Appends to a list. Turns any other value into a list.
   void add(Json value);
 
   bool operator==(const Json& other) const;
 
-  /// In UTF-8, whatever the texts hold: U+FFFD stands for each byte that is none. Indented by two blanks a level, or
-  /// on one line.
+  /// The JSON text in UTF-8. U+FFFD replaces each byte of a text that is not UTF-8. Indented by two blanks per level,
+  /// or on one line.
   std::string dump(bool isIndented = true) const;
 
  private:
@@ -72,13 +72,13 @@ struct Json::Member {
   bool operator==(const Member&) const = default;
 };
 
-/// A text is no JSON.
+/// A text is not JSON.
 struct JsonError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Reads `text`, which must be UTF-8, whole, with numbers that a double can hold, without members of the same name and
-/// at most 64 levels deep. Throws JsonError, which tells at which byte.
+/// Parses all of `text`, which must be UTF-8, with numbers that fit a double, no duplicate member names and at most 64
+/// levels. Throws JsonError with the position of the error.
 Json parseJson(std::string_view text);
 
 }  // namespace mirvane::http

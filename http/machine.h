@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-// What the program asks of the system it runs on, beside its loop.
+// What the program needs from the system, apart from its loop.
 namespace mirvane {
 
 /// The program's arguments in UTF-8, without its own name.
@@ -16,18 +16,18 @@ inline std::string utf8Of(const std::filesystem::path& path) {
   const std::u8string text = path.u8string();
   return {text.begin(), text.end()};
 }
-/// Has the console show UTF-8 and not stop the program for a click into it, until the program ends; and has the program
-/// outlive whoever read its output.
+/// Sets the console to UTF-8 and keeps a click into it from stopping the program, until the program ends; and lets the
+/// program outlive the reader of its output.
 void prepareConsole();
-/// Writes to standard output, past the library's own stream, whose lock a write that nobody reads would keep. What
-/// cannot be written is lost.
+/// Writes to standard output without the library's stream, whose lock a blocked write would keep. What cannot be
+/// written is lost.
 void writeOut(std::string_view bytes);
-/// Shows the page to whoever started the program with a double click, where there is such a thing.
+/// Opens the page for a user who double-clicked the program, if the system supports that.
 void openBrowser(const std::string& url);
-/// Keeps a console window that would close with the program until Enter is pressed.
+/// If the console window would close with the program, waits until Enter is pressed.
 void keepConsole();
-/// Whether a port may be opened in spite of connections that linger there from an earlier run. Where it may, a port
-/// that another program listens at is refused all the same.
+/// Whether a port may be opened while connections of an earlier run linger there. Even then a port at which another
+/// program listens is refused.
 bool mayReusePorts();
 
 }  // namespace mirvane

@@ -108,11 +108,11 @@ void refuseTrespass(const Request& request, const std::vector<std::string>& host
                     const std::vector<std::string>& origins) {
   const std::string field = request.header("host");
   if (field.empty() || toUtf8(fromUtf8(field)) != field) throw Refusal(400, "a host name is expected", "header/host");
-  if (!isAllowed(hostOf(field), hosts)) throw Refusal(403, "not under the host name \"" + field + "\"", "header/host");
+  if (!isAllowed(hostOf(field), hosts)) throw Refusal(403, "not served as host \"" + field + "\"", "header/host");
   const std::string origin = small(request.header("origin"));
   const bool isOurs = !request.headers.contains("origin") || origin == "http://" + small(field);
   const bool isListed = std::any_of(origins.begin(), origins.end(), [&](auto& name) { return small(name) == origin; });
-  if (!isOurs && !isListed) throw Refusal(403, "not for pages from elsewhere", "header/origin");
+  if (!isOurs && !isListed) throw Refusal(403, "not for web pages of other origins", "header/origin");
 }
 
 bool isPreflight(const Request& request) {

@@ -11,16 +11,16 @@ namespace mirvane::http {
 
 struct Request {
   std::string method;
-  /// Without the query, and decoded.
+  /// Without the query; decoded.
   std::string path;
   std::map<std::string, std::string> query;
-  /// By their names in small letters.
+  /// By name in lower case.
   std::map<std::string, std::string> headers;
   std::string body;
-  /// The client wants to ask more over the same connection.
+  /// The client wants to send more requests over the same connection.
   bool isKeptAlive = false;
 
-  /// A header's value, empty when there is none.
+  /// A header's value; empty if there is none.
   std::string header(const std::string& name) const;
 };
 
@@ -29,23 +29,23 @@ struct Answer {
   std::string type = "application/json";
   std::string body;
   std::vector<std::pair<std::string, std::string>> headers = {};
-  /// When above 0, another answer may be worth waiting for so long: after any change the request is put again, and
-  /// this one sent when the time is over.
+  /// Above 0: the client waits this many seconds for another answer. After each change the request is handled again;
+  /// this answer is sent when the time is over.
   double waitSeconds = 0;
-  /// The connection becomes a stream of server-sent events: one for every change.
+  /// The connection becomes a stream of server-sent events, one for each change.
   bool isStream = false;
 };
 
 Answer json(const Json& value, int status = 200);
-/// Done, and nothing to tell.
+/// An answer without content.
 Answer nothing();
-/// What tells that a request cannot be followed: a JSON object with `error`, and `where` unless that is empty.
+/// The answer to an invalid request: a JSON object with `error`, and with `where` unless that is empty.
 Answer problem(int status, const std::string& text, const std::string& where = "");
 
-/// Thrown by a handler whose request cannot be followed.
+/// Thrown by a handler for an invalid request.
 struct Refusal : std::runtime_error {
-  /// `where` it lies: "body" and the JSON pointer to the place, as in "body/rule", "query/NAME", "path", "header/NAME",
-  /// or nowhere.
+  /// `where`: "body" and the JSON pointer to the place, as in "body/rule", "query/NAME", "path", "header/NAME", or
+  /// empty.
   Refusal(int answerStatus, const std::string& text, std::string place = "", Json details = Json::Object{})
       : std::runtime_error(text), status(answerStatus), where(std::move(place)), more(std::move(details)) {}
 
@@ -53,26 +53,27 @@ struct Refusal : std::runtime_error {
 
   int status;
   std::string where;
-  /// Further members of the answer.
+  /// Additional members of the answer.
   Json more;
 };
 
-/// `answer` as it goes out. One to HEAD has no body.
+/// `answer` as bytes. An answer to HEAD has no body.
 std::string serialized(const Answer& answer, bool isHead, bool isKeptAlive);
 
-/// "%CE%B1" as the bytes that it stands for; a "%" without two hexadecimal digits stands for itself.
+/// Decodes percent encoding such as "%CE%B1"; a "%" without two hexadecimal digits stays.
 std::string decoded(std::string_view text);
 
-/// Throws the Refusal of a request that is not to be followed. A page from elsewhere, in the same browser, must not
-/// reach a server of this machine: neither under a name of its own that leads here, nor from its own origin. An
-/// address, "localhost" and names that end in ".localhost" are what they say; other names must be among `hosts`, in any
-/// case, and pages of `origins`, such as "https://till.shop", are let in too.
+/// Throws the Refusal for a request that must not be served. A web page from elsewhere in the same browser must not
+/// reach a server on this machine: neither under a host name of its own that leads here, nor from its own origin. An
+/// address, "localhost" and names that end in ".localhost" are always accepted; other names must be in `hosts`,
+/// whatever their case. Pages of `origins`, such as "https://till.shop", are accepted too.
 void refuseTrespass(const Request& request, const std::vector<std::string>& hosts,
                     const std::vector<std::string>& origins = {});
 
-/// Whether a browser asks beforehand what a page of one of the `origins` may do; `refuseTrespass` has let it in.
+/// Whether a browser asks in advance what a page of one of the `origins` may do; call it after `refuseTrespass`.
 bool isPreflight(const Request& request);
-/// Lets the page that asked, which `refuseTrespass` has let in, read `answer`. Nothing for one of the server's own.
+/// Allows the page that asked to read `answer`; call it after `refuseTrespass`. Does nothing for the server's own
+/// pages.
 void allowOrigin(const Request& request, Answer& answer);
 
 }  // namespace mirvane::http

@@ -8,7 +8,7 @@
 
 namespace mirvane::http {
 
-/// Reads one request out of the bytes of a connection.
+/// Parses one request from the bytes of a connection.
 class RequestReader {
  public:
   static constexpr std::size_t kLongestBody = 65'536;
@@ -16,15 +16,15 @@ class RequestReader {
   RequestReader();
   ~RequestReader();
 
-  /// Takes from the front of what has come and was not taken yet, and returns how many bytes it took: none behind the
-  /// request's end, or while a header is not whole.
+  /// Consumes bytes that were not consumed before and returns their number: none after the request's end, or while a
+  /// header is incomplete.
   std::size_t take(std::string_view bytes);
   bool isWhole() const;
-  /// Once: the header is there, and the client waits for a word before it sends the body.
+  /// True once: the header is complete, and the client waits for a go-ahead before it sends the body.
   bool awaitsContinue();
-  /// The bytes are no request that can be taken; what to answer.
+  /// Set if the bytes are not a valid request; what to answer.
   const std::optional<Refusal>& problem() const { return problem_; }
-  /// The request, which is whole.
+  /// The request, once it is complete.
   Request request() const;
 
  private:

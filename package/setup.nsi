@@ -1,4 +1,4 @@
-; The installer. package/setup.sh gives it VERSION, OUTPUT, FILES (what to install, and what to take away), PUBLISHER,
+; The installer. package/setup.sh defines VERSION, OUTPUT, FILES (what to install and to remove), PUBLISHER,
 ; CONTACT, and SIGN.
 Unicode true
 SetCompressor /SOLID lzma
@@ -23,8 +23,7 @@ OutFile "${OUTPUT}"
 
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\MirvaneEFT"
 !define MENU "$SMPROGRAMS\MirvaneEFT"
-; What a program that waits for a silent run gets to know; 0 is success, 1 and 2 are NSIS's own: the user gave up, a file
-; could not be written.
+; Exit codes of a silent run. 0 is success; 1 and 2 are NSIS's own: the user cancelled, a file could not be written.
 !define NOT_REGISTERED_32 3
 !define NOT_REGISTERED_64 4
 !define RECORDS_NOT_SHARED 5
@@ -35,7 +34,7 @@ OutFile "${OUTPUT}"
 !define NEEDS_ADMINISTRATOR 740
 !define OLD_FILES_IN_USE 3010
 
-Var Account        ; Windows' word for what the user may do: Admin, Power, User, Guest
+Var Account        ; the user's account type, as Windows calls it: Admin, Power, User, Guest
 Var ForEverybody   ; 1, or 0 for the current user alone
 Var MachineFolder  ; where it is installed for everybody, or nothing
 Var UserFolder     ; where it is installed for the current user, or nothing
@@ -69,7 +68,7 @@ VIProductVersion "${VERSION}.0"
   ${EndIf}
 !macroend
 
-; installed_folder ROOT VARIABLE: where an installation is that can be taken away.
+; installed_folder ROOT VARIABLE: where an installation is that can be removed.
 !macro installed_folder ROOT VARIABLE
   ReadRegStr ${VARIABLE} ${ROOT} "${UNINSTALL_KEY}" "InstallLocation"
   ${IfNot} ${FileExists} "${VARIABLE}\uninstall.exe"
@@ -77,7 +76,7 @@ VIProductVersion "${VERSION}.0"
   ${EndIf}
 !macroend
 
-; The folder that was given, else the one of the installation that is there, else the usual one.
+; The given folder, or that of the present installation, or the default.
 Function set_scope
   ${If} $ForEverybody = 1
     SetShellVarContext all
@@ -112,7 +111,7 @@ Function .onInit
   !insertmacro installed_folder HKLM $MachineFolder
   !insertmacro installed_folder HKCU $UserFolder
 
-  ; Who has it already has it again.
+  ; An existing installation keeps its scope.
   StrCpy $ForEverybody 0
   ${If} $Account == "Admin"
     ${If} $MachineFolder != ""
@@ -128,7 +127,7 @@ Function .onInit
   ${ElseIf} $GivenScope == "current"
     StrCpy $ForEverybody 0
   ${EndIf}
-  ; The user's own would hide the one for everybody, and grow old.
+  ; The user's own would hide the one for everybody and become outdated.
   ${If} $ForEverybody = 0
   ${AndIf} $MachineFolder != ""
     ${If} $Account != "Admin"
@@ -159,7 +158,7 @@ FunctionEnd
 
 ; regsvr32 ARGUMENTS SYSTEM FOLDER: leaves the outcome in $0.
 !macro regsvr32 ARGUMENTS SYSTEM FOLDER
-  ; Stays when it does not start, as a policy may have it.
+  ; Remains if regsvr32 cannot be started, for example because of a policy.
   StrCpy $0 "not started"
   ${If} $ForEverybody = 1
     ExecWait '"${SYSTEM}\regsvr32.exe" /s ${ARGUMENTS} "$INSTDIR\${FOLDER}\MirvaneEFT.dll"' $0
@@ -182,7 +181,7 @@ Function register
   ${If} ${RunningX64}
     !insertmacro regsvr32 "" "$WINDIR\sysnative" win64
     ${If} $0 != 0
-      ; There, 64-bit programs may be of another kind than the DLL.
+      ; On ARM, 64-bit programs may be of another architecture than the DLL.
       ReadEnvStr $1 PROCESSOR_ARCHITEW6432
       ${If} $1 != "ARM64"
         !insertmacro not_registered win64 ${NOT_REGISTERED_64}
@@ -193,7 +192,7 @@ Function register
   ${EndIf}
 FunctionEnd
 
-; The till's users, who may not write in a program folder, may here; S-1-5-32-545 is their group in every language.
+; Lets the till's users write here, which a program folder does not allow. S-1-5-32-545 is their group in every language.
 !macro share_records FOLDER
   CreateDirectory "$INSTDIR\${FOLDER}\records"
   ${If} $ForEverybody = 1
@@ -209,7 +208,7 @@ FunctionEnd
 
 ; ---- Installing
 
-; take_away FOLDER: another installation, which this one replaces.
+; take_away FOLDER: removes another installation, which this one replaces.
 !macro take_away FOLDER
   ${If} "${FOLDER}" != ""
     ExecWait '"${FOLDER}\uninstall.exe" /S _?=${FOLDER}' $0
@@ -253,12 +252,12 @@ Section
   ${If} ${RunningX64}
     StrCpy $Check "$INSTDIR\win64\mirvane-check.exe"
   ${EndIf}
-  ; The one for the current user only, which would hide the one for everybody. In the same folder it goes first, or it
-  ; would take the new files with it.
+  ; Removes the one for the current user, which would hide the one for everybody. In the same folder it is removed first;
+  ; otherwise the new files would be removed with it.
   ${If} $ForEverybody = 0
     StrCpy $UserFolder ""
   ${EndIf}
-  ; A folder may be named in two ways.
+  ; A folder may have two names.
   GetFullPathName /SHORT $0 $INSTDIR
   GetFullPathName /SHORT $1 $FormerFolder
   GetFullPathName /SHORT $2 $UserFolder
@@ -337,7 +336,7 @@ Section Uninstall
   ${EndIf}
   !insertmacro remove_set_aside
   Delete "$INSTDIR\uninstall.exe"
-  ; Goes when no record was kept.
+  ; Removed only if it holds no records.
   RMDir "$INSTDIR\win32\records"
   RMDir "$INSTDIR\win64\records"
   !insertmacro remove_files

@@ -1,4 +1,4 @@
-; The pages. The first one tells what is installed, and asks for whom; an upgrade asks nothing.
+; The pages. The first one shows what is installed and asks for whom; an upgrade asks no questions.
 
 Var EverybodyButton
 Var RecordsBox
@@ -13,7 +13,7 @@ Page custom first_page first_page_left
 !define MUI_PAGE_CUSTOMFUNCTION_PRE skip_when_upgrading
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
-; Windows need not be started anew for what the page tells.
+; What the page reports needs no restart of Windows.
 !define MUI_FINISHPAGE_NOREBOOTSUPPORT
 !define MUI_FINISHPAGE_TEXT "$(FINISHED)$\r$\n$\r$\n$InUseText"
 !define MUI_FINISHPAGE_RUN

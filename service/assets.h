@@ -4,7 +4,7 @@
 
 namespace mirvane::service {
 
-/// A file of the program's own, by its path; null when there is none.
+/// One of the program's built-in files, by path; null if there is none.
 const http::Asset* findAsset(std::string_view path);
 
 }  // namespace mirvane::service

@@ -13,13 +13,13 @@
 
 namespace mirvane::service {
 
-/// What is in the way, and of whom help is wanted.
+/// What the register waits for, and whose help is needed.
 struct Wait {
-  /// "paper", "card" or "register"; empty when nothing is in the way.
+  /// "paper", "card" or "register"; empty if nothing is needed.
   std::string on;
-  /// A Result of the component's.
+  /// A Result of the component.
   std::int16_t code = 0;
-  /// As the register or the component words it.
+  /// The register's or the component's text.
   std::string text;
   bool operator==(const Wait&) const = default;
 };
@@ -37,22 +37,22 @@ struct Histogram {
   }
 };
 
-/// What whoever works at the register tells, and what whoever asks may wish: the two may be different threads.
+/// What the worker reports and what callers request; these may be different threads.
 class Board {
  public:
   struct Facts {
     bool isConnected = false;
     std::string serialNumber;
     Abilities abilities;
-    /// The job at the register, and what it waits for.
+    /// The job in progress, and what it waits for.
     std::string job;
     Wait wait;
-    /// Nothing is done before a person has looked: why.
+    /// Why a person has to look before anything is done; empty otherwise.
     std::string held;
-    /// The register's totals as they were read last, and when, in milliseconds since 1970.
+    /// The register's totals as last read, and when, in milliseconds since 1970.
     http::Json totals;
     std::int64_t read = 0;
-    /// Since the start: jobs by kind and state, waits by what for, acts done again.
+    /// Since the start: jobs by kind and state, waits by reason, repeated actions.
     std::map<std::pair<std::string, std::string>, long> outcomes;
     std::map<std::string, long> waits;
     long repetitions = 0;
@@ -65,7 +65,7 @@ class Board {
     const std::lock_guard lock(mutex_);
     return facts_;
   }
-  /// `change` gets the facts; whoever listens is told.
+  /// `change` modifies the facts; listeners are notified.
   template <class Change>
   void change(Change change) {
     {
@@ -74,7 +74,7 @@ class Board {
     }
     if (onChange) onChange();
   }
-  /// What is counted, of which nobody is told.
+  /// Modifies counters; nobody is notified.
   template <class Count>
   void count(Count count) {
     const std::lock_guard lock(mutex_);
@@ -85,15 +85,15 @@ class Board {
     const std::lock_guard lock(mutex_);
     wishes_.insert(wish);
   }
-  /// Whether that was wished, once.
+  /// Whether that was requested; clears the request.
   bool takeWish(const std::string& wish) {
     const std::lock_guard lock(mutex_);
     return wishes_.erase(wish) > 0;
   }
 
-  /// Set before anybody works.
+  /// Set this before any work starts.
   std::function<void()> onChange;
-  /// A line of the log: what happened, and its members.
+  /// Writes a line of the log: the event and its members.
   std::function<void(const char* event, http::Json members)> log = [](const char*, const http::Json&) {};
 
  private:

@@ -7,26 +7,26 @@
 
 namespace mirvane::service {
 
-/// What the service answers over HTTP: see page/openapi.json. In one thread.
+/// Answers the service's HTTP requests: see page/openapi.json. Runs on one thread.
 class Interface {
  public:
   struct Options {
-    /// Null where everybody may ask, which is this machine alone.
+    /// Null if everybody may ask, which is allowed only on this machine.
     Tokens* tokens = nullptr;
-    /// Jobs that are not over; one more is refused.
+    /// Maximum number of unfinished jobs; one more is refused.
     int mostUnfinished = 10'000;
-    /// Told of new work.
+    /// Called when there is new work.
     std::function<void()> wake = [] {};
     /// Milliseconds since 1970.
     std::function<std::int64_t()> now;
-    /// This service's register, by name, in a store that several share.
+    /// The name of this service's register in a store that several share.
     std::string registerName = {};
   };
   Interface(Store& store, Board& board, Options options);
 
-  /// What has to be known when the request is put again is written down in it.
+  /// Stores in the request what it needs when that is handled again.
   http::Answer answer(http::Request& request);
-  /// A problem document.
+  /// Makes a problem document.
   static http::Answer problem(const http::Refusal& refusal);
 
  private:

@@ -7,26 +7,26 @@
 #include "http/json.h"
 #include "text/code_page.h"
 
-// What callers ask for, read and checked before anything is sent.
+// What callers order, parsed and checked before anything is sent.
 namespace mirvane::service {
 
 using http::Json;
 using Cents = std::int64_t;
 
-/// A line of a receipt, or something printed or changed on it.
+/// A line of a receipt: an item, an adjustment or a comment.
 struct Line {
   enum class Kind { kSale, kVoid, kRefund, kDiscount, kMarkUp, kComment };
   Kind kind = Kind::kSale;
   Text description, comment;
   /// In thousandths.
   std::int64_t quantity = 1000;
-  /// The price of one, or what an adjustment comes to.
+  /// The unit price, or the amount of an adjustment.
   Cents price = 0;
   double vat = 0;
   std::int16_t department = 1, category = 1;
-  /// Of an adjustment: of the subtotal, and not of the line before.
+  /// For an adjustment: of the subtotal instead of the line before.
   bool isOnSubtotal = false;
-  /// Of a comment.
+  /// Print size of a comment.
   std::int16_t size = 1;
 
   /// What it adds to the receipt.
@@ -37,12 +37,12 @@ struct Payment {
   /// "cash", "card" or "cheque".
   std::string type;
   Text description;
-  /// Nothing: all that is left to pay.
+  /// Nothing: the remaining amount.
   std::optional<Cents> amount;
   /// The card terminal; 0 for none.
   std::int16_t terminal = 0;
 
-  /// As the register counts the kinds.
+  /// The register's number for this type.
   std::int16_t number() const { return type == "cash" ? 1 : type == "card" ? 2 : 3; }
 };
 
@@ -54,7 +54,7 @@ struct Receipt {
   Cents total() const;
 };
 
-/// Money that is put into the drawer or taken out.
+/// Money put into the drawer or taken out.
 struct CashDocument {
   bool isIn = true;
   Cents amount = 0;
@@ -65,7 +65,7 @@ struct DisplayText {
   Text lines[2];
 };
 
-/// What is known of the register that is to do it; empty before it has been asked.
+/// What is known of the register that will do it; empty before it has been asked.
 struct Abilities {
   std::vector<double> vatRates;
   std::vector<std::int16_t> terminals;
@@ -73,7 +73,7 @@ struct Abilities {
   bool operator==(const Abilities&) const = default;
 };
 
-/// Everything that is wrong with what was asked, each with its place.
+/// All errors of an order, each with its place.
 struct Faults {
   struct Fault {
     /// A JSON pointer.
@@ -84,15 +84,15 @@ struct Faults {
   std::vector<Fault> all;
 };
 
-// Each reads what it can and tells the rest in `faults`.
+// Each parses what it can and adds errors to `faults`.
 Receipt readReceipt(const Json& body, const Abilities& abilities, Faults& faults);
 Payment readPayment(const Json& body, const std::string& where, const Abilities& abilities, Faults& faults);
 CashDocument readCash(const Json& body, Faults& faults);
 DisplayText readDisplay(const Json& body, Faults& faults);
-/// One that must have no members.
+/// An order without members.
 void readNothing(const Json& body, Faults& faults);
 
-/// The same text for everything that means the same: its members sorted, on one line.
+/// The same text for all orders that mean the same: members sorted, on one line.
 std::string canonical(const Json& body);
 
 inline double euros(Cents amount) { return static_cast<double>(amount) / 100; }

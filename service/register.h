@@ -9,15 +9,15 @@
 
 namespace mirvane::service {
 
-/// The register as it stands. Two in a row that are equal are believed.
+/// A snapshot of the register. Two equal ones in a row are trusted.
 struct Picture {
-  /// The day's number: of the closing to come.
+  /// The day's number: that of the next closing.
   int day = 0;
-  /// Receipts and cash documents that were closed today, and the latest receipt's number.
+  /// Receipts and cash documents closed today, and the latest receipt's number.
   int receipts = 0, cashDocuments = 0, number = 0;
   enum class Open { kNothing, kReceipt, kCashDocument };
   Open open = Open::kNothing;
-  /// Of the open receipt.
+  /// For the open receipt.
   Cents total = 0, remaining = 0;
 
   bool operator==(const Picture&) const = default;
@@ -25,53 +25,53 @@ struct Picture {
   static std::optional<Picture> from(const http::Json& json);
 };
 
-/// One register, asked and driven through the component; whatever the component shows an operator goes to the board.
+/// One register, driven through the component. What the component shows an operator goes to the board.
 class Register {
  public:
-  /// `keepFile` takes the journal's files, by name. `machine` is what is below; its screen is not used, and its files
-  /// only for the flight record, in `recordFolder` while that is there.
+  /// `keepFile` receives the journal's files, by name. `machine` is the environment; its screen is not used, and its
+  /// files only for the flight record, in `recordFolder` unless that is empty.
   Register(platform::Platform& machine, Board& board, Text port, TextView recordFolder,
            std::function<bool(const std::string& name, std::string_view bytes)> keepFile);
   Register(const Register&) = delete;
   Register& operator=(const Register&) = delete;
   ~Register();
 
-  /// Connects where that is needed, and reads who it is and what it can. False when it does not answer.
+  /// Connects if necessary, and reads the register's identity and abilities; false if it does not answer.
   bool connect();
   const std::string& serialNumber() const { return serialNumber_; }
 
-  /// One call of a member: true when it was told that it is done.
+  /// Calls a member; true if Result is 0.
   template <class... A>
   bool call(std::string_view member, A&&... arguments) {
     return measured([&] { return till_.call(member, std::forward<A>(arguments)...); });
   }
   bool send(TextView command) { return call("SendCommand_", Text(command)); }
-  /// Sells, voids, refunds, adjusts or prints.
+  /// Sells, voids, refunds, adjusts or prints a comment.
   bool ring(const Line& line);
-  /// Pays, and closes the receipt when that `isLast`.
+  /// Pays, and closes the receipt if this payment `isLast`.
   bool pay(const Payment& payment, Cents amount, bool isLast);
 
-  /// Of the last call.
+  /// Result of the last call.
   std::int16_t result() const { return till_.Result; }
   std::string text() const { return toUtf8(till_.Exresult); }
-  /// Done, and the register has said so itself.
+  /// The last call succeeded, and the register itself confirmed it.
   bool isCertain() const;
-  /// As the register's last answer told it.
+  /// According to the register's last answer.
   bool isDocumentOpen();
-  /// The last call failed on something that ends, or that somebody can mend; nothing can be said against the call.
+  /// The last call failed because of something that passes or that a person can fix, not because of the call itself.
   bool isInTheWay() const;
 
-  /// Nothing when the register does not tell the same twice.
+  /// Nothing if the register does not give two equal snapshots in a row.
   std::optional<Picture> look();
-  /// One alone, to be held against an earlier one. Nothing as soon as it `isEnough`, too.
+  /// A single snapshot, to compare with an earlier one. Returns nothing as soon as it `isEnough`.
   std::optional<Picture> lookOnce(const std::function<bool()>& isEnough = [] { return false; });
   /// The open receipt's number and total.
   std::optional<std::pair<int, Cents>> openReceipt();
 
-  /// Tells what is in the way, by the last call, and lets a second pass.
+  /// Reports what the last call failed on, and waits a second.
   void waitAWhile();
   void pass(std::uint32_t milliseconds);
-  /// What the worker waits for, which is not the last call's.
+  /// Reports what the worker waits for, if that is not the last call's failure.
   void waitFor(Wait wait);
   void goOn();
   platform::Clock& clock() { return machine_.clock; }
@@ -81,7 +81,7 @@ class Register {
   class Files;
 
   bool measured(const std::function<bool()>& call);
-  /// What does not change while it is connected; believed when it comes twice, too.
+  /// What does not change while the register is connected; also trusted when read twice.
   struct Nature {
     std::string serialNumber;
     Abilities abilities;

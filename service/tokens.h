@@ -6,18 +6,18 @@
 
 namespace mirvane::service {
 
-/// Who may ask: names, each with the hash of a token that nobody keeps. A file of lines, which a command changes while
-/// the service runs. Throws std::runtime_error when it cannot be written.
+/// Who may ask: names, each with the hash of a token, which is not stored itself. Kept in a text file that a command
+/// changes while the service runs. Throws std::runtime_error if the file cannot be written.
 class Tokens {
  public:
   explicit Tokens(std::filesystem::path file) : file_(std::move(file)) { read(); }
 
-  /// A new token under a new name; empty when the name is taken.
+  /// Creates a token under a new name; empty if the name is taken.
   std::string add(const std::string& name);
   bool remove(const std::string& name);
   const std::map<std::string, std::string>& hashes() const { return hashes_; }
 
-  /// Whose token it is; empty for nobody's. The file is read anew when it has changed.
+  /// The owner of a token; empty if it is invalid. The file is read again after a change.
   std::string ownerOf(const std::string& token);
 
  private:
@@ -29,7 +29,7 @@ class Tokens {
   std::map<std::string, std::string> hashes_;
 };
 
-/// In hexadecimal digits.
+/// As hexadecimal digits.
 std::string sha256(const std::string& bytes);
 
 }  // namespace mirvane::service

@@ -7,23 +7,24 @@
 
 namespace mirvane::service {
 
-/// Does what the store holds, one job after the other, each exactly once. What it is about to do that books is in the
-/// store before; after an end of any kind it asks the register what became of that, as docs/after-a-failure.md says.
+/// Does the jobs in the store one after the other, each exactly once. Before each step that books, the step is saved in
+/// the store; after an interruption the worker asks the register what happened to it, as docs/after-a-failure.md
+/// describes.
 class Worker {
  public:
   Worker(platform::Platform& machine, Store& store, Board& board, const Text& port, TextView recordFolder = {});
 
-  /// One job, or a look at the register when there is none. False when nothing could be done.
+  /// Does one job, or checks the register if there is none; false if nothing could be done.
   bool step();
-  /// Does all that there is to do, until `stop`, which lets the job at hand come to its end: `sleep` waits for a wish,
-  /// or for so many milliseconds.
+  /// Does all jobs until `stop`, which lets the current job finish. `sleep` waits for a request, or for that many
+  /// milliseconds.
   void run(const std::function<void(std::uint32_t milliseconds)>& sleep);
-  /// There is something to do: from any thread, as `stop`.
+  /// There is work; may be called from any thread, as may `stop`.
   void wake();
   void stop() { isStopped_ = true; }
 
  private:
-  /// How far a receipt has come.
+  /// How far a receipt has got.
   struct Progress;
 
   bool work();
@@ -32,7 +33,7 @@ class Worker {
   void hold(const Picture& now);
   void lookIdly();
   void perform(Job& job);
-  /// False when it could not be.
+  /// False if the file could not be stored.
   bool keepFile(const std::string& name, std::string_view bytes);
 
   // Receipts: worker_receipt.cpp.
@@ -50,14 +51,14 @@ class Worker {
   // Everything else: worker_documents.cpp.
   void performCash(Job& job);
   void performClosing(Job& job);
-  /// What leaves nothing in the register, and so is done again when it was not seen to its end.
+  /// What leaves no trace in the register, and so is repeated if it was not seen to finish.
   void performHarmless(Job& job, const std::function<bool()>& act);
 
-  /// The register as it stands; waits until it tells.
+  /// A snapshot of the register; waits until it gives one.
   Picture mustLook();
-  /// What stood last, as long as nothing can have changed it.
+  /// The last snapshot, while nothing can have changed the register.
   Picture known();
-  /// The job as somebody has wished to end it.
+  /// Whether somebody has requested to cancel the job.
   bool isCancelled(const Job& job);
 
   void save(Job& job, const http::Json& progress);
@@ -69,7 +70,7 @@ class Worker {
   Board& board_;
   Register register_;
   std::optional<Picture> known_;
-  /// That has been begun, whose files are coming.
+  /// The job whose journal files are being received.
   std::string atWork_;
   /// The version of a job that waits for its caller.
   std::int64_t pausedAt_ = 0;

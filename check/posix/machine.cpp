@@ -75,7 +75,7 @@ std::string nameOf(const fs::path& path) { return path.string(); }
 
 std::string programName(const std::string& name) { return name; }
 
-// Those behind which the kernel has found hardware.
+// Those for which the kernel has found hardware.
 std::vector<SerialPortName> serialPorts() {
   std::vector<SerialPortName> ports;
   std::error_code error;

@@ -8,7 +8,7 @@
 namespace mirvane::check {
 namespace {
 
-// As the program that is started takes its command line apart.
+// Quoted as the started program parses its command line.
 std::wstring quoted(const std::wstring& word) {
   std::wstring text = L"\"";
   std::size_t backslashes = 0;
@@ -20,7 +20,8 @@ std::wstring quoted(const std::wstring& word) {
   return text.append(backslashes, L'\\') + L"\"";
 }
 
-// What is in it ends with this program. Where it cannot be had, on an old system within another one's, the children
+// Processes in this job end with this program. If there is none (an old system, within another job), they end only with
+// their objects.
 // end with their objects alone.
 HANDLE ownJob() {
   static const HANDLE job = [] {
@@ -76,7 +77,7 @@ Child::~Child() {
 }
 
 bool Child::take() {
-  // Asked before the pipe: what it wrote last is taken after its end.
+  // Checked before the pipe is read: its last output is then read after its end.
   const bool hasEnded = WaitForSingleObject(system_->process, 0) == WAIT_OBJECT_0;
   for (DWORD count = 0; PeekNamedPipe(system_->output, nullptr, 0, nullptr, &count, nullptr) != FALSE && count > 0;) {
     std::string bytes(count, '\0');

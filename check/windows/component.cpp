@@ -21,7 +21,7 @@ std::wstring widened(std::string_view ascii) { return {ascii.begin(), ascii.end(
 
 REGSAM viewOf(int bits) { return bits == 64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY; }
 
-// To programs of the other kind, the system's own folder of that name is this one.
+// Programs of the other bitness see this folder under the system's own name.
 std::wstring asSeenHere(std::wstring file, int bits) {
   constexpr std::wstring_view kFolder = L"\\system32\\";
   const bool isOwnKind = bits == static_cast<int>(8 * sizeof(void*));
@@ -50,7 +50,7 @@ std::string registerCommand(int bits, const fs::path& library) {
   return say(texts::kRegisterIt, {std::to_string(bits), registrar, nameOf(library)});
 }
 
-// What programs of so many bits find.
+// What programs of this bitness find.
 struct Registration {
   int bits;
   fs::path user, machine;
@@ -66,7 +66,7 @@ struct Registration {
   HKEY root() const { return isForUser() ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE; }
 };
 
-// The classes that are not registered with the first one. Their names are the same for both kinds of programs.
+// Classes not registered with the same DLL as the first one. Their names are the same for both bitnesses.
 std::string strayClasses(const Registration& found, int& count) {
   std::string names;
   for (const PublicClass& each : publicClasses()) {
@@ -82,14 +82,14 @@ std::string strayClasses(const Registration& found, int& count) {
   return names;
 }
 
-// Whether a browser or a mail program has marked the file as one from outside.
+// Whether a browser or mail program has marked the file as coming from the internet.
 bool isBlocked(const fs::path& file) {
   std::error_code error;
   const fs::path mark = file.wstring() + L":Zone.Identifier";
   return GetFileAttributesW(mark.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-// Has a program of the library's own kind create the object, as it is registered or out of `folder`.
+// Has a program of the library's bitness create the object, through its registration or from `folder`.
 void tryToCreate(Findings& findings, int bits, const std::string& remedy, const fs::path& folder = {}) {
   for (const Twin& twin : twins()) {
     if (twin.bits != bits || twin.program.empty()) continue;

@@ -27,7 +27,7 @@ std::wstring folderOf(UINT(WINAPI* ask)(LPWSTR, UINT)) {
   return path.data();
 }
 
-// Beside this program, and where a package has both kinds.
+// Beside this program, or in the release's folder for that bitness.
 fs::path inPackage(const wchar_t* name, int bits) {
   const fs::path here = ownProgram().parent_path();
   const std::wstring folder = L"win" + std::to_wstring(bits);

@@ -75,7 +75,7 @@ class WindowsWatch final : public WindowWatch {
   bool seen_ = false;
 };
 
-// The system's own number; the documented call tells programs without a manifest an older one.
+// The real version number: the documented call returns an older one to programs without a manifest.
 std::string systemVersion() {
   using Tell = LONG(WINAPI*)(OSVERSIONINFOW*);
   OSVERSIONINFOW version{};
@@ -113,7 +113,7 @@ void print(const std::string& text) {
   DWORD written = 0;
   if (isConsole(output)) {
     const std::wstring wide = toWide(fromUtf8(text));
-    // An old console takes no more at once.
+    // An old console accepts no more at once.
     constexpr std::size_t kPiece = 8000;
     for (std::size_t at = 0; at < wide.size(); at += kPiece) {
       const std::wstring piece = wide.substr(at, kPiece);
@@ -172,7 +172,7 @@ std::string nameOf(const fs::path& path) { return toUtf8(fromWide(fs::path(path)
 std::string programName(const std::string& name) { return name + ".exe"; }
 
 std::vector<SerialPortName> serialPorts() {
-  // By number. What the system lists, and what it only knows by name, as ports that a program makes.
+  // By number: ports that the system lists, and those known only by name, such as a program's virtual ports.
   std::map<int, std::string> found;
   constexpr int kMost = 256;
   std::array<wchar_t, 1024> target{};
@@ -189,7 +189,7 @@ std::vector<SerialPortName> serialPorts() {
   return ports;
 }
 
-// What lists every program's handles is no documented call, and security products take its use for an attack.
+// Listing all programs' handles needs undocumented calls, which security products treat as an attack.
 std::optional<std::string> holderOf(const std::string& /*port*/) { return std::nullopt; }
 
 fs::path shownInPlaceOf(const fs::path& folder) {

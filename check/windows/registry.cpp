@@ -25,7 +25,7 @@ class Key {
 std::wstring expanded(const std::wstring& text) {
   std::wstring full(ExpandEnvironmentStringsW(text.c_str(), nullptr, 0), L'\0');
   full.resize(ExpandEnvironmentStringsW(text.c_str(), full.data(), static_cast<DWORD>(full.size())));
-  full.resize(std::min(full.find(L'\0'), full.size()));  // it counts the end
+  full.resize(std::min(full.find(L'\0'), full.size()));  // the count includes the terminator
   return full;
 }
 
@@ -37,7 +37,7 @@ std::wstring textIn(HKEY key, const wchar_t* name) {
   if (RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(text.data()), &size) != ERROR_SUCCESS) {
     return {};
   }
-  text.resize(std::min(text.find(L'\0'), text.size()));  // with its end, or without one
+  text.resize(std::min(text.find(L'\0'), text.size()));  // with or without its terminator
   return type == REG_EXPAND_SZ ? expanded(text) : text;
 }
 

@@ -8,11 +8,11 @@
 
 namespace mirvane::check {
 
-/// The text of a value, of the key's own when `name` is null; empty when there is none. `view` picks the half for
+/// The text of a value, or of the key itself if `name` is null; empty if there is none. `view` selects the half for
 /// 32-bit or for 64-bit programs.
 std::wstring registryText(HKEY root, const std::wstring& key, const wchar_t* name = nullptr, REGSAM view = 0);
 
-/// All texts of a key with their names.
+/// All texts of a key, with their names.
 std::vector<std::pair<std::wstring, std::wstring>> registryTexts(HKEY root, const std::wstring& key);
 
 }  // namespace mirvane::check

@@ -7,8 +7,8 @@
 namespace mirvane {
 namespace {
 
-// The nearest value that the variable's type holds. A negative result in an unsigned variable becomes the largest
-// value, so that a failure never reads as 0.
+// The nearest value in the variable's range. A negative result becomes the largest value of an unsigned variable, so
+// that a failure never reads as 0.
 template <class T>
 T nearest(const Value& result) {
   try {

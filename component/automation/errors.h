@@ -5,7 +5,7 @@
 
 namespace mirvane {
 
-/// The automation layer's own failures, with the numbers that the system gives them.
+/// Failures of the automation layer, with the system's numbers.
 enum class AutomationCode : std::uint32_t {
   memberNotFound = 0x80020003,
   parameterNotFound = 0x80020004,
@@ -16,15 +16,15 @@ enum class AutomationCode : std::uint32_t {
   objectNotSet = 0x800A005B,  // a member of Nothing
 };
 
-/// Raised to the caller of a member instead of a result: the call itself was impossible, as opposed to an operation
-/// that the device refused, which is told in the caller's variables.
+/// Raised to the caller of a member instead of a result: the call itself was impossible. What the register refuses is
+/// reported in the caller's variables instead.
 class AutomationError : public std::runtime_error {
  public:
   explicit AutomationError(AutomationCode code, int argument = -1);
 
   AutomationCode code() const { return code_; }
 
-  /// Position of the offending argument, from 0; -1 when no argument is to blame.
+  /// Position of the argument at fault, from 0; -1 if none is.
   int argument() const { return argument_; }
 
  private:

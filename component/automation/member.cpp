@@ -8,7 +8,7 @@
 namespace mirvane {
 namespace {
 
-// Calls `f` with the C++ type that a parameter of this kind has, as a std::type_identity.
+// Calls `f` with the C++ type of such a parameter, as a std::type_identity.
 template <class F>
 auto withType(TypeKind kind, F f) {
   switch (kind) {
@@ -34,7 +34,7 @@ auto withType(TypeKind kind, F f) {
   return f(std::type_identity<Value>());
 }
 
-// What a copy holds, as a variable of its own type.
+// A reference to a copy's content, in its own type.
 Reference inside(Value& copy, TypeKind kind) {
   return withType(kind, [&copy]<class T>(std::type_identity<T>) -> Reference {
     if constexpr (std::is_same_v<T, Value>) {
@@ -45,7 +45,7 @@ Reference inside(Value& copy, TypeKind kind) {
   });
 }
 
-// What an object stands for where none is wanted.
+// The value of an object's default member.
 Value defaultOf(const ObjectPtr& object) {
   try {
     return object == nullptr ? object : object->invoke(Object::kDefaultMember, Access::callOrRead, {});
@@ -55,7 +55,7 @@ Value defaultOf(const ObjectPtr& object) {
   }
 }
 
-// What no member gives as a result.
+// A value that no member returns.
 Value nothingOf(TypeKind kind) {
   return withType(kind, []<class T>(std::type_identity<T>) -> Value {
     if constexpr (std::is_same_v<T, Text>) {
@@ -70,7 +70,7 @@ Value nothingOf(TypeKind kind) {
   });
 }
 
-// A result of the type, for a look at whether a variable could take it.
+// A result of this type, to test whether a variable can take it.
 Value exampleOf(TypeKind kind) { return convertedTo(Type{kind}, {}); }
 
 void requireCount(Arguments given, const Parameters& parameters) {
@@ -188,7 +188,7 @@ Value Member::invoke(Object& self, Arguments given) const {
   try {
     value = body(self, arguments);
   } catch (...) {
-    arguments.finish(false);  // what was written before the failure belongs to the caller
+    arguments.finish(false);  // results written before the failure are still returned
     throw;
   }
   if (!arguments.finish(assigns)) throw AutomationError(AutomationCode::typeMismatch);

@@ -15,14 +15,14 @@ enum class MemberKind { method, get, put };
 
 enum class TypeKind { none, boolean, byte, integer16, integer32, real, text, variant, object, enumeration };
 
-/// A parameter's or result's type as a type library tells it. `name` is the class of an object ("" for any object) or
-/// the name of an enumeration.
+/// The type of a parameter or result, as in a type library. `name` is the class of an object ("" for any object) or the
+/// name of an enumeration.
 struct Type {
   TypeKind kind = TypeKind::none;
   std::string_view name{};
 };
 
-/// One parameter of a member. A table writes its name, or optional(name[, default]) or output(name); its type is
+/// One parameter of a member. A table gives its name, or optional(name[, default]) or output(name); the type is
 /// deduced.
 struct Parameter {
   using Default = std::variant<std::monostate, bool, std::int16_t>;
@@ -32,7 +32,7 @@ struct Parameter {
 
   std::string_view name;
   bool isOptional = false;
-  /// What an omitted argument stands for, where that is not just the type's own zero.
+  /// The value of an omitted argument, if it is not the type's zero.
   Default preset;
   /// See output().
   bool isOutput = false;
@@ -53,8 +53,8 @@ constexpr Parameter optional(const char* name, Parameter::Default preset = {}) {
   return parameter;
 }
 
-/// A parameter by reference that only takes a result: what the caller's variable held before does not matter.
-/// `receives` is the type of the result where the parameter's own is any.
+/// A parameter by reference that only receives a result: the previous content of the caller's variable does not matter.
+/// `receives` is the type of the result if the parameter's own is any.
 constexpr Parameter output(const char* name, TypeKind receives = TypeKind::none) {
   Parameter parameter(name);
   parameter.isOutput = true;
@@ -64,16 +64,16 @@ constexpr Parameter output(const char* name, TypeKind receives = TypeKind::none)
 
 using Parameters = std::vector<Parameter>;
 
-/// `value` in a type: what a member returns, or takes. Raises as convertTo does, and typeMismatch for an object of
-/// another class.
+/// Converts `value` to the type of a parameter or result. Raises what convertTo raises, and typeMismatch for an object
+/// of another class.
 Value convertedTo(const Type& type, const Value& value);
 
 /// The arguments of one call, in the types of the member's parameters. A parameter by reference is the caller's own
-/// variable where that has the member's type, otherwise a converted copy that is written back after the call.
+/// variable if that has the member's type, otherwise a converted copy that is written back after the call.
 class CallArguments {
  public:
   /// Raises badParameterCount for a wrong number of arguments, and what conversion raises, with the argument's
-  /// position. A variable that could not take its result raises typeMismatch here, before the member runs.
+  /// position. A variable that cannot take its result raises typeMismatch here, before the member runs.
   CallArguments(Arguments given, const Parameters& parameters);
   CallArguments(const CallArguments&) = delete;
   CallArguments& operator=(const CallArguments&) = delete;
@@ -93,35 +93,34 @@ class CallArguments {
     }
   }
 
-  /// All of them, each by reference, to be handed on to another member.
+  /// All arguments by reference, to pass on to another member.
   std::vector<Argument> references() const;
 
-  /// Gives the member a variable of its own for argument `i`, whose content the caller gets at the end whatever the
-  /// caller's variable holds by then.
+  /// Gives the member its own variable for argument `i`. Its content is written to the caller's variable at the end,
+  /// whatever that holds by then.
   void detach(std::size_t i);
 
-  /// What was not detached stays as the caller has it, its type included.
+  /// Leaves all arguments that were not detached as the caller has them, including their types.
   void leaveOthers() { leavesOthers_ = true; }
 
-  /// Gives the caller what the member wrote; also to be called when the member failed. What it did not change is left
-  /// as the caller has it, but once the member has `assigned` them all, a variable of any type takes the member's type,
-  /// and a detached one its content; before that, a detached one gets back what it held.
-  /// Of one variable that was given twice, what the member changed is written last. False when a variable could not
-  /// take its result.
+  /// Writes the member's results to the caller's variables; call it even if the member failed. What the member did not
+  /// change stays as it is. If the member has `assigned` all of them, a variable of any type takes the member's type
+  /// and a detached variable its new content; otherwise a detached variable gets its old content back. If one variable
+  /// was given twice, a changed value is written last. Returns false if a variable could not take its result.
   bool finish(bool assigned);
 
  private:
   struct Slot {
     Argument given;
-    Reference variable;  // the caller's own, or what `copy` holds
+    Reference variable;  // the caller's own variable, or the content of `copy`
     Value copy;
     Value before;
     bool writeBack = false;
     /// Written whatever the variable holds.
     bool isDetached = false;
-    /// What the variable of a detached one held at the beginning.
+    /// What the variable of a detached argument held at the start of the call.
     Value held{};
-    /// The variable of an output held nothing of its type; `before` stands for that, and is written nowhere.
+    /// An output's variable held nothing of its type; `before` stands in for that and is never written back.
     bool wasUnreadable = false;
 
     bool isChanged() const { return copy != before; }
@@ -134,26 +133,26 @@ class CallArguments {
   bool leavesOthers_ = false;
 };
 
-/// What a member does with its arguments.
+/// Runs a member with its arguments.
 using Body = std::function<Value(Object&, CallArguments&)>;
 
 /// One row of a member table.
 struct Member {
   std::string_view name;
   MemberKind kind = MemberKind::method;
-  /// From 1, without a gap; get and put of one property share one. 0 while the table is being written, for a row that
-  /// gets the next one.
+  /// From 1, without gaps; get and put of a property share one. 0 in a table under construction: such a row gets the
+  /// next id.
   std::int32_t dispatchId = 0;
   Parameters parameters;
   Type result;
   Body body;
-  /// False for a member that leaves its variables as they are; no other does, so after it a variable of any type has
-  /// the parameter's type.
+  /// False for the one member that leaves its variables as they are. After every other member a variable of any type
+  /// has the parameter's type.
   bool assigns = true;
-  /// What it does, in Markdown, where its description has that.
+  /// What the member does, in Markdown; empty if its description has no such text.
   std::string_view sentence{};
 
-  /// Converts the arguments, runs the member on `self`, an object of the table's class, and gives back what it wrote.
+  /// Converts the arguments, runs the member on `self`, an object of the table's class, and writes the results back.
   Value invoke(Object& self, Arguments given) const;
 };
 

@@ -13,23 +13,23 @@ namespace mirvane {
 /// A class's member table, in dispatch order.
 class ClassInfo {
  public:
-  /// Members that have no dispatch id yet get the next one, in their order. Throws logic_error where the ids that are
-  /// given have a gap or are given twice.
+  /// Members without a dispatch id get the next one, in order. Throws logic_error if the given ids have gaps or
+  /// duplicates.
   ClassInfo(std::string_view name, std::vector<Member> members);
 
   std::string_view name() const { return name_; }
   const std::vector<Member>& members() const { return members_; }
 
-  /// The dispatch id of a member, upper and lower case being the same; nothing when there is no such member.
+  /// The dispatch id of a member, whatever the case of its letters; nothing if there is no such member.
   std::optional<std::int32_t> dispatchId(std::string_view member) const;
 
   using Access = mirvane::Access;
 
-  /// The row to invoke, or null.
+  /// The row to invoke; null if there is none.
   const Member* find(std::int32_t dispatchId, Access access) const;
   const Member* find(std::string_view member, Access access) const;
 
-  /// What Object::invoke does, on an object of this class.
+  /// Invokes a member of an object of this class: see Object::invoke.
   Value invoke(Object& self, std::string_view member, Access access, Arguments arguments) const;
 
  private:
@@ -37,7 +37,7 @@ class ClassInfo {
   std::vector<Member> members_;
 };
 
-/// An object whose class names itself in kName and describes its members in a static `describe()`.
+/// An object whose class has its name in kName and a static `describe()` that describes its members.
 template <class C>
 class ObjectOf : public Object {
  public:
@@ -48,11 +48,11 @@ class ObjectOf : public Object {
   }
 };
 
-/// Writes a member table.
+/// Builds a member table.
 template <class C>
 class ClassBuilder {
  public:
-  /// A method; its parameters' types are those of the member function.
+  /// Adds a method. Its parameter types are those of the member function.
   template <class R, class B, class... A>
   ClassBuilder& method(std::string_view name, R (B::*function)(A...), Parameters names = {}) {
     using Shape = Signature<R(A...)>;
@@ -60,19 +60,19 @@ class ClassBuilder {
                 Shape::template body<C>(function)});
   }
 
-  /// A property over a field.
+  /// Adds a property backed by a field.
   template <class T, class B>
   ClassBuilder& property(std::string_view name, T B::*field) {
     return addRead(name, field).addWrite(name, field);
   }
 
-  /// A property over a field whose write stands before its read in the interface.
+  /// Adds a property backed by a field, its write before its read as in the interface.
   template <class T, class B>
   ClassBuilder& propertyWriteFirst(std::string_view name, T B::*field) {
     return addWrite(name, field).addRead(name, field);
   }
 
-  /// A property that needs code.
+  /// Adds a property with a getter and a setter.
   template <class R, class B, class T>
   ClassBuilder& property(std::string_view name, R (B::*read)(), void (B::*write)(T)) {
     return readOnly(name, read).writeOnly(name, write);
@@ -88,7 +88,7 @@ class ClassBuilder {
     return put<T>(name, write);
   }
 
-  /// The two halves of a property, by what gives its value and what takes it.
+  /// Adds both halves of a property, from a getter and a setter callable.
   template <class T, class F>
   ClassBuilder& get(std::string_view name, F read) {
     using Shape = Signature<T()>;
@@ -100,7 +100,7 @@ class ClassBuilder {
     return add({name, MemberKind::put, 0, described<Shape>(name, {"value"}), {}, Shape::template body<C>(write)});
   }
 
-  /// A member that is described elsewhere, and what it does in this class.
+  /// Adds a member that is described elsewhere, with this class's implementation.
   template <const auto& kDescribed, class F>
   ClassBuilder& implement(F body) {
     if constexpr (requires { isListed(kDescribed); }) {
@@ -116,13 +116,13 @@ class ClassBuilder {
     return *this;
   }
 
-  /// The dispatch id of the row that was added last, where the order of the rows does not tell it.
+  /// Sets the dispatch id of the latest row, if it differs from the order of the rows.
   ClassBuilder& at(std::int32_t dispatchId) {
     members_.back().dispatchId = dispatchId;
     return *this;
   }
 
-  /// The row of a name; null when there is none yet.
+  /// The row with this name; null if there is none yet.
   Member* find(std::string_view name) {
     const auto row = std::ranges::find(members_, name, &Member::name);
     return row == members_.end() ? nullptr : &*row;

@@ -11,11 +11,11 @@ namespace mirvane {
 
 class ClassInfo;
 
-/// How a caller asks for a member: as a call, as a read of a property, as either (what most scripting clients do), or
-/// as a write.
+/// How a caller accesses a member: by a call, by reading a property, by either (as most scripting clients do), or by a
+/// write.
 enum class Access { call, read, callOrRead, write };
 
-/// The root of every class that an automation client can hold. Objects live in shared_ptrs.
+/// The root of every class that an automation client can hold. Objects are owned by shared_ptrs.
 class Object : public std::enable_shared_from_this<Object> {
  public:
   Object();
@@ -24,30 +24,29 @@ class Object : public std::enable_shared_from_this<Object> {
   virtual ~Object();
 
   virtual const ClassInfo& classInfo() const = 0;
-  /// The class's name where the object can stand for a record of that class; empty for what is no class of ours.
+  /// The class's name if the object can be used as a record of that class; empty if it is not one of our classes.
   virtual std::string_view className() const { return {}; }
 
-  /// Invokes a member by name; kDefaultMember is the one that stands for the object. Raises memberNotFound when the
-  /// class has none that can be accessed so, and the errors of argument conversion before the member runs.
+  /// Invokes a member by name; kDefaultMember is the default one. Raises memberNotFound if the class has no such member
+  /// for this access, and conversion errors before the member runs.
   virtual Value invoke(std::string_view member, Access access, Arguments arguments) = 0;
 
-  /// Calls or reads a member by name. Variables are passed by reference and records as themselves; temporaries by
-  /// value.
+  /// Calls or reads a member by name. Variables and records are passed by reference, temporaries by value.
   template <class... A>
   Value call(std::string_view member, A&&... arguments) {
     const std::array<Argument, sizeof...(A)> list{argumentFor(std::forward<A>(arguments))...};
     return invoke(member, Access::callOrRead, list);
   }
 
-  /// The program has let go of the object while a member of it runs, which keeps it until it returns.
+  /// The program has released the object while one of its members runs; the object lives until that returns.
   virtual void released() {}
 
   static constexpr std::string_view kDefaultMember{};
 
-  /// Objects alive in the whole process.
+  /// Number of objects alive in the process.
   static int liveCount();
 
-  /// The one wrapper through which another component model holds this object, while there is one.
+  /// The one wrapper through which another component model holds this object; null if there is none.
   void* adapter = nullptr;
 
  private:

@@ -5,7 +5,7 @@
 #include "automation/member.h"
 #include "automation/root.h"
 
-// What the C++ signature of a member says of its parameters and its result.
+// What the C++ signature of a member says about its parameters and its result.
 namespace mirvane {
 
 template <class T>
@@ -40,14 +40,14 @@ inline constexpr Type kTypeOf<Value>{TypeKind::variant};
 template <>
 inline constexpr Type kTypeOf<ObjectPtr>{TypeKind::object};
 
-/// Several parameters of a member that its C++ signature has as one: a structure of references, whose fields' types are
-/// listed in its Types and whose names, where they are always the same, in its kNames.
+/// Several parameters of a member that are one parameter in C++: a structure of references. Its Types lists the types
+/// of its fields, its kNames their names if these are always the same.
 template <class A>
 concept Compound = requires {
   typename A::Types;
 };
 
-/// How parameter A of a signature stands in the table: how many parameters it is, and how many of them a description
+/// How parameter A of a signature appears in the table: how many parameters it is, and how many of them a description
 /// names.
 template <class A>
 struct Expanded {
@@ -90,13 +90,13 @@ struct Signature<R(A...)> {
   static constexpr std::size_t kWidth = (0 + ... + Expanded<A>::kWidth);
   static constexpr std::size_t kNamed = (0 + ... + Expanded<A>::kNamed);
 
-  /// Writes the parameters: their names, of which there are kNamed, and types.
+  /// Writes the parameters' types and names; kNamed of them get names.
   static constexpr void describe([[maybe_unused]] Parameter* at, [[maybe_unused]] const Parameter* names) {
     ((Expanded<A>::describe(at, names), at += Expanded<A>::kWidth, names += Expanded<A>::kNamed), ...);
   }
 
-  /// What runs `implementation`, a member function of C or a callable that takes a C& first. One that returns nothing
-  /// leaves the result Empty.
+  /// The body that runs `implementation`, a member function of C or a callable that takes a C& first. If it returns
+  /// nothing, the result is Empty.
   template <class C, class F>
   static Body body(F implementation) {
     return [implementation](Object& self, CallArguments& arguments) {
@@ -105,7 +105,7 @@ struct Signature<R(A...)> {
   }
 
  private:
-  // Where argument `i` of the signature begins among the parameters.
+  // Position of the first parameter that belongs to argument `i` of the signature.
   static constexpr std::size_t position(std::size_t i) {
     constexpr std::array<std::size_t, sizeof...(A) + 1> kWidths = {Expanded<A>::kWidth..., 0};
     std::size_t at = 0;
@@ -130,7 +130,7 @@ struct Signature<R(A...)> {
   }
 };
 
-/// One member as its table tells it, but for what it does: a constant, so that nothing is made before it is needed and
+/// A member's description without its implementation. It is a constant, so nothing is created before it is needed, and
 /// a wrong number of names does not compile.
 template <class S>
 struct Described {
@@ -150,7 +150,7 @@ struct Described {
   Member row() const { return {name, kind, 0, Parameters(parameters.begin(), parameters.end()), Shape::kResult, {}}; }
 };
 
-/// A method, by its signature.
+/// Describes a method, from its signature.
 template <class S, std::size_t N>
 consteval Described<S> method(std::string_view name, const Parameter (&parameters)[N]) {
   return {name, MemberKind::method, std::to_array(parameters)};

@@ -17,7 +17,7 @@ struct Null {
   bool operator==(const Null&) const = default;
 };
 
-/// A date of the program's: its number of days, and the text that the program's system makes of it.
+/// A date of the program: its number of days, and the text that the program's system gives it.
 struct Date {
   double days;
   Text text;
@@ -29,11 +29,10 @@ struct Date {
 using Value =
     std::variant<std::monostate, Null, bool, std::uint8_t, std::int16_t, std::int32_t, double, Text, ObjectPtr, Date>;
 
-/// A value in the type that a member wants. Empty is 0, "" or False; True is -1 as a number; a real number becomes an
-/// integer rounded half to even; a text is a number when parseNumber takes it; a date is a number or a text, whichever
-/// is wanted.
-/// Raises typeMismatch for what has no such value (Null, an object, a text that is no number) and overflow for a number
-/// beyond the type, which for an integer infinities and NaN are too.
+/// Converts a value to the type that a member needs. Empty is 0, "" or False; True is -1 as a number; a real number
+/// becomes an integer by rounding half to even; a text is a number if parseNumber accepts it; a date converts to a
+/// number or a text. Raises typeMismatch if there is no such value (Null, an object, a text that is not a number), and
+/// overflow for a number outside the type's range; for integers this includes infinities and NaN.
 template <class T>
 T convertTo(const Value& value);
 
@@ -57,7 +56,7 @@ Value convertTo<Value>(const Value& value);
 template <class T>
 concept Enumeration = std::is_enum_v<T>;
 
-/// An enumeration travels as its number.
+/// An enumeration is passed as its number.
 template <Enumeration E>
 E convertTo(const Value& value) {
   return static_cast<E>(convertTo<std::int32_t>(value));

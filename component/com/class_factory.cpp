@@ -7,7 +7,7 @@
 namespace mirvane::com {
 namespace {
 
-// When the process ends: the record's own thread is gone by then.
+// At the end of the process the record's own thread is already gone.
 struct RecordEnd {
   RecordEnd() = default;
   RecordEnd(const RecordEnd&) = delete;
@@ -19,8 +19,8 @@ struct RecordEnd {
 
 bool startOnce() {
   static const RecordEnd kRecordEnd;
-  // For good. The end of an apartment would take an open port's state with it and leave the port open and taken, and
-  // every unloading costs the process one of its thread-local places, of which there are some thousand.
+  // Pinned for ever. Unloading with an apartment would lose the state of an open port and leave the port blocked, and
+  // each unloading costs the process one of about a thousand thread-local slots.
   HMODULE pinned = nullptr;
   GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
                      reinterpret_cast<LPCWSTR>(&startOnce), &pinned);
@@ -52,7 +52,7 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object)
   });
 }
 
-// The DLL stays anyway.
+// The DLL stays loaded anyway.
 HRESULT ClassFactory::LockServer(BOOL /*lock*/) { return S_OK; }
 
 }  // namespace mirvane::com

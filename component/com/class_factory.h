@@ -5,7 +5,7 @@
 
 namespace mirvane::com {
 
-/// Makes the objects of one public class. Every object is its own: none is shared, none can be aggregated.
+/// Creates objects of one public class. Each call creates a new object; aggregation is not supported.
 class ClassFactory final : public ComObject<IClassFactory> {
  public:
   explicit ClassFactory(const PublicClass& publicClass) : class_(publicClass) {}

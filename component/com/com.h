@@ -23,7 +23,7 @@ struct Releaser {
 template <class T>
 using ComPtr = std::unique_ptr<T, Releaser>;
 
-/// The identifier that `text` writes in braces.
+/// Parses a GUID written in braces.
 inline GUID guidFrom(std::string_view text) {
   constexpr std::size_t kLength = 38;
   wchar_t wide[kLength + 1] = {};
@@ -33,10 +33,10 @@ inline GUID guidFrom(std::string_view text) {
   return guid;
 }
 
-/// A COM object and its reference count, which is 1 at first.
+/// A COM object with its reference count, which starts at 1.
 ///
-/// The last reference goes inside: another thread's call may be about to hand this very object out, and what ends with
-/// it is everybody's. Whoever lets go of it waits for nobody, since it may be a garbage collector.
+/// The last Release runs inside the component: another thread's call may be about to return this very object, and its
+/// destruction affects everybody. The releasing thread never waits, because it may be a garbage collector.
 template <class... Interfaces>
 class ComObject : public Interfaces..., private Errand {
  public:
@@ -58,7 +58,7 @@ class ComObject : public Interfaces..., private Errand {
   virtual ~ComObject() = default;
 
   bool isReleased() const { return references_ == 0; }
-  /// Nobody holds it any more.
+  /// Called when the last reference is gone.
   virtual void released() { delete this; }
 
  private:
@@ -81,7 +81,7 @@ HRESULT guarded(F body) noexcept {
   }
 }
 
-/// The same for one that goes inside.
+/// The same, for an entry point that enters the component.
 template <class F>
 HRESULT guardedInside(F body) noexcept {
   HRESULT outcome = S_OK;

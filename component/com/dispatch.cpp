@@ -12,7 +12,7 @@
 namespace mirvane::com {
 namespace {
 
-// Answered by the objects of this component alone.
+// Only this component's objects answer this interface.
 constexpr GUID kOwnObject = {0x5E1C1A0B, 0x7D92, 0x4E0B, {0xA3, 0x6C, 0x19, 0xF8, 0x42, 0xD0, 0x67, 0xB5}};
 
 struct OwnObject : IUnknown {
@@ -25,7 +25,7 @@ const PublicClass* publicClassOf(const ClassInfo& info) {
   return found == all.end() ? nullptr : &*found;
 }
 
-// A name as a member table writes it; empty, which no member is called, when it has other characters than those.
+// A name as in a member table; empty, which matches no member, if it contains other characters.
 std::string narrow(LPCOLESTR name) {
   std::string narrowed;
   for (; *name != 0; ++name) {
@@ -46,7 +46,7 @@ ClassInfo::Access accessFor(WORD flags) {
   return (flags & DISPATCH_METHOD) != 0 ? Access::callOrRead : Access::read;
 }
 
-// The arguments of one call. Positions in the caller's array, which counts from the last one, become positions in the
+// The arguments of one call. Converts positions in the caller's array, which are in reverse order, to positions in the
 // member's parameter list.
 class Call {
  public:
@@ -67,7 +67,7 @@ class Call {
     return member_.invoke(object, arguments);
   }
 
-  // Of one variable that was given twice, what the member changed is written last.
+  // If one variable was given twice, a changed value is written last.
   HRESULT writeBack() {
     HRESULT outcome = S_OK;
     for (const bool changed : {false, true}) {
@@ -80,7 +80,7 @@ class Call {
     return outcome;
   }
 
-  // Tells the caller which element of its array an error is about, when it is about one.
+  // Tells the caller which element of its array caused an error, if any.
   void blame(const AutomationError& error, UINT* badArgument) const {
     UINT bad = bad_;
     const auto parameter = static_cast<std::size_t>(error.argument());
@@ -162,7 +162,7 @@ class Wrapper final : public ComObject<IDispatch, IProvideClassInfo, OwnObject> 
     return guarded([&] { return findTypeInfo(guidFrom(class_->classId), info); });
   }
 
-  // The interface's identifier is reserved, and some programs pass one of their own.
+  // This interface identifier is reserved, but some programs pass one of their own.
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT count, LCID /*language*/,
                                           DISPID* ids) override {
     if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
@@ -190,8 +190,7 @@ class Wrapper final : public ComObject<IDispatch, IProvideClassInfo, OwnObject> 
  private:
   ~Wrapper() override { object_->adapter = nullptr; }
 
-  // Both a call that waits for its turn and a member that shows a window let the program run, which may let go of this
-  // object meanwhile.
+  // Program code may run while a call waits for its turn or a member shows a window, and may release this object.
   void released() override {
     if (calls_ == 0) {
       delete this;
@@ -247,7 +246,8 @@ class Wrapper final : public ComObject<IDispatch, IProvideClassInfo, OwnObject> 
 
   ObjectPtr object_;
   const PublicClass* class_;
-  /// Calls under way, waiting ones included. One that never returns counts for good: its object cannot be ended.
+  /// Calls in progress, waiting ones included. A call that never returns counts for ever: its object cannot be
+  /// destroyed.
   std::atomic<int> calls_ = 0;
 };
 

@@ -3,7 +3,8 @@
 #include "com/class_factory.h"
 #include "com/registration.h"
 
-// What the system calls in the DLL. There is no DllMain: nothing has to be done while the system holds its loader lock.
+// The functions that the system calls in the DLL. There is no DllMain, because nothing needs to be done under the
+// loader lock.
 
 using namespace mirvane;
 using namespace mirvane::com;
@@ -19,7 +20,7 @@ STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
   });
 }
 
-// Once it has made an object it stays for good, and asking costs less than loading it anew.
+// Once it has created an object it stays loaded, and this is cheaper than loading it again.
 STDAPI DllCanUnloadNow() { return S_FALSE; }
 
 STDAPI DllRegisterServer() {
@@ -30,7 +31,7 @@ STDAPI DllUnregisterServer() {
   return guarded([] { return unregisterComponent(Scope::machine); });
 }
 
-// "user", as in regsvr32 /n /i:user, is for the current user alone and takes no administrator.
+// "user", as in regsvr32 /n /i:user, means the current user only and needs no administrator rights.
 STDAPI DllInstall(BOOL install, LPCWSTR commandLine) {
   const bool user = commandLine != nullptr && _wcsicmp(commandLine, L"user") == 0;
   const Scope scope = user ? Scope::user : Scope::machine;

@@ -38,33 +38,34 @@ namespace {
 using platform::DuringCall;
 using platform::OwnFloatingPoint;
 
-/// One entry, on the stack of its thread.
+/// One entry, on its thread's stack.
 struct Visit {
   void (*body)(void*);
   void* given;
-  /// Of an outermost one; no other has the same.
+  /// Unique number of an outermost entry.
   std::uint64_t number = 0;
   bool isOutermost = false;
-  /// What a call that never returned has left to be cleared: that of this thread, or of one that has ended.
+  /// Which call that never returned has left something to clean up: one of this thread, or one of a thread that has
+  /// ended.
   enum class Remains { kNone, kOfThisThread, kOfEndedThread } remains = Remains::kNone;
-  /// How many of DuringCall were there before.
+  /// How many DuringCall objects existed before.
   std::size_t shownBefore = 0;
 };
 
 Errands errands;
 
-// Never destroyed: programs let go of objects until the very end of the process.
+// Never destroyed: programs release objects until the very end of the process.
 Turn& turn() {
   static Turn& the = *new Turn;
   return the;
 }
 
-// The call that has the turn, and its number. It still stands here when its thread has ended inside.
+// The call that has the turn, and its number. Still set if its thread ended inside.
 const Visit* outermost = nullptr;
 std::uint64_t lastNumber = 0;
 
-// Whether the program has left past a call of this thread's with a jump that tells nobody. The stack grows downwards,
-// and what is above belongs to others since.
+// Whether the program has left a call of this thread by a jump of which nobody is notified. The stack grows downwards,
+// so memory above has been reused.
 bool isGone(const Visit* call, const Visit* now) {
   return isOnStack(call) && (std::less_equal<>()(call, now) || call->number != lastNumber);
 }
@@ -82,7 +83,7 @@ void run(void* given) {
 
 void pass();
 
-// The program leaves past a call, and its stack is still there.
+// The program is leaving a call whose stack still exists.
 void left(void* given) {
   const Visit& past = *static_cast<Visit*>(given);
   DuringCall::endFrom(past.shownBefore);
@@ -95,7 +96,7 @@ void left(void* given) {
   pass();
 }
 
-// Its own frame tells the calls apart.
+// A stack frame of its own distinguishes the calls.
 [[gnu::noinline]] void visit(void (*body)(void*), void* given, bool waits) {
   Visit now{body, given};
   const bool isMine = turn().isMine();

@@ -2,32 +2,33 @@
 
 namespace mirvane::com {
 
-/// Enters the component and runs `body(given)`: everything that a program can set off goes through this.
+/// Enters the component and runs `body(given)`. Everything that a program can trigger goes through here.
 ///
-/// All objects share one device, so there is one call at a time, from whichever apartment. The others wait; see
-/// Turn::take. The thread that is inside comes in again at once, from whatever of the program runs within its call:
-/// from a message loop, or an object of the program's that is asked for its value. `body` runs in the component's own
-/// floating-point environment.
+/// All objects share one register, so one call runs at a time, whichever apartment it comes from. Others wait: see
+/// Turn::take. The thread inside may enter again at once, from program code that runs within its call: a message loop,
+/// or an object of the program that is asked for its value. `body` runs with the component's own floating-point
+/// settings.
 ///
-/// A call that never returns is over all the same: its thread has ended, or the program has left past it with an
+/// A call that never returns is cleaned up too: its thread has ended, or the program has left it by an exception or a
+/// jump. Its windows and locks are removed, and the next call enters.
 /// exception or a jump. What it has shown and locked goes, and the next call comes in.
 void enter(void (*body)(void*), void* given);
 
-/// Runs `body()`, which raises nothing, inside.
+/// Runs `body()`, which must not throw, inside the component.
 template <class F>
 void inside(F&& body) {
   enter([](void* given) { (*static_cast<F*>(given))(); }, &body);
 }
 
-/// What is to be done inside, but never waited for.
+/// Work to be done inside the component without waiting to enter.
 class Errand {
  public:
   Errand() = default;
   Errand(const Errand&) = delete;
   Errand& operator=(const Errand&) = delete;
 
-  /// Done at once when nobody is inside or this thread is; else by whoever is, before the next call from within comes
-  /// in, at the latest at the end.
+  /// Runs the errand at once if no thread or this thread is inside. Otherwise the thread inside runs it, before its
+  /// next nested call or at the latest when it leaves.
   void go();
 
  protected:
@@ -35,7 +36,7 @@ class Errand {
 
  private:
   friend class Errands;
-  /// Called once for each `go`, which must not come again before that. May end this object.
+  /// Called once for each `go`; `go` must not be called again before that. May destroy this object.
   virtual void run() = 0;
 
   Errand* next_ = nullptr;

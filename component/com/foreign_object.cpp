@@ -27,7 +27,7 @@ WORD flagsFor(ClassInfo::Access access) {
   return DISPATCH_PROPERTYPUT;
 }
 
-// What a failed call tells about itself.
+// A failed call's description of its error.
 class Exception : public EXCEPINFO {
  public:
   Exception() : EXCEPINFO() {}
@@ -125,7 +125,7 @@ DISPID ForeignObject::idOf(std::string_view member) const {
 Value ForeignObject::invoke(std::string_view member, ClassInfo::Access access, Arguments arguments) {
   const bool write = access == ClassInfo::Access::write;
   const DISPID id = idOf(member);
-  // The object sees the arguments from the last one to the first.
+  // The object expects the arguments in reverse order.
   std::vector<ForeignArgument> held(arguments.size());
   std::vector<VARIANT> given;
   for (std::size_t i = arguments.size(); i-- > 0;) {
@@ -142,7 +142,7 @@ Value ForeignObject::invoke(std::string_view member, ClassInfo::Access access, A
                              &exception, nullptr);
   };
   HRESULT outcome = attempt(flagsFor(access));
-  // Many a property that holds an object can be set but not assigned.
+  // Many properties that hold an object can only be written by reference.
   if (write && outcome == DISP_E_MEMBERNOTFOUND && !given.empty() && given.front().vt == VT_DISPATCH) {
     exception.clear();
     outcome = attempt(DISPATCH_PROPERTYPUTREF);

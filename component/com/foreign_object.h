@@ -5,20 +5,19 @@
 
 namespace mirvane::com {
 
-/// An object of the program's or of another component, which any member of ours can hold and call. Its members are its
-/// own affair: a call asks it by name, and what it answers is the result. Variables of type Text are passed by
-/// reference, everything else by value.
+/// An object of the program or of another component, which our members can hold and call. Members are called by name
+/// and return whatever the object returns. Variables of type Text are passed by reference, everything else by value.
 ///
-/// A failure that automation/errors.h has a number for is raised as an AutomationError, any other as a runtime_error
+/// A failure that has a number in automation/errors.h is raised as an AutomationError, any other as a runtime_error
 /// with the object's own description.
 class ForeignObject final : public Object {
  public:
   explicit ForeignObject(ComPtr<IDispatch> dispatch) : dispatch_(std::move(dispatch)) {}
 
-  /// The object itself, as its component made it; a reference of the caller's own.
+  /// The object itself. The caller owns the reference.
   ComPtr<IDispatch> dispatch() const;
 
-  /// No class of ours: the object is refused wherever one of our records is wanted.
+  /// Not one of our classes: the object is refused wherever one of our records is required.
   const ClassInfo& classInfo() const override;
   Value invoke(std::string_view member, ClassInfo::Access access, Arguments arguments) override;
 
@@ -28,7 +27,7 @@ class ForeignObject final : public Object {
   const ComPtr<IDispatch> dispatch_;
 };
 
-/// A new object of the class with this programmatic identifier; null when it cannot be had, whatever the reason.
+/// Creates an object of the class with this programmatic identifier; null if that fails for any reason.
 ObjectPtr createForeignObject(TextView programmaticId);
 
 }  // namespace mirvane::com

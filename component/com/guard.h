@@ -2,11 +2,11 @@
 
 namespace mirvane::com {
 
-/// Runs `body(given)`. When it never returns, because the program raises an exception in code of its own that runs
-/// within and catches it outside, or jumps out, `left(given)` runs on the way, while the stack is still there.
+/// Runs `body(given)`. If it never returns, because program code called within throws an exception that is caught
+/// outside, or jumps out, `left(given)` runs during the unwinding, while the stack still exists.
 void guard(void (*body)(void*), void (*left)(void*), void* given);
 
-/// Whether the address lies on the stack that this thread runs on now. A fiber has another one.
+/// Whether the address is on the stack that this thread currently runs on. A fiber has its own stack.
 bool isOnStack(const void* address);
 
 }  // namespace mirvane::com

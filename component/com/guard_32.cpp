@@ -3,8 +3,7 @@
 #include "com/guard.h"
 #include "platform/windows/windows.h"
 
-// On 32-bit Windows whoever wants to know of an exception adds itself to a list, which begins at the thread's first
-// entry and goes up the stack.
+// On 32-bit Windows, exception handlers are in a list that starts at the thread's first entry and follows the stack.
 namespace mirvane::com {
 namespace {
 
@@ -17,7 +16,7 @@ struct Registration {
   void* given;
 };
 
-// Called once while a handler is looked for, and once more when one was found further out.
+// Called once while the system looks for a handler, and again after one was found further out.
 EXCEPTION_DISPOSITION unwound(EXCEPTION_RECORD* exception, void* frame, CONTEXT* /*context*/, void* /*dispatcher*/) {
   constexpr DWORD kUnwinding = 2;
   const auto* const registration = static_cast<const Registration*>(frame);

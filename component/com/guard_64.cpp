@@ -3,10 +3,10 @@
 #include "com/guard.h"
 #include "platform/windows/windows.h"
 
-// On 64-bit Windows a handler belongs to a function and stands in its unwinding tables, where the compiler puts its own
-// for C++. That one does not look at other languages' exceptions.
+// On 64-bit Windows a handler belongs to a function and is listed in its unwind tables, where the compiler puts its own
+// for C++. That one ignores exceptions of other languages.
 
-// body in rcx, left in rdx, given in r8; the latter two are kept where the handler finds them.
+// body in rcx, left in rdx, given in r8; the latter two are stored where the handler finds them.
 asm(R"(
   .text
   .globl mirvane_guard

@@ -3,15 +3,16 @@
 #include "automation/object.h"
 #include "com/com.h"
 
-// Declared apart from dispatch.cpp, where they are: a value may hold an object, and an object is called with values.
+// Separate from dispatch.cpp, which implements them, because values may hold objects and objects are called with
+// values.
 namespace mirvane::com {
 
-/// The object as an automation client holds it. The same object has the same identity as long as anyone holds it; a
-/// foreign object keeps its own. Not for null.
+/// The object as an automation client holds it. An object keeps the same identity as long as anybody holds it; a
+/// foreign object keeps its own. `object` must not be null.
 ComPtr<IDispatch> wrap(const ObjectPtr& object);
 
-/// The object behind a COM object of this component, or a ForeignObject for someone else's; null when `pointer` is null
-/// or cannot be called by name.
+/// The object behind a COM object of this component, or a ForeignObject for any other; null if `pointer` is null or
+/// cannot be called by name.
 ObjectPtr unwrap(IUnknown* pointer);
 
 }  // namespace mirvane::com

@@ -12,7 +12,7 @@ namespace {
 
 const std::wstring kClasses = L"Software\\Classes\\";
 const std::wstring kPlatform = sizeof(void*) == 8 ? L"win64" : L"win32";
-// The system's own, which carries calls of any dispatch interface from one apartment to another.
+// The system's marshaler, which carries calls of any dispatch interface between apartments.
 const std::wstring kDispatchProxy = L"{00020420-0000-0000-C000-000000000046}";
 
 std::wstring widened(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
@@ -81,12 +81,12 @@ void registerClass(HKEY root, const PublicClass& c) {
 void unregisterClass(HKEY root, const PublicClass& c) {
   remove(root, classKey(c));
   remove(root, interfaceKey(c));
-  // The programmatic identifier is one for 32-bit and 64-bit programs, whose classes are kept apart.
+  // The programmatic identifier is shared by 32-bit and 64-bit programs; their classes are separate.
   if (exists(root, classKey(c), KEY_WOW64_32KEY) || exists(root, classKey(c), KEY_WOW64_64KEY)) return;
   remove(root, kClasses + programmaticId(c));
 }
 
-// Written here and not by the system's calls, which cannot everywhere keep a registration for the user apart from the
+// Written here instead of by the system's calls, which cannot always keep a user's registration apart from the
 // machine's.
 void registerTypeLibrary(HKEY root) {
   ComPtr<ITypeLib> library;
@@ -112,7 +112,7 @@ void unregisterTypeLibrary(HKEY root) {
   SHDeleteEmptyKeyW(root, libraryKey().c_str());
 }
 
-// Runs a step even after an earlier one failed, and keeps the first failure.
+// Runs a step even if an earlier one failed, and keeps the first failure.
 template <class F>
 void attempt(HRESULT& outcome, F step) {
   try {
@@ -142,7 +142,7 @@ HRESULT unregisterComponent(Scope scope) {
     attempt(outcome, [root, &c] { unregisterClass(root, c); });
   }
   attempt(outcome, [root] { unregisterTypeLibrary(root); });
-  // A user may have no other classes.
+  // The user may have no other classes.
   for (const wchar_t* folder : {L"CLSID", L"Interface", L"TypeLib"}) {
     SHDeleteEmptyKeyW(root, (kClasses + folder).c_str());
   }

@@ -4,15 +4,14 @@
 
 namespace mirvane::com {
 
-/// For whom the component is registered: for all users of the machine, which takes an administrator, or for the
-/// current user.
+/// Scope of a registration: all users of the machine (needs administrator rights), or the current user.
 enum class Scope { machine, user };
 
-/// Writes the classes, their programmatic identifiers and the type library to the registry, all naming this DLL where
-/// it lies now. On a failure nothing of it stays.
+/// Writes the classes, their programmatic identifiers and the type library to the registry, with the present path of
+/// this DLL. If it fails, nothing remains.
 HRESULT registerComponent(Scope scope);
 
-/// Takes everything back. What another build of the component for 32 or 64 bits registered stays.
+/// Removes the registration. The registration of the other bitness stays.
 HRESULT unregisterComponent(Scope scope);
 
 }  // namespace mirvane::com

@@ -10,7 +10,8 @@ namespace {
 
 enum class Signal { kNone, kPassed, kThreadEnded };
 
-// One that was told and ended before it took its turn has told nobody else, so everybody looks again now and then.
+// A thread that is woken and ends before it takes its turn wakes nobody else, so all waiting threads look again now and
+// then.
 constexpr DWORD kLookAgainAfter = 1000;
 
 struct Lock {
@@ -36,14 +37,14 @@ bool isSingleThreaded() {
   return SUCCEEDED(CoGetApartmentType(&type, &qualifier)) && (type == APTTYPE_STA || type == APTTYPE_MAINSTA);
 }
 
-// Which of the handles is signalled; `count` or more for none.
+// Index of the signalled handle; `count` or more if none is.
 DWORD waitOnce(DWORD count, HANDLE* handles) {
   if (isSingleThreaded()) {
     DWORD which = 0;
     const HRESULT outcome = CoWaitForMultipleHandles(0, kLookAgainAfter, count, handles, &which);
     if (SUCCEEDED(outcome)) return which;
     if (outcome == RPC_S_CALLPENDING) return count;
-    // COM cannot let it wait just now.
+    // COM cannot wait at this moment.
   }
   const DWORD which = MsgWaitForMultipleObjectsEx(count, handles, kLookAgainAfter, QS_SENDMESSAGE, 0);
   if (which == WAIT_FAILED) return WaitForMultipleObjects(count, handles, FALSE, kLookAgainAfter);
@@ -91,11 +92,11 @@ void Turn::await(DWORD self) {
     if (isMine) break;
     const HANDLE thread = threadOf(owner);
     const Signal signal = waitFor(passed_, thread);
-    // As long as the handle is held, the number stands for the thread that has ended.
+    // While the handle is held, the id belongs to the thread that has ended.
     isMine = signal == Signal::kThreadEnded && owner_.compare_exchange_strong(owner, self);
     if (thread != nullptr) CloseHandle(thread);
   }
-  isAwaited_ = true;  // the event has told one, and there may be others
+  isAwaited_ = true;  // the event has woken one thread; others may be waiting
 }
 
 void Turn::pass() {

@@ -6,23 +6,23 @@
 
 namespace mirvane::com {
 
-/// Whose turn it is to be inside the component: one thread's at a time. There is no order among those who wait. Taking
-/// and passing it on costs no call of the system's where nobody waits and the thread is the one of last time.
+/// Which thread is inside the component: one at a time. Waiting threads have no order. Taking and passing on the turn
+/// needs no system call if nobody waits and the same thread had it last.
 ///
-/// A thread that ends with the turn loses it to the next that wants it.
+/// A thread that ends while it has the turn loses it to the next one that wants it.
 class Turn {
  public:
   Turn() = default;
   Turn(const Turn&) = delete;
   Turn& operator=(const Turn&) = delete;
 
-  /// Whether the calling thread has it.
+  /// Whether the calling thread has the turn.
   bool isMine() const { return owner_ == GetCurrentThreadId(); }
 
-  /// Waits for it, as COM waits where COM knows the thread as a single-threaded apartment: its windows go on, and calls
-  /// to its objects are served. Any other thread serves what is sent to its windows.
+  /// Waits for the turn. On a thread that COM knows as a single-threaded apartment it waits as COM does: windows are
+  /// served, and so are calls to its objects. Any other thread serves messages sent to its windows.
   void take();
-  /// Takes it if nobody has it.
+  /// Takes the turn if nobody has it.
   bool tryTake();
   void pass();
 
@@ -31,16 +31,16 @@ class Turn {
   void keepThread(DWORD self);
   HANDLE threadOf(DWORD owner);
 
-  /// The thread that has it, 0 for none.
+  /// The thread that has the turn; 0 for none.
   std::atomic<DWORD> owner_ = 0;
-  /// Whether somebody may be waiting for `passed_`.
+  /// Whether some thread may be waiting for `passed_`.
   std::atomic<bool> isAwaited_ = false;
   const HANDLE passed_ = CreateEventW(nullptr, FALSE, FALSE, nullptr);
 
-  /// The thread that had it last. As long as the handle is held, no other thread gets its number.
+  /// The last thread that had the turn. While the handle is held, no other thread gets its id.
   DWORD lastOwner_ = 0;
   HANDLE lastThread_ = nullptr;
-  /// Guards these two. The system's and not the language's: it goes on to the next one when a thread ends with it.
+  /// Guards these two. A system mutex and not std::mutex: it passes to the next thread if its owner ends.
   const HANDLE threadLock_ = CreateMutexW(nullptr, FALSE, nullptr);
 };
 

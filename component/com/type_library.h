@@ -4,7 +4,7 @@
 
 namespace mirvane::com {
 
-/// The type library in the DLL itself; what the registry says of it does not matter.
+/// Loads the type library from the DLL's own resource, whatever the registry says.
 HRESULT loadTypeLibrary(ComPtr<ITypeLib>& library);
 
 /// The description of a class or interface in the type library.

@@ -1,15 +1,15 @@
 #include "platform/windows/windows.h"
 
-// 32 bits only: there, the start-up code of a module gives its unwinding tables to the compiler's shared runtime when
-// the program has loaded that, as every program or add-in does that was built with the same compiler the usual way. The
-// unwinder in this DLL, which does not ask there, would find no handler for its first exception and end the process.
+// 32 bits only. There a module's start-up code gives its unwind tables to the compiler's shared runtime if the program
+// has loaded that, as does every program or add-in built the usual way with the same compiler. The unwinder in this DLL
+// does not look there: it would find no handler for its first exception and end the process.
 
 extern "C" void __register_frame_info(const void* tables, void* kept);
 
 namespace mirvane::com {
 namespace {
 
-constexpr std::size_t kNameLength = IMAGE_SIZEOF_SHORT_NAME;  // longer ones are cut
+constexpr std::size_t kNameLength = IMAGE_SIZEOF_SHORT_NAME;  // longer names are cut off
 
 const void* unwindingTables() {
   const auto* base = reinterpret_cast<const char*>(platform::ownModule());
@@ -24,7 +24,7 @@ const void* unwindingTables() {
 }
 
 [[gnu::constructor]] void keepOwnUnwinder() {
-  static void* kept[12];  // the unwinder's own, for as long as it has the tables
+  static void* kept[12];  // the unwinder's own record, kept as long as it has the tables
   if (GetModuleHandleW(L"libgcc_s_dw2-1.dll") == nullptr) return;
   if (const void* const tables = unwindingTables()) __register_frame_info(tables, kept);
 }

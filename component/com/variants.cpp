@@ -10,7 +10,7 @@
 namespace mirvane::com {
 namespace {
 
-// The type of a VARIANT for each alternative of Value.
+// The VARIANT type for each alternative of Value.
 constexpr std::array<VARTYPE, std::variant_size_v<Value>> kTypes = {VT_EMPTY, VT_NULL, VT_BOOL, VT_UI1,      VT_I2,
                                                                     VT_I4,    VT_R8,   VT_BSTR, VT_DISPATCH, VT_DATE};
 
@@ -27,7 +27,7 @@ Value objectOf(IUnknown* pointer) {
   return object;
 }
 
-// The nearest number that the variable holds. A negative one keeps its bits in an unsigned variable, so that a failure
+// The nearest number in the variable's range. A negative one keeps its bits in an unsigned variable, so that a failure
 // never reads as 0.
 template <class T>
 void storeInteger(T* variable, double number) {
@@ -77,7 +77,7 @@ void storeNumber(const VARIANT& variable, double number) {
   }
 }
 
-// A variable of the caller's that a member can write to in place; nothing for any other.
+// A reference to the caller's variable if a member can write it in place; nothing for any other.
 std::optional<Reference> inPlace(const VARIANT& variable) {
   switch (variable.vt & VT_TYPEMASK) {
     case VT_UI1:

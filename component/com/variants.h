@@ -9,27 +9,27 @@ namespace mirvane::com {
 
 /// One argument of a call, between the caller's VARIANT and the member.
 ///
-/// A reference to a variable of one of the member's own types is used in place. Any other variable is read, and what
-/// the member made of it is written back after the call. A plain value is only read.
+/// A reference to a variable of one of the member's own types is used in place. Any other variable is read, and the
+/// member's value is written back after the call. A plain value is only read.
 class VariantArgument {
  public:
   VariantArgument() = default;
   VariantArgument(const VariantArgument&) = delete;
   VariantArgument& operator=(const VariantArgument&) = delete;
 
-  /// Takes the caller's VARIANT. Raises typeMismatch for what no member can take, such as an array; but what a variable
-  /// of any type holds does not matter where it is for an `output`.
+  /// Reads the caller's VARIANT. Raises typeMismatch for what no member can take, such as an array. For an `output`,
+  /// the content of a variable of any type does not matter.
   void read(VARIANT& given, bool output);
 
-  /// Missing as long as nothing was read, and when the caller left it out expressly. Refers to this object.
+  /// Missing until something is read, or if the caller explicitly left it out. Refers to this object.
   const Argument& argument() const { return argument_; }
 
-  /// Whether the member changed the value, and not its type alone.
+  /// Whether the member changed the value, not just its type.
   bool isChanged() const;
 
-  /// Gives the caller what the member wrote, also when the member failed. What the member did not write to stays
-  /// exactly what the caller had, be it a date or a currency; but an output that the program has written to meanwhile
-  /// becomes what it was. E_OUTOFMEMORY leaves the caller's variable as it was.
+  /// Writes the member's value to the caller's variable, even if the member failed. What the member did not write stays
+  /// exactly as the caller had it, even a date or a currency; but an output that the program has meanwhile written to
+  /// is restored. With E_OUTOFMEMORY the variable is unchanged.
   HRESULT writeBack();
 
  private:
@@ -37,17 +37,17 @@ class VariantArgument {
   void writeTyped(const Value& result) const;
 
   Argument argument_;
-  /// Where a result goes: a variable of any type, or one of the type that `typed_->vt` tells.
+  /// Where a result goes: a variable of any type, or one of the type in `typed_->vt`.
   VARIANT* variant_ = nullptr;
   VARIANT* typed_ = nullptr;
   Value before_;
-  /// Whether the variable holds what no member gives, such as a date or a currency.
+  /// Whether the variable holds a type that no member returns, such as a date or a currency.
   bool isForeign_ = false;
   bool isOutput_ = false;
   std::variant<bool, double, Text, ObjectPtr, Value> copy_;
 };
 
-/// A VARIANT of our own.
+/// A VARIANT that is cleared on destruction.
 class Variant : public VARIANT {
  public:
   Variant() : VARIANT() { VariantInit(this); }
@@ -56,16 +56,16 @@ class Variant : public VARIANT {
   ~Variant() { VariantClear(this); }
 };
 
-/// What a VARIANT holds that refers to no variable. Raises typeMismatch for what is no Value, such as an array.
+/// The content of a VARIANT that is not a reference. Raises typeMismatch if it cannot be a Value, such as an array.
 Value valueOf(const VARIANT& given);
 
-/// The same, and `otherwise` for what is no Value.
+/// The same, but returns `otherwise` if it cannot be a Value.
 Value valueOr(const VARIANT& given, const Value& otherwise);
 
-/// Puts a value into a VARIANT that holds nothing. Raises bad_alloc.
+/// Stores a value in an empty VARIANT. Raises bad_alloc.
 void toVariant(const Value& value, VARIANT& result);
 
-/// A text as a BSTR; raises bad_alloc.
+/// Creates a BSTR; raises bad_alloc.
 BSTR toBstr(TextView text);
 Text textOf(BSTR text);
 

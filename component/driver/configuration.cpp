@@ -3,7 +3,7 @@
 #include "driver/fiscal_varlen_module2.h"
 #include "state/message_catalogue.h"
 
-// Ranges are the device's business: it answers with its code.
+// The register checks ranges itself and answers with a code.
 namespace mirvane {
 namespace {
 
@@ -11,19 +11,19 @@ constexpr std::size_t kGroupName = 35;
 constexpr std::size_t kPrinterName = 8;
 constexpr std::size_t kCashierName = 20;
 
-// The size of the confirmation line, and the paper behind it, so that the line can be torn off.
+// Print size of the confirmation line, and the paper fed after it so that the line can be torn off.
 constexpr std::int16_t kVatNumberSize = 2;
 constexpr std::int16_t kVatNumberFeed = 8;
 
-// The device keeps "~" for "/" in addresses, since "/" ends a field.
+// The register stores "/" in addresses as "~", because "/" ends a field.
 Text stored(Text url) {
   std::replace(url.begin(), url.end(), u'/', u'~');
   return url;
 }
 
-// The device's answer about the server: active, data URL, port, key, three empty fields and QR URL. A device that gives
-// the URLs back with "/" inside makes more fields of it: the data URL then ends with the first one that ends in ".php"
-// and has a port behind it. Where there is none, it is one field.
+// The register's answer about the server: active, data URL, port, key, three empty fields and QR URL. If a register
+// returns the URLs with "/" inside, they occupy several fields: the data URL then ends with the first field that ends
+// in ".php" and is followed by a port. If there is none, it is one field.
 struct ServerReply {
   static constexpr std::size_t kUrl = 1;
 
@@ -55,8 +55,8 @@ struct ServerReply {
 
 constexpr TextView kEndServerDialogue = u",/1/";
 
-// The device's commands for these are not known, so nothing is sent and they are refused as the device refuses what it
-// does not know.
+// The register's commands for these are not known. Nothing is sent, and they are refused as the register refuses
+// unknown commands.
 constexpr auto refused = [](Driver& /*driver*/, const auto&... arguments) {
   constexpr auto kUnknown = static_cast<std::int16_t>(DeviceCode::kUnknownRequest);
   const auto refuse = [](const auto& argument) {
@@ -70,7 +70,7 @@ constexpr auto refused = [](Driver& /*driver*/, const auto&... arguments) {
 void readServer(Driver& driver, std::uint8_t& active, Text& urls, Text& port, Text& key, Outcome outcome, Text&) {
   const Reply reply = driver.send(u",/0/", outcome);
   if (!reply.succeeded()) return;
-  driver.session.sendSilently(kEndServerDialogue);  // first, or a reply too short would leave it open
+  driver.session.sendSilently(kEndServerDialogue);  // first, because a reply that is too short would leave it open
   const ServerReply server(reply);
   active = convertTo<std::uint8_t>(Value(reply.number(0)));
   urls = server.urls();
@@ -124,7 +124,7 @@ void addConfiguration(Rows& rows) {
   using namespace contract;
   rows.implement<setHeader>(printedLinesWrite<5>(u"H/"))
       .implement<setFooter>(printedLinesWrite<3>(u"Y/"))
-      // The device takes the last line up to the command's end: this one command has no "/" there.
+      // The register takes the last line up to the command's end: only this command has no "/" there.
       .implement<setTempFooter>([](Driver& driver, Text& line1, Text& line2, Text& line3, Outcome outcome) {
         driver.send(Command(u"m/").text(line1).text(line2).unclosed(line3), outcome);
       })
@@ -151,7 +151,7 @@ void addConfiguration(Rows& rows) {
                         .integer(c.useLCDdisplay()),
                     outcome);
       })
-      // Printed whatever the device says of it; the outcome is that of the last paper feed.
+      // Printed whatever the register answers; the outcome is that of the last paper feed.
       .implement<setVATNumber>([](Driver& driver, Text& sVat, Outcome outcome, Text&) {
         driver.send(u"B/////////" + cleanText(sVat) + u"//////////", outcome);
         printComment(driver, u"VAT = " + sVat, kVatNumberSize, outcome);

@@ -6,10 +6,10 @@
 namespace mirvane {
 namespace {
 
-// Longest logo line of this device, in characters.
+// Longest logo line of this register, in characters.
 constexpr std::int16_t kLogoLine = 48;
 
-// Members of this driver alone, which the wait and programs that hold the driver call by name.
+// Members of this driver only, called by name during a wait and by programs that hold the driver.
 constexpr auto kSendData = method<bool(Text&)>("SendData", {"strData"});
 constexpr auto kRecData = method<Text()>("recData");
 constexpr auto kAvailData = method<bool()>("availData");
@@ -19,7 +19,7 @@ constexpr auto kSend =
 constexpr auto kSendCommand =
     method<void(Text&, Outcome, Text&, std::int16_t&)>("SendCommand_", {"CmdString", "Pass", optional("timeOut")});
 
-// One exchange at the link's own level: no wait, no box but the one about unknown characters.
+// One exchange at the link's level: no wait, and no message box except the one about unknown characters.
 Reply exchangeOnce(Driver& driver, TextView command, Outcome outcome, std::int16_t timeOut = 0) {
   Reply reply = driver.session.exchange(command, outcome, timeOut);
   outcome.set(reply);
@@ -52,7 +52,7 @@ void addConnection(Rows& rows) {
       .implement<GetVersionInfo>([](Driver& driver, Outcome outcome, Text&) {
         const Reply reply = exchangeOnce(driver, u"v/", outcome);
         if (!reply.succeeded()) return;
-        // A version that is not told is a blank one.
+        // A missing version counts as a blank one.
         const auto part = [&reply](std::size_t i) { return i < reply.countAll() ? reply.textAt(i) : Text(); };
         outcome.Exresult =
             part(0) + u"\r\n" + part(1) + u"[" + part(2) + u"]\r\n" + fromUtf8(MIRVANE_VERSION "\r\n" MIRVANE_PRODUCT);

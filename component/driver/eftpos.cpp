@@ -2,8 +2,8 @@
 
 #include "driver/fiscal_varlen_module2.h"
 
-// Card terminals, as the device keeps them. eftId picks the terminal. What is written has one byte for eftEnabled and
-// eftMDW together: a sum beyond it raises overflow, and nothing is sent.
+// The register's card terminal settings. eftId selects the terminal. eftEnabled and eftMDW are written as one byte: a
+// sum above 255 raises overflow, and nothing is sent.
 namespace mirvane {
 namespace {
 
@@ -11,7 +11,7 @@ constexpr std::size_t kDescription = 10;
 
 std::uint8_t byteOf(int value) { return convertTo<std::uint8_t>(Value(std::int32_t{value})); }
 
-// The device keeps the middleware flag inside the enabled flag of what is written; what is read has both.
+// The register expects the middleware flag within the enabled flag; it returns the two separately.
 auto recordWrite(TextView code) {
   return [code](Driver& driver, clsEFT& c, Outcome outcome) {
     driver.send(Command(code)
@@ -65,7 +65,7 @@ void addCardTerminals(Rows& rows) {
   rows.implement<eftRead>(readRecord)
       .implement<eftWrite>(recordWrite(u"E/1/"))
       .implement<eftdel>(recordWrite(u"E/4/"))
-      // Has the device try the terminal.
+      // Makes the register test the terminal.
       .implement<eftTest>([](Driver& driver, clsEFT& c, Outcome outcome) {
         driver.send(Command(u"E/2/")
                         .integer(c.eftId)

@@ -2,7 +2,7 @@
 
 namespace mirvane {
 
-// What a Result means for whoever got it.
+// What a Result means for the caller.
 void addErrors(Rows& rows) {
   using namespace contract;
   const auto ends = [](Driver& /*driver*/, Integer& iErr) { return endsByItself(iErr); };

@@ -8,17 +8,16 @@ namespace mirvane {
 
 class FiscalJournal;
 
-/// The driver of the second-generation device. What each member of the driver interface does is written where its row
-/// is: one source file per subject.
+/// The driver of the second-generation register. Each member is described where its row is; there is one source file
+/// per subject.
 struct FiscalVarlenModule2 : ObjectOf<FiscalVarlenModule2> {
   static constexpr std::string_view kName = "FiscalVarlenModule2";
   static const ClassInfo& describe();
 
-  /// As the session does it.
   Reply send(TextView command, Outcome outcome) { return session.send(command, outcome); }
 
-  /// The status record that programs hold, with what the device told last. It does not tell a full memory, a paid-out,
-  /// a received-on-account or a nearly full fiscal memory, so those flags stay False.
+  /// The status record that programs hold, updated from the register's last reply. The register does not report a full
+  /// or nearly full fiscal memory, paid-out or received-on-account, so those flags stay False.
   clsStatus& refreshedStatus();
 
   Session session{kSecondGenerationWords};
@@ -29,7 +28,7 @@ struct FiscalVarlenModule2 : ObjectOf<FiscalVarlenModule2> {
 using Driver = FiscalVarlenModule2;
 using Rows = ClassBuilder<FiscalVarlenModule2>;
 
-/// Prints a comment line, cut to what the printer takes; a blank one prints nothing and succeeds.
+/// Prints a comment line, cut to the printer's width. A blank one prints nothing and succeeds.
 void printComment(Driver& driver, const Text& text, std::int16_t size, Outcome outcome);
 
 // The rows of each subject.

@@ -1,12 +1,12 @@
 #include "driver/fiscal_varlen_module2.h"
 #include "state/fiscal_types.h"
 
-// The outputs and records change only on success, and are taken from the reply's own fields. A reply with fewer of them
-// than are wanted raises badIndex after those before the gap were taken.
+// Outputs and records change only on success, and are read from the reply's own fields. A reply with too few fields
+// raises badIndex after the available ones have been stored.
 namespace mirvane {
 namespace {
 
-// Each line stands behind its size.
+// Each line follows its size.
 template <std::size_t N>
 auto printedLinesRead(TextView command) {
   return [command](Driver& driver, PrintedLines<N, true> printed, Outcome outcome) {
@@ -25,7 +25,7 @@ void fillNumbers(const Reply& reply, std::initializer_list<double*> numbers) {
   for (double* const number : numbers) *number = reply.number(i++);
 }
 
-// The device lays out the two sales replies differently.
+// The register's two sales replies have different layouts.
 auto salesRead(TextView code, std::size_t amount, std::size_t count) {
   return [=](Driver& driver, clsAccumulator& c, Outcome outcome) {
     const Reply reply = driver.send(Command(code).integer(c.Id), outcome);
@@ -59,7 +59,7 @@ void readDailyTotals(Driver& driver, clsDailyAcc& c, Outcome outcome) {
   c.amtMarkUP = reply.number(15);
 }
 
-// What the device does not tell has fixed values; programs know them.
+// What the register does not report has fixed values, which programs rely on.
 void readSettings(Driver& driver, clsParam& c, Outcome outcome) {
   const Reply reply = driver.send(u"s/", outcome);
   if (!reply.succeeded()) return;

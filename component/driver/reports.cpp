@@ -10,16 +10,16 @@ namespace {
 constexpr int kJournalTries = 3;
 constexpr std::uint32_t kPauseMilliseconds = 3000;
 
-// Whether the last journal step of this process failed, and none has succeeded since.
+// Whether the last journal step of this process failed and none has succeeded since.
 struct JournalStep {
   bool hasFailed = false;
 };
 bool& stepHasFailed() { return kept<JournalStep>().hasFailed; }
 
-// Copies the day's journal from the device, before a closing.
+// Copies the day's journal from the register, before a closing.
 Reply journalStep(Driver& driver) {
   if (driver.journal == nullptr) driver.journal = std::make_shared<FiscalJournal>();
-  stepHasFailed() = true;  // also when a file error leaves the step
+  stepHasFailed() = true;  // also if a file error leaves the step
   Reply end = driver.journal->copyDay(true, true);
   stepHasFailed() = !end.succeeded();
   return end;
@@ -35,15 +35,15 @@ Reply repeatedJournalStep(Driver& driver) {
   return end;
 }
 
-// The box of a device error never comes from the Z report and its reprint.
+// The Z report and its reprint never show a message box for a register error.
 void printSilently(const Text& command, Outcome outcome) {
   bool silent = true;
   sendByCurrentDriver(command, {outcome.Result, outcome.Exresult, silent});
 }
 
-// Closes the fiscal day once its journal is on the disk. Without the journal nothing is closed: the box and the outcome
-// tell it, but a silent caller keeps its variables and learns of it from the missing report alone. A file error raises
-// typeMismatch.
+// Closes the fiscal day once its journal is on disk. Without the journal nothing is closed: the message box and the
+// outcome say so, but a silent caller's variables stay unchanged, and only the missing report shows it. A file error
+// raises typeMismatch.
 void closeDay(Driver& driver, Outcome outcome) {
   const Reply journal = repeatedJournalStep(driver);
   if (journal.succeeded()) {
@@ -58,7 +58,7 @@ void closeDay(Driver& driver, Outcome outcome) {
 void addReports(Rows& rows) {
   using namespace contract;
   rows.implement<issueZReport>(closeDay)
-      // The whole closing when the device has a journal that was not taken yet.
+      // Does the whole closing if the register has a journal that was not read yet.
       .implement<issueZReprintReport>([](Driver& driver, Outcome outcome) {
         const Reply journal = stepHasFailed() ? journalStep(driver) : Reply();
         if (!journal.succeeded()) {

@@ -9,7 +9,7 @@ constexpr std::size_t kItemText = 30;
 constexpr std::size_t kPrinterComment = 48;
 constexpr std::size_t kDisplayComment = 20;
 
-// The device may be waiting for a card terminal.
+// The register may be waiting for a card terminal.
 constexpr std::int16_t kPaymentSeconds = 180;
 
 constexpr TextView kCloseReceipt = u"O/1/";
@@ -22,7 +22,7 @@ constexpr double kHalfCent = 0.005;
 
 constexpr auto kAdjustment = method<std::shared_ptr<clsAdjust>(bool&)>("adjustment", {"onLastItem"});
 
-// The row of an item line; `code` begins its command.
+// The row of an item line; `code` is the start of its command.
 auto itemLine(TextView code) {
   using namespace contract;
   return [code](Driver& driver, Text& itemDesc, Real& itemQuan, Real& itemUnitPrice, Real& itemVatRate,
@@ -43,7 +43,7 @@ auto itemLine(TextView code) {
   };
 }
 
-// The row of a cash document, which is closed as soon as it is open.
+// The row of a cash document, which is closed directly after it is opened.
 auto cashDocument(TextView code) {
   using namespace contract;
   return [code](Driver& driver, Real& amount, Text& description, Outcome outcome) {
@@ -63,9 +63,9 @@ void addNumberOrNothing(Command& command, std::int16_t number) {
 
 void failUnanswered(Outcome outcome) { Session::fail({link_result::kNoAnswer, link_result::kNoAnswerText}, outcome); }
 
-// A reply that does not tell what remains says nothing, least of all that nothing remains: it is asked for again. A
-// field without a number counts as nothing; the device, which knows, then refuses to close. Nothing when it was not
-// told, which `outcome` says.
+// Asks again if a reply does not contain the remaining amount: that does not mean that nothing remains. A field that is
+// not a number counts as 0; the register, which knows better, then refuses to close. Returns nothing if the amount
+// could not be read, which `outcome` says.
 std::optional<double> askRemaining(Driver& driver, Outcome outcome) {
   for (int attempt = 0; attempt < kRemainingAttempts; ++attempt) {
     const Reply reply = driver.send(kAskRemaining, outcome);
@@ -76,7 +76,7 @@ std::optional<double> askRemaining(Driver& driver, Outcome outcome) {
   return std::nullopt;
 }
 
-// What remained to pay before the payment: as the device told it, or the receipt's total where no payment stood in it.
+// The remaining amount before the payment: as the register reported it, or the receipt's total if it had no payment.
 std::optional<double> remainedBefore(Driver& driver, std::optional<double> told, std::optional<bool> wasInPayment) {
   if (told || wasInPayment.value_or(true)) return told;
   const Reply totals = driver.session.sendSilently(kAskTotals);
@@ -84,8 +84,8 @@ std::optional<double> remainedBefore(Driver& driver, std::optional<double> told,
   return totals.number(kReceiptTotal);
 }
 
-// Pays, and closes the receipt when nothing is left. The end of a card payment can get lost on the way; then the
-// receipt tells whether the payment stands in it.
+// Pays, and closes the receipt if nothing remains. The end of a card payment can be lost in transit; then the receipt
+// shows whether the payment was booked.
 void pay(Driver& driver, const Command& command, Outcome outcome, bool readsState) {
   const Session& session = driver.session;
   const auto told = session.remaining();
@@ -101,7 +101,7 @@ void pay(Driver& driver, const Command& command, Outcome outcome, bool readsStat
     if (!before || *remaining > *before - kHalfCent) failUnanswered(outcome);
   }
   if (*remaining > 0 || !driver.send(kCloseReceipt, outcome).succeeded()) return;
-  // The journal wants the device's state after the receipt; the outcome stays that of the payment.
+  // The journal needs the register's state after the receipt; the outcome stays that of the payment.
   if (readsState) driver.session.exchange(u"v/", OwnOutcome());
 }
 

@@ -17,11 +17,11 @@ constexpr Word kDoes{};
 struct Row {
   TextView text;
   Word word;
-  /// The whole command, not its beginning.
+  /// Matches the whole command, not its beginning.
   bool isWhole = false;
 };
 
-// All of them. The first that fits counts.
+// All commands. The first match counts.
 constexpr Row kRows[] = {
     // connection
     {kAskState, kAsks, true},
@@ -71,12 +71,12 @@ constexpr Row kRows[] = {
     // card terminals
     {u"E/0/", kAsks},
     {u"E/1/", kDoes},
-    {u"E/2/", {.pays = true}},  // a terminal that is tested is started
+    {u"E/2/", {.pays = true}},  // testing a terminal starts it
     {u"E/4/", kDoes},
 };
 
 bool namesTerminal(TextView payment) {
-  constexpr std::size_t kTerminal = 5;  // behind the code, number, two texts and the amount
+  constexpr std::size_t kTerminal = 5;  // after the code: number, two texts and the amount
   const std::vector<Text> fields = split(payment, u'/');
   return fields.size() > kTerminal && toInt(fields[kTerminal]) > 0;
 }

@@ -4,7 +4,7 @@
 
 namespace mirvane {
 
-/// The commands of the second-generation device.
+/// The commands of the second-generation register.
 extern const Words kSecondGenerationWords;
 
 }  // namespace mirvane

@@ -36,7 +36,7 @@ bool clearIf(const ObjectPtr& object) {
   return record != nullptr;
 }
 
-// What refuses a member; a record that it would fill is left without earlier figures.
+// The body that refuses a member, and clears the record that the member would fill.
 Body refusal(const contract::AnyMember& member) {
   const auto result = std::ranges::find(member.parameters, Outcome::kNames.front().name, &Parameter::name);
   if (result == member.parameters.end()) {

@@ -11,14 +11,14 @@ namespace {
 
 using contract::AnyMember;
 
-// The facade always passes all arguments on, so its own defaults reach the driver.
+// The facade always passes all arguments on, so the driver gets the facade's defaults.
 constexpr auto kPayment = method<contract::CardPayment>(
     "Payment", {"paymentNumber", "paymentDesc", "paymentAmount", "eftposNum", "eftposType", optional("paymentDesc2"),
                 optional("bReadEJ", true), optional("inPrePayment", false)});
 constexpr Described<std::shared_ptr<clsAdjust>(bool&)> kAdjustmentProperty{"adjustment", MemberKind::get,
                                                                            std::array<Parameter, 1>{"onLastItem"}};
 
-// What passes all arguments on, as references, to the current driver's member of the name `to`.
+// The body that passes all arguments, as references, to the current driver's member `to`.
 Body forwardTo(std::string_view to, const Type& result) {
   return [to, result](Object& /*self*/, CallArguments& arguments) {
     return convertedTo(result, driverOrRefusal()->invoke(to, ClassInfo::Access::callOrRead, arguments.references()));
@@ -38,7 +38,7 @@ Member forwarded(const AnyMember& member) {
   return row;
 }
 
-// The row of a member that does nothing and leaves every argument as it is.
+// The row of a member that does nothing and leaves all arguments unchanged.
 Member idle(const AnyMember& member) {
   Member row = member.withBody([](Object& /*self*/, CallArguments& /*arguments*/) { return Value(); });
   row.assigns = false;
@@ -54,7 +54,7 @@ fiscalTrevikModule::fiscalTrevikModule() {
 
 fiscalTrevikModule::~fiscalTrevikModule() { fiscalTrevikModule::released(); }
 
-// At once, though the object lives on: a Connect_ of another one that comes now keeps the driver.
+// At once, even if the object lives on: a later Connect_ of another object keeps its driver.
 void fiscalTrevikModule::released() {
   if (!std::exchange(hasEnded_, true)) endFacade();
 }

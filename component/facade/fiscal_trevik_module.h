@@ -7,10 +7,10 @@
 
 namespace mirvane {
 
-/// The class that a point-of-sale program creates. It finds the driver of the device on the port and passes every
-/// operation on to it by name, with the caller's own variables; it has no device logic of its own.
+/// The class that a till program creates. It finds the driver for the register on the port and forwards every operation
+/// to it by name, with the caller's own variables. It has no register logic of its own.
 ///
-/// All facade objects share one driver, and destroying any of them releases it for all.
+/// All facade objects share one driver; destroying any of them releases it for all.
 class fiscalTrevikModule : public ObjectOf<fiscalTrevikModule> {
  public:
   static constexpr std::string_view kName = "fiscalTrevikModule";
@@ -21,26 +21,26 @@ class fiscalTrevikModule : public ObjectOf<fiscalTrevikModule> {
 
   void released() override;
 
-  /// Which driver was selected last; selects none.
+  /// The type of the driver selected last; does not select one.
   FISCAL_TYPES getFiscalType();
 
-  /// Selects a driver by probing when none is current, then connects it (a second time after a probe, which is
-  /// harmless).
+  /// If no driver is current, probes for one, then connects it. After a probe this connects a second time, which is
+  /// harmless.
   void Connect_(Text PORT, Outcome outcome);
 
-  /// Disconnects and releases the current driver; probes like Connect_ when there is none.
+  /// Disconnects and releases the current driver; if there is none, probes as Connect_ does.
   Value DisConnect_(Text& PORT, Outcome outcome);
 
-  /// The state that the current driver knows; a new record, and no driver selected, while none is current.
+  /// The state that the current driver knows. While no driver is current, returns a new record and selects none.
   std::shared_ptr<clsStatus> StatusRead();
 
-  /// A card terminal record of this object's own, the same on every read.
+  /// This object's card terminal record; the same on every read.
   std::shared_ptr<clsEFT> clsEFTpos();
 
-  /// Switches the debug trace and its window on, for the whole component. The operator may close the window, and a
-  /// further call opens it again.
+  /// Switches the debug trace and its window on, for the whole component. If the operator closes the window, another
+  /// call opens it again.
   void activateDebug();
-  /// Switches the trace off, as the end of the last object of this class does: nobody else could.
+  /// Switches the trace off. The end of the last facade object does so too, because nobody else could.
   void DeactivateDebug();
 
  private:

@@ -2,7 +2,7 @@
 
 #include "automation/signature.h"
 
-// What several members have in common, each one parameter in C++ and several for a program. A read has it `kFilled`.
+// What several members have in common: one parameter in C++, several for a program. In a read it is `kFilled`.
 namespace mirvane {
 
 namespace detail {

@@ -13,12 +13,13 @@ namespace {
 
 using recorder::EventKind;
 
-/// How a member reports.
+/// How a member reports its outcome.
 struct Report {
   enum class Kind { kNone, kOutcome, kJournal } kind = Kind::kNone;
-  /// The parameter Result, behind which Exresult and SupressError_ stand, or errorDesc.
+  /// Index of the parameter Result, which Exresult and SupressError_ follow, or of errorDesc.
   std::size_t at = 0;
-  /// The flag that says whether the operator is to see anything, and its value when not; past the end for none.
+  /// Index of the flag that says whether the operator sees anything, and its value for no; past the end if there is
+  /// none.
   std::size_t flag = 0;
   bool silence = true;
 };
@@ -28,7 +29,7 @@ Report reportOf(const Member& member) {
     return static_cast<std::size_t>(std::ranges::find(member.parameters, name, &Parameter::name) -
                                     member.parameters.begin());
   };
-  // A member that leaves its variables as they are does nothing at all.
+  // A member that leaves its variables unchanged does nothing at all.
   if (!member.assigns) return {};
   if (const std::size_t at = find(Outcome::kNames.front().name); at < member.parameters.size()) {
     return {Report::Kind::kOutcome, at, at + 2, true};
@@ -50,14 +51,14 @@ void release() {
 
 void finishCall() {
   Call& call = moduleState().call;
-  // Shown even to callers that suppress errors: the network endpoint has no switch for it.
+  // Shown even if the caller suppresses errors: the network endpoint has no switch for it.
   if (!call.networkFailure.empty()) {
     showBox(std::exchange(call.networkFailure, {}), platform::kCritical, kDeviceFamilyName);
   }
   forgetCall();
 }
 
-// An operation inside, from its beginning to its end.
+// An operation inside the door, from start to end.
 class Inside {
  public:
   explicit Inside(bool isSilent) {
@@ -86,16 +87,16 @@ class RecordedCall {
   double begin_ = clock().elapsed();
 };
 
-/// A row of the table, and what the door has to know of it.
+/// A row of the table, and what the door needs to know about it.
 struct Entrance {
   Member member;
   Report report;
   Text name;
-  /// Of the member that connects: whether a port is open.
+  /// For the member that connects: whether a port is open.
   bool (*isConnected)() = nullptr;
 
   Value enter(Object& self, CallArguments& arguments) const {
-    // The component's own call of the driver that it has chosen; no program holds that.
+    // The component itself calls the driver that it has chosen; no program holds that.
     if (&self == moduleState().currentDriver.get()) return member.body(self, arguments);
     arguments.detach(report.at);
     if (report.kind == Report::Kind::kOutcome) arguments.detach(report.at + 1);

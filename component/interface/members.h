@@ -12,27 +12,27 @@
 #include "records/cls_status.h"
 #include "records/cls_trans_total.h"
 
-// What a program can ask of a register: each member once. Every driver offers them under exactly these names, and the
-// facade reaches them by name, with the caller's own variables. A driver says what it does by implement<Member>; the
-// facade, the null driver, the type library and the reference follow from the rows.
+// What a program can ask of a register; each member appears once. Every driver offers them under exactly these names,
+// and the facade calls them by name, with the caller's own variables. A driver implements a member with
+// implement<Member>. The facade, the null driver, the type library and the reference are made from the rows.
 //
-// Every operation reports through its Outcome: three variables of the caller's, whose names are not written here.
-// Pass, where there is one, is the command's password. Amounts are in euro, rates in percent.
+// Every operation reports through its Outcome: three variables of the caller, whose names are omitted here. Pass, where
+// present, is not used. Amounts are in euro, rates in percent.
 namespace mirvane::contract {
 
 using Integer = std::int16_t;
 using Real = double;
 using Byte = std::uint8_t;
 
-/// Where a member stands in the two classes that programs see: its dispatch ids, 0 where a class does not offer it, and
-/// its name in the facade, where that is another one. A member keeps its ids for ever: programs are compiled with them.
+/// Where a member is in the two classes that programs see: its dispatch ids (0 if a class does not offer it), and its
+/// name in the facade if that differs. Ids never change: programs are compiled with them.
 struct Places {
   std::int32_t facade = 0;
   std::int32_t null = 0;
   std::string_view facadeName{};
 };
 
-/// What the null driver does with what the member fills.
+/// What the null driver does with the variables that the member fills.
 enum class WithoutDevice { kLeft, kCleared };
 
 /// One member: its description, its places, and what it does, in Markdown.
@@ -111,7 +111,7 @@ inline constexpr auto ItemSale = operation<ItemLine>(
 inline constexpr auto ItemVoid = operation<ItemLine>("ItemVoid", {8, 6}, kItem, "Cancels a line of the open receipt.");
 inline constexpr auto ItemRefund =
     operation<ItemLine>("ItemRefund", {9, 7}, kItem, "Takes back goods of an earlier receipt.");
-/// Pays, and closes the receipt when nothing is left to pay. The form without a card terminal, of the null driver.
+/// Pays, and closes the receipt if nothing remains to be paid. The null driver's form, without a card terminal.
 inline constexpr auto Payment = operation<Value(Integer&, Text&, Real&, Outcome, Text&, bool&)>(
     "Payment", {0, 8},
     {"paymentNumber", "paymentDesc", "paymentAmount", optional("paymentDesc2"), optional("bReadEJ", false)});
@@ -235,27 +235,27 @@ inline constexpr auto eftdel =
 
 // ---- About results
 
-/// Whether a Result tells of a state that the device ends by itself, so that waiting helps.
+/// Whether the register ends the state behind this Result by itself, so that waiting helps.
 inline constexpr auto bFixableError = operation<bool(Integer&)>("bFixableError", {0, 50}, {"iErr"});
 inline constexpr auto isErrorFixable = operation<bool(Integer&)>("isErrorFixable", {0, 51}, {"iErr"});
 /// Whether the command that ended with this Result may be sent again once the state has passed.
 inline constexpr auto bShouldRetry = operation<bool(Integer&)>("bShouldRetry", {0, 52}, {"iErr"});
-/// Whether a Result tells that the register cannot go on without help.
+/// Whether this Result means that the register cannot continue without help.
 inline constexpr auto isCriticalError = operation<bool(Integer&)>("isCriticalError", {0, 53}, {"iErr"});
-// ---- Of drivers alone
+// ---- Members of drivers only
 
-/// Pays, by card terminal eftposNum of type eftposType where these are greater than 0, and closes the receipt when
-/// nothing is left to pay. The form of the drivers, to which the facade's own leads.
+/// Pays, by card terminal eftposNum of type eftposType if these are greater than 0, and closes the receipt if nothing
+/// remains to be paid. The drivers' form; the facade's Payment calls it.
 inline constexpr auto DriverPayment =
     method<CardPayment>("Payment", {"paymentNumber", "paymentDesc", "paymentAmount", "eftposNum", "eftposType",
                                     optional("paymentDesc2"), optional("bReadEJ"), optional("inPrePayment")});
-/// The last complete reply as the device sent it, from which the component takes its fields: Exresult has the text for
-/// the operator where the reply tells of a condition such as paper end.
+/// The last complete reply as the register sent it, from which the component reads the fields. Exresult instead holds
+/// the operator's text if the reply reports a condition such as paper end.
 inline constexpr Described<Text()> lastReply{"lastReply", MemberKind::get, std::array<Parameter, 0>()};
 
-// ---- All of them
+// ---- All members
 
-/// A row, whatever its signature.
+/// A row with any signature.
 struct AnyMember {
   Places places;
   WithoutDevice withoutDevice;
@@ -275,7 +275,7 @@ struct AnyMember {
         result(Signature<S>::kResult) {}
 
   std::string_view facadeName() const { return places.facadeName.empty() ? name : places.facadeName; }
-  /// The row of a class that treats the arguments alike, whatever they are.
+  /// The row for a class that handles all signatures alike.
   Member withBody(Body body) const {
     return {name, kind, 0, Parameters(parameters.begin(), parameters.end()), result, std::move(body)};
   }
@@ -338,7 +338,7 @@ inline constexpr AnyMember kMembers[] = {logoLineDescLength,
                                          bShouldRetry,
                                          isCriticalError};
 
-/// Whether the facade and the null driver know the row.
+/// Whether the facade and the null driver have the row.
 template <class S>
 consteval bool isListed(const MemberRow<S>& row) {
   return std::ranges::any_of(kMembers, [&row](const AnyMember& member) { return member.name == row.name; });

@@ -6,7 +6,7 @@ namespace mirvane {
 
 Reply sendByCurrentDriver(Text command, Outcome outcome) {
   Text noPass;
-  // The one that was asked, also when the program releases it during a wait.
+  // Keeps the driver, because the program may release it during a wait.
   const ObjectPtr driver = driverOrRefusal();
   driver->call("SendCommand_", command, outcome.Result, outcome.Exresult, outcome.SupressError_, noPass);
   const bool succeeded = outcome.Result == 0;

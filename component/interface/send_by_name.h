@@ -4,10 +4,10 @@
 
 namespace mirvane {
 
-/// Has the current driver send a command, without a password, through its members of the driver interface.
+/// Sends a command through the current driver's members.
 Reply sendByCurrentDriver(Text command, Outcome outcome);
 
-/// The same without boxes and without a caller who sees the outcome.
+/// The same without message boxes, for a command whose outcome the caller does not see.
 Reply askCurrentDriver(Text command);
 
 }  // namespace mirvane

@@ -6,8 +6,8 @@
 
 namespace mirvane {
 
-/// The frame of a command, and whether it stands for the command's own text: a character that the device has no code
-/// for is "?" there, and so is a control byte of the link, which would end the frame in its middle.
+/// The frame of a command, and whether it represents the command's text. Characters that the register has no code for
+/// become "?", and so do the link's control bytes, which would end the frame in its middle.
 struct Frame {
   explicit Frame(TextView command);
 
@@ -15,17 +15,17 @@ struct Frame {
   bool isFaithful = true;
 };
 
-/// The reply in what came in, from its STX on. It begins at the last STX with a result and status bytes behind it: what
-/// stands before is the rest of an attempt that was cut off, or noise. With no such STX it is all that came.
+/// The reply within what was received, from its STX on. It begins at the last STX followed by a result and status
+/// bytes: anything before is the rest of an interrupted attempt, or noise. Without such an STX, everything received.
 TextView replyIn(TextView received);
 
-/// Whether a reply begins as a frame does and lacks its end, which a network lets through.
+/// Whether a reply begins as a frame and lacks its end; the network accepts these.
 bool isCut(TextView reply);
 
-/// Whether one datagram is a frame with result and status bytes.
+/// Whether one datagram is a complete frame with result and status bytes.
 bool isWholeReply(const std::string& datagram);
 
-/// A reply without the control bytes of the link.
+/// The reply without the link's control bytes.
 Text withoutControls(TextView reply);
 
 }  // namespace mirvane

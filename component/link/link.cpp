@@ -17,7 +17,7 @@ void tellOfUnknownCharacters() {
   showBox(u"INVALID CHARACTERS", platform::kInformationSystemModal, langMessage(message::kBoxTitle));
 }
 
-// What came in, read.
+// What was received, parsed.
 struct Received {
   explicit Received(const std::string& bytes) {
     const Text all = fromCodePage(bytes);
@@ -40,7 +40,7 @@ Reply silentDevice() { return {link_result::kNoAnswerToCommand, link_result::kNo
 Answer exchange(TextView command, const Sending& sending, SilenceObserver& silence) {
   const Frame frame(trim(command));
   if (thePort().isOpen() && !frame.isFaithful && !sending.silent) tellOfUnknownCharacters();
-  // Looked at behind the box, while which the program runs.
+  // Checked after the box, because program code runs while it is shown.
   if (!thePort().isOpen()) return {closedPort()};
   moduleState().call.holdsKey = sending.word.holdsKey;
   Answer answer;
@@ -58,7 +58,7 @@ Answer exchange(TextView command, const Sending& sending, SilenceObserver& silen
     transport().trace(u" reply     ", received.clean);
     const bool tellsNothing = sending.word.asks && received.tellsNothing();
     if (!tellsNothing || asking == kAskings) transport().acknowledge();
-    // What a piece of the journal lacks is lost: the device has moved on.
+    // A missing part of a journal piece is lost: the register has moved on.
     const bool lacksPiece = sending.word.movesJournal && received.isCut;
     if (!tellsNothing && !lacksPiece) {
       answer.reply = Reply(std::move(received.clean));

@@ -7,26 +7,26 @@
 
 namespace mirvane {
 
-/// What came of a command.
+/// The outcome of a command.
 struct Answer {
   Reply reply;
-  /// How often the command went out, in all its askings and their attempts.
+  /// How often the command was sent, in all rounds and their attempts.
   int attempts = 0;
 };
 
-/// Frames one command, sends it over the open port and takes its reply. A command that only asks is sent again when the
-/// reply tells nothing, three times in all; the first two times such a reply is not acknowledged, so that the device
-/// tells again what it may tell only once. Without an open port nothing is sent.
+/// Frames one command, sends it over the open port and returns its reply. A question whose reply says nothing is sent
+/// again, three times in all. The first two such replies are not acknowledged, so that the register repeats what it may
+/// report only once. Without an open port nothing is sent.
 Answer exchange(TextView command, const Sending& sending, SilenceObserver& silence);
 
-/// Asks once, for so many seconds at most; nothing when no reply with its status bytes came.
+/// Asks once and waits at most this many seconds; nothing if no reply with status bytes arrives.
 std::optional<Reply> askBriefly(TextView question, double seconds);
 
-/// Whether the device could take this command for a repetition of the one before: on a network it knows one by its
-/// frame, until an acknowledgement has arrived there, which nobody can see.
+/// Whether the register could take this command for a repetition of the previous one. On a network it recognises a
+/// repetition by its frame until an ACK has arrived, and nobody can see whether it has.
 bool looksRepeated(TextView command);
 
-/// What a silent serial device comes to, until it answers.
+/// The Reply that stands for a silent serial register until it answers.
 Reply silentDevice();
 
 }  // namespace mirvane

@@ -10,7 +10,7 @@ namespace {
 using recorder::EventKind;
 
 constexpr std::size_t kMostBytes = 10000;
-// What programs see as the handle of a socket that could not be had.
+// The handle that programs see for a socket that could not be created.
 constexpr std::int32_t kInvalidSocket = -1;
 
 platform::DatagramSockets& sockets() { return moduleState().platform->sockets; }
@@ -18,10 +18,10 @@ platform::DatagramSockets& sockets() { return moduleState().platform->sockets; }
 constexpr TextView kCannotSend = u"Λάθος κατά την αποστολή δεδομένων στην θύρα (Ethernet)";
 constexpr TextView kCannotReceive = u"Λάθος κατά την ανάγνωση στοιχείων απο την θύρα (Ethernet)";
 
-// Shown even to callers that suppress errors: this class has no switch for it.
+// Shown even if the caller suppresses errors: this class has no switch for it.
 void report(TextView prompt) { showBox(prompt, platform::kCritical, kDeviceFamilyName); }
 
-// A box within an exchange would let the program run between its lines, and one for each attempt would be eight.
+// A box within an exchange would let program code run in the middle of it, and there would be one per attempt.
 void reportLater(TextView prompt) {
   TextView& failure = moduleState().call.networkFailure;
   if (failure.empty()) failure = prompt;
@@ -53,7 +53,7 @@ std::int16_t cTCPIP::open(std::int32_t localPort, platform::SystemError& reason)
   if (refused(sockets().bind(socket_, static_cast<std::uint16_t>(localPort)))) return -4;
   const bool isRefused =
       refused(sockets().connect(socket_, toCodePage(remoteHost_), static_cast<std::uint16_t>(remotePort_)));
-  // Set even when connecting failed: the link counts as up from here on, and a bad address shows at the first send.
+  // Set even if connecting failed: from now on the link counts as open, and a bad address shows at the first send.
   portProp().isConnected = true;
   return isRefused ? -6 : 0;
 }
@@ -84,7 +84,7 @@ bool cTCPIP::sendBytes(std::string_view bytes) {
 
 bool cTCPIP::IsDataAvailable(std::int16_t& iTM) { return sockets().waitReadable(socket_, iTM); }
 
-// One datagram; nothing when reading fails.
+// One datagram; nothing if reading fails.
 std::optional<std::string> cTCPIP::receive() {
   auto datagram = sockets().receive(socket_, kMostBytes);
   if (datagram) recordBytes(EventKind::kReceived, *datagram);
@@ -113,7 +113,7 @@ bool cTCPIP::ReceiveData(Value& strData, Value& lngBytesReceived) {
 }
 
 void cTCPIP::ShutdownConnection() {
-  // Without a start of ours there is nothing to end: the program may use the socket library itself.
+  // If we did not start the socket library, we must not shut it down: the program may use it itself.
   if (socket_ == 0) return;
   sockets().shutDown(socket_);
   record(EventKind::kClose, 0, name());

@@ -5,8 +5,8 @@
 
 namespace mirvane {
 
-/// The network endpoint to one device: a datagram socket, whatever the name says, bound to all local interfaces and
-/// connected to the device. Set RemoteHostIP and RemotePort, call OpenConnection, then send, poll and receive.
+/// The network endpoint to one register. Despite its name it is a datagram socket, bound to all local interfaces and
+/// connected to the register. Set RemoteHostIP and RemotePort, call OpenConnection, then send, poll and receive.
 class cTCPIP : public ObjectOf<cTCPIP> {
  public:
   static constexpr std::string_view kName = "cTCPIP";
@@ -17,23 +17,23 @@ class cTCPIP : public ObjectOf<cTCPIP> {
   /// The socket; 0 when none is open.
   std::int32_t SocketHnd() { return socket_; }
 
-  /// Opens the endpoint on local port `nPort` (0: the system's choice). 0 when open; -1 the socket library did not
-  /// start, -2 no socket, -4 the local port cannot be bound, -6 the remote address cannot be connected. What a failure
-  /// left behind is cleaned up by ShutdownConnection or on release.
+  /// Opens the endpoint on local port `nPort`; 0 lets the system choose. Returns 0; -1 if the socket library does not
+  /// start, -2 without a socket, -4 if the local port cannot be bound, -6 if the remote address cannot be connected.
+  /// After a failure, ShutdownConnection or the release cleans up.
   std::int16_t OpenConnection(std::int32_t nPort);
 
-  /// Takes one datagram that is waiting: its text and length in bytes. False, and both untouched, when none is waiting;
-  /// False, "" and 0 after the message box when reading fails.
+  /// Reads one waiting datagram: its text, and its length in bytes. Returns False and changes neither if none is
+  /// waiting; returns False, "" and 0 after the message box if reading fails.
   bool ReceiveData(Value& strData, Value& lngBytesReceived);
-  /// Sends the text as one datagram in the device's code page. False after the message box when sending fails.
+  /// Sends the text as one datagram in the register's code page. Returns False after the message box if that fails.
   bool SendData(Text strData);
 
-  /// The same two in bytes, for the link: a failure is reported when the program's call is over. Nothing was received
-  /// when there are no bytes.
+  /// The same two in bytes, for the link: a failure is reported at the end of the program's call. No bytes means that
+  /// nothing was received.
   std::string receiveBytes();
   bool sendBytes(std::string_view bytes);
 
-  /// Whether a datagram is there within `iTM` seconds; 0 does not wait.
+  /// Whether a datagram arrives within `iTM` seconds; 0 does not wait.
   bool IsDataAvailable(std::int16_t& iTM);
 
   void ShutdownConnection();
@@ -41,10 +41,10 @@ class cTCPIP : public ObjectOf<cTCPIP> {
   void RemotePort(std::int32_t value) { remotePort_ = value; }
   /// Dotted-decimal IPv4.
   void RemoteHostIP(Text value) { remoteHost_ = std::move(value); }
-  /// Kept and not used: the endpoint always binds to all local interfaces.
+  /// Stored but not used: the endpoint always binds to all local interfaces.
   void LocalHostIP(Text value) { localHost_ = std::move(value); }
 
-  /// Always empty: failures are told by the results alone.
+  /// Always empty: results alone report failures.
   Text ErrorDescription() { return {}; }
   /// Always 0.
   std::int32_t ErrorCode() { return 0; }
@@ -67,11 +67,11 @@ struct cPortProp : ObjectOf<cPortProp> {
   static constexpr std::string_view kName = "cPortProp";
   static const ClassInfo& describe();
 
-  bool tcpPort{};  ///< the device is reached over the network
+  bool tcpPort{};  ///< the register is on the network
   std::int32_t comHandle{};
   bool isConnected{};
 
-  /// The network endpoint; created when there is none, so never Nothing.
+  /// The network endpoint, created if there is none, so never Nothing.
   std::shared_ptr<cTCPIP> TCPClass() {
     if (tcpClass_ == nullptr) tcpClass_ = std::make_shared<cTCPIP>();
     return tcpClass_;
@@ -82,7 +82,7 @@ struct cPortProp : ObjectOf<cPortProp> {
   std::shared_ptr<cTCPIP> tcpClass_;
 };
 
-/// The ones that the whole component shares, created on first use.
+/// The component's shared properties, created on first use.
 cPortProp& portProp();
 
 }  // namespace mirvane

@@ -11,10 +11,10 @@ namespace mirvane {
 namespace {
 
 constexpr int kAttempts = 4;
-constexpr double kAnswerWithin = 1;          // seconds for the device's ACK or NAK
+constexpr double kAnswerWithin = 1;          // seconds for the register's ACK or NAK
 constexpr double kReplyBeginsWithin = 0.02;  // after the ACK, before the link pauses
-constexpr double kNextDatagramWithin = 0.3;  // of a reply that has begun
-constexpr double kReplyWithin = 5;           // seconds after the device's ACK
+constexpr double kNextDatagramWithin = 0.3;  // of a reply that has started
+constexpr double kReplyWithin = 5;           // seconds after the register's ACK
 constexpr double kLongestDrain = 1;
 constexpr std::string_view kAcknowledgements = "\x06\x15";  // ACK, NAK
 
@@ -47,12 +47,13 @@ class NetworkExchange {
   }
 
  private:
-  // ENQ and the frame. The device's ACK or NAK; empty when neither came in time, or the system did not send.
+  // Sends ENQ and the frame. Returns the register's ACK or NAK; empty if neither came in time or the system refused to
+  // send.
   std::string attempt() {
     bool isSent = line_.write({&wire::kEnq, 1});
     pause(50);
     std::string answer = answerToEnquiry();
-    // What the device does not want now is not sent.
+    // After a NAK the frame is not sent.
     if (!answer.starts_with(wire::kNak)) isSent = line_.write(frame_) && isSent;
     const double deadline = time_.now() + kAnswerWithin;
     while (time_.now() < deadline && (answer.empty() || !isSent)) {
@@ -61,7 +62,7 @@ class NetworkExchange {
     return isSent ? answer : std::string();
   }
 
-  // Some registers acknowledge the ENQ, others the frame. Whatever else is there before the frame goes out is a late
+  // Some registers acknowledge the ENQ, others the frame. Anything else received before the frame is sent is a late
   // answer to an earlier command.
   std::string answerToEnquiry() {
     const double deadline = time_.now() + kLongestDrain;
@@ -73,15 +74,15 @@ class NetworkExchange {
     return answer;
   }
 
-  // A reply may overtake its ACK, and then it is all that comes of a command that is not sent again.
+  // A reply may overtake its ACK. For a command that is not sent again it would then be the only answer.
   std::string pickAnswer(std::string datagram) {
     if (isAcknowledgement(datagram)) return datagram;
     if (!sending_.word.asks && isWholeReply(datagram)) overtaker_ = std::move(datagram);
     return {};
   }
 
-  // What comes behind the ACK; empty when nothing does. A NAK may come before the reply; where it is all that comes,
-  // the device refuses the frame whose ENQ it acknowledged.
+  // What follows the ACK; empty if nothing does. A NAK may precede the reply. If only a NAK comes, the register refuses
+  // the frame whose ENQ it acknowledged.
   std::string collectReply() {
     const double acknowledged = time_.now();
     std::string reply;
@@ -119,7 +120,7 @@ class NetworkExchange {
   SilenceObserver& silence_;
   const Stopwatch time_;
   bool isRefused_ = false;
-  /// A whole reply that came before the ACK.
+  /// A complete reply that came before the ACK.
   std::string overtaker_;
 };
 
@@ -138,12 +139,13 @@ Exchange NetworkTransport::exchange(const std::string& frame, const Sending& sen
   return NetworkExchange(*this, frame, sending, silence).run();
 }
 
-// Nothing on a network is asked in passing: there is no line to come back.
+// There are no brief questions on a network, because no line comes back there.
 Exchange NetworkTransport::attempt(const std::string& /*frame*/, double /*seconds*/) {
   return {link_result::kNoAnswer, link_result::kNoAnswerText};
 }
 
-// One that the system refuses is tried again at once: the device would take the next equal frame for a repetition.
+// If the system refuses to send the ACK, it is tried again at once: otherwise the register would take an equal next
+// frame for a repetition.
 void NetworkTransport::acknowledge() {
   if (!write({&wire::kAck, 1})) write({&wire::kAck, 1});
 }

@@ -4,7 +4,7 @@
 
 namespace mirvane {
 
-/// The shared network endpoint: ENQ, the frame, the device's ACK and reply, ACK, each a datagram.
+/// The shared network endpoint: ENQ, frame, the register's ACK and reply, ACK; each is one datagram.
 class NetworkTransport : public Transport {
  public:
   bool write(std::string_view bytes) override;

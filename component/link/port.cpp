@@ -14,7 +14,7 @@
 namespace mirvane {
 namespace {
 
-// The port on which another device was found, and the call that found it.
+// The port on which a different register was found, and the call that found it.
 struct Stranger {
   Text port;
   std::uint64_t call = 0;
@@ -33,13 +33,13 @@ std::optional<std::int32_t> numberUpTo(TextView digits, std::int32_t most) {
   return value;
 }
 
-// "192.168.1.50:9100" or "192.168.1.50:9100:5000": address, port and, if it matters, the local port.
+// "192.168.1.50:9100" or "192.168.1.50:9100:5000": address, port and optionally the local port.
 std::optional<NetworkName> parseNetworkName(TextView name) {
   const std::vector<Text> parts = split(name, u':');
   if (parts.size() < 2 || parts.size() > 3) return {};
   const std::vector<Text> octets = split(parts[0], u'.');
   if (octets.size() != 4) return {};
-  // Written anew: the system takes a number with a leading zero for an octal one.
+  // Formatted again, because the system reads a number with a leading zero as octal.
   Text host;
   for (const Text& octet : octets) {
     const auto value = numberUpTo(octet, 255);
@@ -60,7 +60,7 @@ bool openNetwork(const NetworkName& name) {
   endpoint->RemotePort(name.port);
   const bool opened = endpoint->OpenConnection(name.localPort) == 0;
   if (endpoint->SocketHnd() > 0) {
-    // Marked as the open port even when connecting failed, so that closing finds what was left half open.
+    // Marked as the open port even if connecting failed, so that closing it cleans up.
     portProp().tcpPort = true;
     thePort().handle = endpoint->SocketHnd();
   } else {
@@ -79,7 +79,7 @@ Reply openPort(const Text& name) {
   if (!(network ? openNetwork(*network) : openSerialLine(name))) {
     outcome = cannotOpen(name);
   }
-  // Tried on a port that did not open too: its failure is the one that the caller sees.
+  // Also tried on a port that did not open: the caller gets this step's failure.
   if (!network && !configureSerialLine()) {
     outcome = {link_result::kCannotConfigure, langMessage(message::kPortNotConfigured) + name};
   }

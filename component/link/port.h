@@ -6,22 +6,20 @@
 namespace mirvane {
 
 /// Opens a port and makes it the component's: "COM1" and so on, or "192.168.1.50:9100" with an optional ":local port".
-/// An open port is kept, whatever `name` says. Fails with kCannotOpen for a port that is not there or taken, and with
-/// kCannotConfigure for a line that cannot be set up; what was opened is closed then.
+/// An open port is kept, whatever `name` says. Fails with kCannotOpen if the port does not exist or is in use, and with
+/// kCannotConfigure if the line cannot be set up; a failed port is closed again.
 Reply openPort(const Text& name);
 
-/// Closes the serial port or the network endpoint, whichever is open, whatever fails on the way: 1 when one was closed,
-/// 0 when none was open.
+/// Closes the serial port or the network endpoint, ignoring errors: 1 if one was open, 0 if none was.
 std::int16_t closePort();
 
-/// Closes the port because another device than the one before sits on its line. This call of the program's ends with
-/// what is returned.
+/// Closes the port because a different register is on its line. The program's call ends with the returned reply.
 Reply refuseStranger();
 
-/// Why nothing is sent over a port that is closed.
+/// The reply to a command while the port is closed.
 Reply closedPort();
 
-/// The way to the open port: the serial line, or the network where the shared link properties say so.
+/// The transport of the open port: the serial line, or the network if the shared link properties say so.
 Transport& transport();
 
 }  // namespace mirvane

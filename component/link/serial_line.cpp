@@ -14,13 +14,13 @@ using recorder::EventKind;
 constexpr char kLineSettings[] = "115200,n,8,1";
 constexpr platform::LineTimeouts kLineTimeouts{20, 1, 1, 1, 10};
 
-// Holds the place of a port that was lost and could not be opened again: no handle of any system. Whatever is asked of
-// it fails as on a broken line.
+// Stands in for a port that was lost and could not be reopened. No system uses this handle, so every operation on it
+// fails as on a broken line.
 constexpr std::int32_t kLostPort = std::numeric_limits<std::int32_t>::max();
 
 platform::SerialPort& serial() { return moduleState().platform->serial; }
 
-// Names past COM9 are no devices of their own on Windows: they need the prefix.
+// On Windows, names above COM9 are not devices by themselves: they need the prefix.
 bool isComNumber(TextView name) {
   const TextView prefix = name.substr(0, 3);
   return (prefix == u"COM" || prefix == u"com") && name.size() > 3 && name.size() <= 8 &&

@@ -4,20 +4,20 @@
 
 namespace mirvane {
 
-/// Opens a serial port by its name and makes it the component's, set up or not; whether it opened.
+/// Opens a serial port by name and makes it the component's, even if it cannot be set up. Returns whether it opened.
 bool openSerialLine(const Text& name);
 
-/// Sets the open port up as the device's line is; false when it cannot be.
+/// Applies the register's line settings to the open port; false if that fails.
 bool configureSerialLine();
 
-/// Closes the open port; false when the system failed.
+/// Closes the open port; false if the system reports a failure.
 bool closeSerialLine();
 
-/// Closes the port, whose line has gone: an adapter that was pulled, a driver that was restarted. To the program it
-/// stays open, on a line that takes and gives nothing. `reason` is for the flight record.
+/// Closes the port because its line has failed: an adapter was unplugged, a driver was restarted. To the program it
+/// stays open, as a line on which nothing can be sent or received. `reason` goes into the flight record.
 void breakSerialLine(const platform::SystemError& reason);
 
-/// Opens it anew, by the name and with the settings that it had; false when that fails.
+/// Reopens the port under the same name and with the same settings; false if that fails.
 bool reopenSerialLine();
 
 }  // namespace mirvane

@@ -19,20 +19,20 @@ namespace {
 
 using recorder::EventKind;
 
-// The line's staging buffer has 256 bytes; a text that would fill it goes out in pieces.
+// The line's buffer has 256 bytes; a text that would fill it is sent in pieces.
 constexpr std::size_t kLongestWrite = 255;
 constexpr std::size_t kLongestRead = 64;
 constexpr std::array kBeginBytes = {wire::kCan, wire::kCan, wire::kEnq};
 constexpr std::string_view kBegin{kBeginBytes.data(), kBeginBytes.size()};
 constexpr double kRepeatAfter = 10;  // seconds until an unanswered command is repeated
-constexpr double kReopenEvery = 2;   // seconds, while a line is away
+constexpr double kReopenEvery = 2;   // seconds, while a line is unplugged
 constexpr int kMostEmptyAttempts = 3;
 constexpr int kMostStrangeReplies = 3;
 
 platform::SerialPort& port() { return moduleState().platform->serial; }
 std::int32_t handle() { return thePort().handle; }
 
-// How many bytes the line took; nothing when it has failed.
+// How many bytes the line accepted; nothing if it has failed.
 platform::Attempt<std::size_t> put(std::string_view bytes) {
   std::size_t written = 0;
   for (std::size_t at = 0; at < bytes.size(); at += kLongestWrite) {
@@ -43,15 +43,15 @@ platform::Attempt<std::size_t> put(std::string_view bytes) {
   return written;
 }
 
-// Asking for no more than is there makes the read return at once; asking for one byte paces an idle line by the port's
-// read time-outs. Nothing when the line has failed.
+// Reading no more than is there returns at once; reading one byte waits for the port's read time-outs on an idle line.
+// Nothing if the line has failed.
 platform::Attempt<std::string> readWaiting() {
   auto waiting = port().waiting(handle());
   if (!waiting) return std::move(waiting.reason);
   return port().read(handle(), std::clamp<std::size_t>(*waiting, 1, kLongestRead));
 }
 
-// What came within an attempt, which the record shows as one piece.
+// What was received during an attempt; the record shows it as one piece.
 class Arrivals {
  public:
   Arrivals() = default;
@@ -78,10 +78,10 @@ class SerialExchange {
   SerialExchange(const std::string& frame, const Sending& sending, SilenceObserver& silence)
       : frame_(frame), sending_(sending), silence_(silence) {}
 
-  // Repeats the whole exchange every ten seconds once the time-out has passed, for as long as it takes: a command may
-  // have reached the device, so nobody but the device can say how it ended.
+  // Repeats the exchange every ten seconds after the time-out, without end: the command may have reached the register,
+  // so only the register can say how it ended.
   Exchange run() {
-    // To the whole second, as programs have come to know the moment of the first repetition.
+    // To the whole second: programs rely on the moment of the first repetition.
     timeOut_ = std::nearbyint(time_.now() + sending_.timeOut);
     for (;;) {
       send();
@@ -108,7 +108,7 @@ class SerialExchange {
   }
 
  private:
-  // Puts the frame on the line, which is opened anew as often as it fails before the frame is out.
+  // Sends the frame. If the line fails before that, it is reopened as often as necessary.
   void send() {
     for (;;) {
       const auto taken = putAll();
@@ -123,7 +123,7 @@ class SerialExchange {
     sentAt_ = time_.now();
   }
 
-  // Handshake and frame; how many bytes of them the line took, or nothing when it has failed.
+  // Sends handshake and frame. Returns how many of these bytes the line accepted; nothing if it has failed.
   platform::Attempt<std::size_t> putAll() const {
     bool& owesAck = thePort().owesAck;
     if (owesAck) owesAck = put({&wire::kAck, 1}).value_or(0) == 0;
@@ -143,13 +143,13 @@ class SerialExchange {
     return all + *taken;
   }
 
-  // Takes what comes back. False when it is time to send the frame again.
+  // Reads the reply; false when it is time to send the frame again.
   bool listen() {
     Arrivals arrivals;
     do {
       if (const auto piece = readWaiting(); piece) {
         arrivals.add(*piece);
-        // What an earlier attempt brought in stays: the answer to it may be on its way.
+        // Bytes from an earlier attempt stay: they may be the beginning of its answer.
         append(exchange_.received, *piece);
       } else {
         arrivals.tell();
@@ -161,8 +161,8 @@ class SerialExchange {
     return false;
   }
 
-  // Who sits on a line that was opened anew is not known: anything that ends in an ETX would be an answer, be it a
-  // scale's.
+  // It is not known what is on a reopened line. Without this check anything that ends in ETX would count as an answer,
+  // even a scale's weight.
   bool isOver() {
     if (!thePort().isReopened) return true;
     if (hasStatus(withoutControls(replyIn(fromCodePage(exchange_.received))))) return true;
@@ -173,15 +173,15 @@ class SerialExchange {
     return true;
   }
 
-  // A line that failed has lost the answer. But whether a register knows a repetition while it still executes is not
-  // known, so what pays has its own time all the same.
+  // The answer was lost with the line. But it is not known whether a register recognises a repetition while it still
+  // executes, so a payment still waits its own time.
   bool isTimeToRepeat() const {
     const double now = time_.now();
     const bool hasOwnTime = !hasFailed_ || sending_.word.pays;
     return now >= sentAt_ + kRepeatAfter && !(hasOwnTime && now <= timeOut_);
   }
 
-  // Opens the line anew, at once and then every few seconds.
+  // Reopens the line, at once and then every few seconds.
   void heal(const platform::SystemError& reason) {
     emptyAttempts_ = 0;
     hasFailed_ = true;
@@ -204,7 +204,7 @@ class SerialExchange {
   double timeOut_ = 0;
   double sentAt_ = 0;
   bool hasFailed_ = false;
-  /// Attempts in a row of which the line took no byte.
+  /// Consecutive attempts in which the line accepted no byte.
   int emptyAttempts_ = 0;
   int strangeReplies_ = 0;
   Exchange exchange_;
@@ -224,7 +224,7 @@ std::string SerialTransport::read() {
   return bytes;
 }
 
-// No read when nothing is there: it would cost its time-out.
+// Does not read if nothing is there: that would wait for the time-out.
 bool SerialTransport::hasUnread() { return port().waiting(handle()).value_or(0) > 0; }
 
 void SerialTransport::drop() { recordBytes(EventKind::kDropped, readWaiting().value_or(std::string())); }

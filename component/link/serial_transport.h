@@ -4,7 +4,7 @@
 
 namespace mirvane {
 
-/// The serial line of the shared port handle: CAN CAN ENQ, the frame, the reply up to ETX, ACK.
+/// The serial line of the shared port handle: CAN CAN ENQ, frame, reply up to ETX, ACK.
 class SerialTransport : public Transport {
  public:
   bool write(std::string_view bytes) override;

@@ -6,7 +6,7 @@ namespace mirvane {
 
 inline platform::Clock& theClock() { return moduleState().platform->clock; }
 
-/// Time of day that goes on past midnight, so that a deadline holds whatever the hour.
+/// Time of day that continues past midnight, so that deadlines hold at any hour.
 class Stopwatch {
  public:
   double now() const { return timeOfDay_ + (theClock().elapsed() - start_); }

@@ -10,65 +10,63 @@ namespace mirvane {
 
 /// How a command is sent.
 struct Sending {
-  /// Seconds that the device may take before a serial exchange is repeated.
+  /// How many seconds the register may take before a serial exchange is repeated.
   std::int16_t timeOut = 0;
-  /// Whether the box about characters that the device does not know stays away.
+  /// Whether to suppress the message box about characters that the register lacks.
   bool silent = true;
   Word word{};
 };
 
-/// What one exchange brought in: the bytes that came, control bytes included, or why there are none.
+/// The outcome of one exchange: the bytes received, control bytes included, or why there are none.
 struct Exchange {
-  std::int16_t failure = 0;  ///< a link_result; 0 when `received` is what the device sent, be it nothing
+  std::int16_t failure = 0;  ///< a link_result; 0 if `received` is what the register sent, even if that is nothing
   TextView text{};           ///< of the failure
   std::string received{};
-  int attempts = 1;  ///< how often the frame went out, or should have
+  int attempts = 1;  ///< how often the frame was sent, or should have been
 };
 
-/// Looks on while a device does not answer.
+/// Observes a register that does not answer.
 class SilenceObserver {
  public:
   virtual ~SilenceObserver() = default;
 
-  /// Told before each repetition of a serial exchange, and when its line has failed.
+  /// Called before each repetition of a serial exchange, and when its line has failed.
   virtual void fallsSilent() {}
-  /// Told every few milliseconds while something is waited for, behind a look at the line.
+  /// Called every few milliseconds during a wait, after each look at the line.
   virtual void waits() { serveWindows(); }
 };
 
-/// A way to the device. Nothing above the link asks which one it is.
+/// A connection to the register. Nothing above the link asks which kind it is.
 class Transport {
  public:
   virtual ~Transport() = default;
 
-  /// Sends the bytes as they are; whether anything was sent.
+  /// Sends the bytes unchanged; returns whether anything was sent.
   virtual bool write(std::string_view bytes) = 0;
-  /// What is waiting, one datagram or one read of the line; empty when nothing is, and after an error.
+  /// What is waiting: one datagram, or one read of the line. Empty if nothing is, and after an error.
   virtual std::string read() = 0;
   /// Whether a datagram is waiting; a serial line cannot tell.
   virtual bool hasDatagram() = 0;
-  /// Drops unread input, for a second at most.
+  /// Drops unread input, for at most a second.
   void drain();
 
-  /// Carries one frame to the device and takes what comes back, with the handshake of the line but for the
-  /// acknowledgement. A serial exchange is repeated, without end, once the time-out has passed; a network exchange ends
-  /// by itself.
+  /// Sends one frame and returns what comes back, with the line's handshake except for the final ACK. A serial exchange
+  /// is repeated without end, each time after the time-out; a network exchange ends by itself.
   virtual Exchange exchange(const std::string& frame, const Sending& sending, SilenceObserver& silence) = 0;
-  /// One attempt at it, of so many seconds at most; kNoAnswer when nothing came.
+  /// A single attempt of at most this many seconds; kNoAnswer if nothing arrives.
   virtual Exchange attempt(const std::string& frame, double seconds) = 0;
-  /// Tells the device that its answer has arrived. One that is not told may tell the answer again when it is asked
-  /// again.
+  /// Acknowledges the answer. Without this the register may repeat the answer to a repeated question.
   virtual void acknowledge() = 0;
 
-  /// Whether an acknowledgement can get lost on the way, and nobody is told.
+  /// Whether an ACK can be lost unnoticed.
   virtual bool losesSilently() const = 0;
 
-  /// A line of the debug trace, which shows the serial line alone.
+  /// Writes a line to the debug trace, which shows only the serial line.
   virtual void trace(TextView label, TextView text = {}) = 0;
 
  protected:
   virtual bool hasUnread() = 0;
-  /// Takes what is waiting, as `read`, for nobody.
+  /// Reads and drops what is waiting.
   virtual void drop() = 0;
 };
 

@@ -9,26 +9,26 @@
 
 namespace mirvane {
 
-/// Builds one device command: a command code ending in "/", then fields, each closed by "/".
+/// Builds one register command: a command code ending in "/", then fields, each closed by "/".
 class Command {
  public:
   explicit Command(TextView code) : text_(code) {}
 
-  /// Free text, cleaned, so that it cannot break the fields.
+  /// Adds free text, cleaned so that it cannot break the fields.
   Command& text(TextView value) { return verbatim(cleanText(value)); }
   Command& text(TextView value, std::size_t most) { return verbatim(left(cleanText(value), most)); }
-  /// A text as it stands.
+  /// Adds a text unchanged.
   Command& verbatim(TextView value) {
     text_.append(value).push_back(u'/');
     return *this;
   }
   Command& integer(std::int32_t value) { return verbatim(numberText(value)); }
-  /// Two decimals. Raises overflow for infinities and NaN, and so does quantity.
+  /// Adds a number with two decimals. Raises overflow for infinities and NaN, as does quantity.
   Command& amount(double value) { return verbatim(formatAmount(finite(value))); }
-  /// Three decimals.
+  /// Adds a number with three decimals.
   Command& quantity(double value) { return verbatim(formatQuantity(finite(value))); }
   Command& empty() { return verbatim({}); }
-  /// The end of a command whose last field is not closed.
+  /// Adds a last field without its closing "/".
   Command& unclosed(TextView value) {
     text_.append(cleanText(value));
     return *this;

@@ -6,8 +6,8 @@
 namespace mirvane {
 namespace {
 
-// The device's own vocabulary, misspellings and mixed alphabets included: it is what users, manuals and service calls
-// quote, so nothing here is to be corrected.
+// The register's own texts, with their misspellings and mixed alphabets. Users, manuals and service technicians quote
+// them, so nothing here may be corrected.
 constexpr std::array<TextView, 166> kTexts = {
     u"Wrong number of fields",                                  // 01 1
     u"Field too long",                                          // 02 2

@@ -6,7 +6,7 @@
 
 namespace mirvane {
 
-/// The outcome of a command, as the first two characters of the reply carry it (in hexadecimal), where one has a name.
+/// Named outcomes of a command, as the first two characters of the reply give them in hexadecimal.
 enum class DeviceCode : std::uint8_t {
   kOk = 0,
   kFieldCount = 1,
@@ -79,38 +79,38 @@ enum class DeviceCode : std::uint8_t {
   kZeroTotal = 165,
 };
 
-/// What Result tells of the port and the link, where there is no code of the device's. Programs know these numbers.
+/// Values of Result for port and link failures. Programs know these numbers.
 namespace link_result {
 constexpr std::int16_t kCannotOpen = -1;
 constexpr std::int16_t kCannotConfigure = -2;
-constexpr std::int16_t kNoAnswer = -3;           ///< network: no datagram came back, four times; or nothing was told
+constexpr std::int16_t kNoAnswer = -3;           ///< network: four attempts without a reply; or the outcome is unknown
 constexpr std::int16_t kNoAnswerToCommand = -4;  ///< serial line: seen only while the exchange is being repeated
 constexpr std::int16_t kNotOpen = -6;
 constexpr std::int16_t kNotNow = -207;   ///< network: NAK
-constexpr std::int16_t kNoDevice = 100;  ///< no device was found, or none was looked for
+constexpr std::int16_t kNoDevice = 100;  ///< no register was found, or none was looked for
 
-// Their texts, where the message catalogue does not have them.
+// Their texts, where the message catalogue has none.
 constexpr TextView kCannotOpenText = u"Πρόβλημα στην Θύρα :";  ///< followed by the port
-/// Its first letter is a Latin one: programs in the field compare it.
+/// Its first letter is Latin: programs in the field compare it.
 constexpr TextView kNoAnswerText = u"H ταμειακή δεν Απαντά!";
 constexpr TextView kNoAnswerToCommandText = u"Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !";
 constexpr TextView kNotNowText = u"Αναμονή Απόκρισης Ταμειακής...";
 constexpr TextView kNoDeviceText = u"Λάθος τύπος Φορολ. Εκτυπωτή";
 }  // namespace link_result
 
-/// The device's message for one of its result codes, 1 to 166; empty for any other.
+/// The register's message for one of its result codes, 1 to 166; empty for any other.
 TextView deviceErrorText(std::int32_t code);
 
-/// Whether a result tells of a state that the device ends by itself: busy, busy with the tax authority, or a card
-/// payment under way. Paper, an open tray or an offline printer need a person, who may not be there.
+/// Whether the register ends the state behind this result by itself: busy, busy with the tax authority, or a card
+/// payment in progress. Paper end, an open tray or an offline printer need a person, and there may be none.
 bool endsByItself(std::int32_t result);
 
-/// Whether the command that met such a state may be sent again once it has passed. Never after a card payment: the
-/// device took that command, and sending it again could charge the card twice.
+/// Whether the command that met such a state may be sent again afterwards. Never after a card payment: the register
+/// accepted that command, and sending it again could charge the card twice.
 bool mayBeSentAgain(std::int32_t result);
 
-/// Whether only help from outside lets the till go on: fiscal unit, battery, flash and memory card failures, and a lost
-/// link; but not a device that asks to be tried later.
+/// Whether the till cannot continue without help from outside: failures of the fiscal unit, battery, flash or memory
+/// card, and a lost link; but not a register that asks to be tried later.
 bool isCritical(std::int32_t result);
 
 }  // namespace mirvane

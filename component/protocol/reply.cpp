@@ -8,7 +8,7 @@
 namespace mirvane {
 namespace {
 
-// The printer status byte stands for these where it tells of a condition.
+// The codes used if the printer status byte reports a condition.
 constexpr int kDeviceStatus = 254;
 constexpr int kDeviceError = 255;
 
@@ -24,7 +24,7 @@ struct Condition {
   TextView text;
 };
 
-// In this order: of several conditions the last one is told. Programs in the field compare these texts, so the Latin T,
+// In this order: the last of several conditions is reported. Programs in the field compare these texts, so the Latin T,
 // the stray quote and the 27 blanks stay.
 constexpr std::array<Condition, 4> kConditions = {{
     {0x02, kDeviceError, u"/ Σφάλμα Συσκευής !"},
@@ -39,7 +39,7 @@ constexpr int digitOf(char16_t c) {
   return -1;
 }
 
-// The number that the hexadecimal digits at the start of `text` form; 0 when there are none.
+// The number from the hexadecimal digits at the start of `text`; 0 if there are none.
 int hexValue(TextView text) {
   int value = 0;
   for (const char16_t c : text) {
@@ -63,7 +63,7 @@ Reply::Reply(Text raw) {
   message = raw_;
   result = static_cast<std::int16_t>(hexValue(trim(TextView(raw_).substr(0, 2))));
   int code = hexValue(TextView(raw_).substr(0, 2));
-  // A reply that is too short to hold both status bytes has none.
+  // A reply too short for both status bytes has none.
   const bool hasBytes = raw_.size() >= 8;
   const int printer = hasBytes ? hexValue(TextView(raw_).substr(3, 2)) : 0;
   const int fiscal = hasBytes ? hexValue(TextView(raw_).substr(6, 2)) : 0;

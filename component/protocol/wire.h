@@ -10,12 +10,12 @@ namespace mirvane::wire {
 //   reply     = STX result "/" printer "/" fiscal "/" *( field "/" ) ETX
 //   result, printer, fiscal = two hexadecimal digits: outcome code, printer status byte, fiscal status byte
 //
-//   serial line   driver: CAN CAN ENQ, 1 ms, frame          device: reply            driver: ACK
-//   network       driver: ENQ, 50 ms, frame                 device: ACK, reply       driver: ACK
+//   serial line   driver: CAN CAN ENQ, 1 ms, frame          register: reply          driver: ACK
+//   network       driver: ENQ, 50 ms, frame                 register: ACK, reply     driver: ACK
 //                 (every element its own datagram)          or NAK: cannot take the command now
 //
 // Example: feeding three lines is the command "F/3/". Its bytes add up to 215, so the frame is STX "F/3/15" ETX, and
-// a contented device answers STX "00/00/00/" ETX.
+// a register that succeeds answers STX "00/00/00/" ETX.
 
 constexpr char kStx = 0x02;
 constexpr char kEtx = 0x03;
@@ -24,7 +24,7 @@ constexpr char kAck = 0x06;
 constexpr char kNak = 0x15;
 constexpr char kCan = 0x18;
 
-/// Line speed of the serial port, in bits per second; 8 data bits, no parity, 1 stop bit, so 10 bits a byte.
+/// Speed of the serial port in bits per second. With 8 data bits, no parity and 1 stop bit a byte takes 10 bits.
 constexpr int kBaud = 115200;
 
 }  // namespace mirvane::wire

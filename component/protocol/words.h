@@ -4,31 +4,31 @@
 
 namespace mirvane {
 
-/// What a command is, as far as whoever sends it has to know. One that is none of these does something on the device
-/// that must happen once.
+/// What the sender has to know about a command. A command with none of these flags does something that must happen only
+/// once.
 struct Word {
-  /// It only asks and changes nothing, so it may be asked again.
+  /// Only asks and changes nothing, so it may be repeated.
   bool asks = false;
-  /// It asks what remains to pay; the amount is the answer's first field.
+  /// Asks for the remaining amount, the answer's first field.
   bool asksRemaining = false;
-  /// It hands over a piece of the journal, or what the journal begins with: an answer that is cut is a piece lost.
+  /// Fetches a piece of the journal, or its beginning: if the answer is cut off, a piece is lost.
   bool movesJournal = false;
-  /// It pays, or starts a card terminal: sent twice, it could charge a card twice.
+  /// Pays, or starts a card terminal: sent twice, it could charge a card twice.
   bool pays = false;
-  /// It pays by a card terminal.
+  /// Pays by card terminal.
   bool paysByCard = false;
-  /// It, or the reply to it, may hold the key of the tax authority's server.
+  /// The command, or its reply, may hold the key of the tax authority's server.
   bool holdsKey = false;
 };
 
-/// What a device family's commands are, as its driver knows them and the rooms below have to.
+/// The commands of a register family, as its driver knows them and the layers below need them.
 struct Words {
-  /// Nothing for a command that the family does not have: a program may send any.
+  /// Nothing for a command that the family does not have: programs may send any.
   std::optional<Word> (*find)(TextView command);
   Word of(TextView command) const { return find(command).value_or(Word()); }
-  /// Asks whether the device is free. It moves nothing on but the end of a card payment.
+  /// Asks whether the register is ready. Changes nothing but the end of a card payment, which it reports once.
   TextView askState;
-  /// Asks for the serial number, which is the answer's first field.
+  /// Asks for the serial number, the answer's first field.
   TextView askSerialNumber;
 };
 

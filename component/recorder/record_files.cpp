@@ -17,7 +17,7 @@ constexpr const char* kCut = "<cut>\r\n";
 constexpr TextView kDigits = u"0123456789";
 constexpr std::size_t kNumberDigits = 6;
 constexpr std::size_t kDayDigits = 8;
-// What stands in a file beside the lines of events: a "started" and a "lost".
+// What a file holds besides the lines of events: a "started" and a "lost".
 constexpr std::uint64_t kMostHead = 400;
 
 Text asciiText(std::string_view text) { return {text.begin(), text.end()}; }
@@ -43,7 +43,7 @@ Text nameOf(std::uint32_t number, TextView day, TextView program) {
   return Text(kPrefix) + digits + u"-" + Text(day) + u"-" + Text(program) + Text(kSuffix);
 }
 
-// The number of a file of the record; nothing where the name is another's.
+// The number of a record file; nothing if the name is not one of ours.
 std::optional<std::uint32_t> numberOf(TextView name) {
   constexpr std::size_t kMostDigits = 9;
   if (!name.starts_with(kPrefix) || !name.ends_with(kSuffix)) return {};
@@ -96,7 +96,7 @@ void RecordFiles::close() {
 }
 
 int RecordFiles::zoneAt(std::int64_t time) {
-  constexpr std::int64_t kQuarterHour = 900000;  // in which no zone changes
+  constexpr std::int64_t kQuarterHour = 900000;  // within which no time zone changes
   if (time / kQuarterHour != zoneOf_) {
     zoneOf_ = time / kQuarterHour;
     zone_ = clock_.zoneAt(time);
@@ -124,11 +124,11 @@ bool RecordFiles::open() {
   const std::vector<File> files = filesNewestFirst();
   for (const File& file : files) {
     if (!file.name.ends_with(u"-" + program + Text(kSuffix))) continue;
-    // Of another day, and so are all older ones, or the clock has jumped.
+    // Of another day, and so are all older ones; or the clock has jumped.
     if (file.name != nameOf(file.number, day_, program)) break;
     if (file.size + lines_.size() + kMostHead <= limits_.file && growFile(file.name)) return true;
   }
-  // Another process of the program may have been quicker, and one may still hold a file that was removed.
+  // Another process of the program may have been quicker, or may still hold a file that was removed.
   constexpr std::uint32_t kTries = 16;
   const std::uint32_t last = files.empty() ? 0 : files.front().number;
   for (std::uint32_t number = last + 1; number <= last + kTries; ++number) {
@@ -139,7 +139,7 @@ bool RecordFiles::open() {
   return false;
 }
 
-// Where one is too many, all older ones are. The file just begun counts as full.
+// If one is too many, so are all older ones. The file just started counts as full.
 void RecordFiles::removeOldest(const std::vector<File>& newestFirst) const {
   std::size_t count = 1;
   std::uint64_t size = limits_.file;
@@ -157,7 +157,7 @@ bool RecordFiles::growFile(TextView name) {
   size_ = file_->size();
   isSeen_ = files_.fileSize(path_).has_value();
   isStarted_ = false;
-  // A process that was ended may have left a line without its end.
+  // A process that was killed may have left an incomplete line.
   const bool isCut = size_ > 0 && !files_.read(path_).value_or("\n").ends_with('\n');
   head_ = isCut ? kCut : "";
   constexpr int kBits = sizeof(void*) * 8;
@@ -175,7 +175,7 @@ bool RecordFiles::write() {
   const bool isNew = size_ == 0;
   size_ += count;
   isStarted_ = isStarted_ || count >= head_.size();
-  // What comes next is the rest of the line that was cut.
+  // What comes next is the rest of the incomplete line.
   const std::size_t lostAt = head_.size(), linesAt = lostAt + lost.size();
   const std::size_t next = count <= lostAt ? lostAt : bytes.find('\n', count - 1) + 1;
   if (next > lostAt) owed_ = next == count ? 0 : next == linesAt ? missing_ : 1;
@@ -184,7 +184,7 @@ bool RecordFiles::write() {
   head_ = bytes.substr(count, next - count);
   lines_.clear();
   if (isStarted_) return count == bytes.size();
-  // Every file begins with a whole line.
+  // Every file starts with a complete line.
   close();
   if (isNew) files_.remove(path_);
   return false;

@@ -14,25 +14,25 @@ struct Limits {
   std::size_t files = 48;           ///< files of the record
 };
 
-/// The files of a record, to which one thread adds lines.
+/// The files of a record. One thread adds lines.
 ///
-/// A file, "line-000042-20261122-till.exe.txt", holds a day of a program; where a process begins to write stands a
-/// "started". The number is one more than the greatest that is there, so it tells which file was begun later, whatever
-/// the clock says. Another process of the program goes on in the latest of the day's files that is neither full nor
-/// being written. Whoever begins a file removes the oldest beyond the limits, but none that is being written.
+/// A file, such as "line-000042-20261122-till.exe.txt", holds one day of one program; each process starts with a
+/// "started" line. The number is one higher than the highest present, so it shows which file was started later,
+/// whatever the clock says. Another process of the program continues the day's latest file that is neither full nor
+/// being written. Starting a file deletes the oldest files beyond the limits, but none that is being written.
 ///
-/// When the file is gone, by itself or with its folder, a new one is begun in the folder that is there now. What could
-/// not be written is told in a "lost" as soon as something can be.
+/// If the file is gone, alone or with its folder, a new one is started in the folder that is there now. Events that
+/// could not be written are reported in a "lost" line as soon as writing works again.
 class RecordFiles {
  public:
-  /// `folder` has no separator at its end. `files` and `clock` have to outlast this.
+  /// `folder` has no separator at its end. `files` and `clock` must outlive this object.
   RecordFiles(platform::Files& files, platform::Clock& clock, Text folder, const Limits& limits);
 
-  /// Adds the line of an event. kLost counts as events that could not be written.
+  /// Adds the line of an event. kLost counts events that could not be written.
   void add(const Event& event);
-  /// Writes what was added. False when some of it could not be written.
+  /// Writes what was added; false if some of it could not be written.
   bool flush();
-  /// Closes the file. Somebody else may go on in it.
+  /// Closes the file. Another process may continue it.
   void close();
 
  private:
@@ -57,22 +57,22 @@ class RecordFiles {
   const Limits limits_;
   const platform::Process process_ = platform::hostProcess();
 
-  // To be written: that so many events are missing, then lines of one day. And the time of the first of them.
+  // To be written: the number of missing events, then lines of one day; and the time of the first of these.
   std::int32_t missing_ = 0;
   std::string lines_;
   Text day_;
   std::int64_t time_ = 0;
 
-  // The file that is being written.
+  // The file being written.
   std::unique_ptr<platform::GrowingFile> file_;
   Text path_;
   Text fileDay_;
   std::uint64_t size_ = 0;
-  /// What it needs first: its "started", or the rest of a line that was cut, and how many events that line tells of.
+  /// What it needs first: its "started", or the rest of a cut-off line, and the number of events that line counts.
   std::string head_;
   std::int32_t owed_ = 0;
   bool isStarted_ = false;
-  /// False where the folder does not show what is in it.
+  /// False if the folder's content cannot be listed.
   bool isSeen_ = false;
 
   int zone_ = 0;

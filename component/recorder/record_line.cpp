@@ -26,7 +26,7 @@ std::string hex(std::uint8_t byte) {
   return {'x', kHexDigits[byte / 16], kHexDigits[byte % 16]};
 }
 
-// The name of a character that does not stand for itself; empty for one that does.
+// The name of a character that is written by name; empty for any other.
 std::string_view nameOf(char c) {
   if (c >= 0 && c < ' ') return kControls[static_cast<std::uint8_t>(c)];
   if (c == '<') return kLessThan;
@@ -44,7 +44,7 @@ std::optional<char> byteNamed(std::string_view name) {
   return static_cast<char>(value);
 }
 
-// What the code page has no character for comes as a control of the upper half or from the private-use area.
+// Bytes that have no character in the code page become C1 controls or private-use characters.
 bool hasCharacter(char16_t c) { return (c < 0x80 || c >= 0xA0) && (c < 0xE000 || c > 0xF8FF); }
 
 std::string shown(const Event& event) {
@@ -63,13 +63,13 @@ std::string shown(const Event& event) {
   return line;
 }
 
-// The text's own bytes: a line's are in its code page.
+// The original bytes of a text: those of the line are in its code page.
 std::optional<std::string> own(std::string_view text, bool ofLine) {
   if (!ofLine) return std::string(text);
   bool replaced = false;
   const Text characters = fromUtf8(text);
   std::string bytes = toCodePage(characters, &replaced);
-  // Nothing that merely resembles what was sent.
+  // Anything that only resembles what was sent is rejected.
   if (replaced || fromCodePage(bytes) != characters) return {};
   return bytes;
 }
@@ -93,7 +93,7 @@ std::optional<std::string> read(std::string_view shown, bool ofLine) {
 
 using Milliseconds = std::chrono::milliseconds;
 
-// Numbers at fixed places of a line that looks like `pattern`, in which "0" stands for any digit.
+// Numbers at fixed places of a line that matches `pattern`, in which "0" stands for any digit.
 class Stamp {
  public:
   static constexpr std::string_view kPattern = "0000-00-00 00:00:00.000 +00:00 ";

@@ -12,15 +12,15 @@
 namespace mirvane::recorder {
 namespace {
 
-// What may wait for the disk, in bytes.
+// How many bytes may wait for the disk.
 constexpr std::size_t kMostPending = 4 << 20;
-// An event is about this much larger than its text.
+// Approximate overhead of an event beyond its text.
 constexpr std::size_t kEventSize = 64;
-// A text that is longer is shown in several lines.
+// A longer text is written as several lines.
 constexpr std::size_t kLongestText = 4096;
-// Events come in groups; one look takes them all, and the caller need not wake anybody up.
+// Events come in groups: one look takes them all, and the caller need not wake the thread.
 constexpr std::chrono::milliseconds kLookEvery{20};
-// A folder that is gone, a disk that is full: it takes somebody to change that.
+// A missing folder or a full disk does not change quickly by itself.
 constexpr std::chrono::seconds kTryAgainAfter{1};
 constexpr std::chrono::seconds kAtTheEnd{2};
 
@@ -45,7 +45,7 @@ struct Recorder::Writer {
         }
       }
       files.flush();
-    } catch (...) {  // no memory: the till needs what there is
+    } catch (...) {  // out of memory: the till needs what there is
     }
     files.close();
     const std::lock_guard lock(mutex);
@@ -54,7 +54,7 @@ struct Recorder::Writer {
     changed.notify_all();
   }
 
-  // False at the end.
+  // False at the end of recording.
   bool awaitBatch() {
     std::unique_lock lock(mutex);
     isIdle = true;
@@ -89,7 +89,7 @@ struct Recorder::Writer {
 
   platform::Clock& clock;
 
-  std::mutex mutex;  // of what follows
+  std::mutex mutex;  // protects what follows
   std::condition_variable changed;
   std::vector<Told> pending;
   std::size_t pendingSize = 0;
@@ -98,7 +98,7 @@ struct Recorder::Writer {
   bool isEnding = false;
   std::atomic<bool> isAlive = true;
 
-  // The thread's own.
+  // Used only by the thread.
   std::vector<Told> batch;
   Secrets secrets;
   RecordFiles files;
@@ -132,7 +132,7 @@ void Recorder::add(EventKind kind, std::int32_t number, std::string text, bool h
 bool Recorder::isAlive() const { return writer_->isAlive; }
 
 void Recorder::finish() {
-  // What the thread was at when it ended is in doubt, and so it is left alone.
+  // If the thread was ended in the middle of its work, its state is unknown, and so it is left alone.
   const std::unique_lock lock(writer_->mutex, std::try_to_lock);
   if (!lock.owns_lock() || !writer_->isAlive || !writer_->batch.empty()) return;
   writer_->swapBatch();

@@ -11,12 +11,12 @@ namespace {
 constexpr std::string_view kMask = "***";
 constexpr std::string_view kHexDigits = "0123456789ABCDEFabcdef";
 constexpr std::size_t kShortestKey = 32;
-// Amounts and numbers that a cut leaves at an edge are shorter, and less of a key gives nothing away.
+// Amounts and numbers cut at an edge are shorter, and a shorter part of a key reveals nothing.
 constexpr std::size_t kShortestPart = 8;
 
 bool isControl(char c) { return c == wire::kStx || c == wire::kEtx || c == wire::kAck || c == wire::kNak; }
 
-// Each field's own text from field `first` on becomes the mask; fields before it, and what frames them, stay.
+// Replaces each field from `first` on by the mask; fields before it and the framing stay.
 std::string maskedFrom(std::size_t first, std::string_view bytes) {
   std::string result;
   std::size_t field = 0;
@@ -66,15 +66,15 @@ std::string Secrets::maskedSent(std::string_view bytes, bool holdsKey) {
   if (bytes.empty() || bytes.front() != wire::kStx) return std::string(bytes);
   wasServer_ = isServer_;
   isServer_ = holdsKey;
-  // The command, a flag, the URL, port, key: a URL may have been given with slashes of its own.
+  // The command, a flag, the URL, port, key: the URL may contain slashes.
   constexpr std::size_t kBehindUrl = 3;
   return holdsKey ? maskedFrom(kBehindUrl, bytes) : std::string(bytes);
 }
 
 std::string Secrets::maskedReceived(std::string_view bytes) const {
   if (!isServer_ && !wasServer_) return std::string(bytes);
-  // Result, printer, fiscal, active, then the URL in one piece or several, its port, the key. The first field that
-  // could be the port is the port, or stands before it.
+  // Result, printer, fiscal, active, then the URL in one or more pieces, its port, the key. The first field that could
+  // be the port is the port or comes before it.
   constexpr std::size_t kFirstPort = 5;
   std::size_t field = 0;
   if (!bytes.starts_with(wire::kStx)) return maskedFrom(field, bytes);

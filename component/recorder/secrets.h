@@ -6,33 +6,33 @@ namespace mirvane::recorder {
 
 bool isHexDigit(char c);
 
-/// Blanks whatever looks like a key: 32 hexadecimal digits in a row, and more, each of which becomes a "*". A text may
-/// come in pieces. At the edge of a piece, where a key may have been cut, 8 digits are enough.
+/// Masks what looks like a key: 32 or more hexadecimal digits in a row, each of which becomes "*". A text may come in
+/// pieces. At the edge of a piece, where a key may be cut, 8 digits are enough.
 class KeyMask {
  public:
   std::string masked(std::string_view piece);
 
  private:
-  /// How many digits the text ends with so far.
+  /// How many digits the text so far ends with.
   std::size_t last_ = 0;
 };
 
-/// Blanks secrets out of a conversation: the key of the tax authority's server, which one command sets and the reply to
-/// another tells.
+/// Masks secrets in the communication: the key of the tax authority's server, which one command sets and another one's
+/// reply reports.
 ///
-/// It is known by the command, of which whoever sends it says that it `holdsKey`: each field from where the key can be
-/// on becomes "***", whatever stands between. And it is known by its look, wherever and whenever it comes.
+/// It is recognised by the command: the sender says that it `holdsKey`, and every field in which the key could appear
+/// becomes "***". It is also recognised by its form, wherever and whenever it appears.
 class Secrets {
  public:
-  /// An event's text with no secret in it. The bytes of one direction may come in pieces, but for frames of the till.
+  /// An event's text without secrets. Bytes of one direction may come in pieces, except the till's frames.
   std::string masked(EventKind kind, std::string_view text, bool holdsKey = false);
-  /// Bytes of the till, a whole frame at a time, masked by the command alone.
+  /// Bytes that the till sends, one complete frame at a time, masked only by the command.
   std::string maskedSent(std::string_view bytes, bool holdsKey);
 
  private:
   std::string maskedReceived(std::string_view bytes) const;
 
-  // A late reply may come behind the next command.
+  // A late reply may come after the next command.
   bool wasServer_ = false;
   bool isServer_ = false;
   KeyMask sent_;

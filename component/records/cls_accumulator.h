@@ -4,7 +4,7 @@
 
 namespace mirvane {
 
-/// Sales of one department or category. The caller sets Id, the read fills the rest.
+/// Sales of one department or category. The caller sets Id; the call fills the rest.
 struct clsAccumulator : ObjectOf<clsAccumulator> {
   static constexpr std::string_view kName = "clsAccumulator";
   static const ClassInfo& describe();

@@ -4,7 +4,7 @@
 
 namespace mirvane {
 
-/// Totals of the fiscal day, amounts in euro.
+/// Totals of the fiscal day; amounts in euro.
 struct clsDailyAcc : ObjectOf<clsDailyAcc> {
   static constexpr std::string_view kName = "clsDailyAcc";
   static const ClassInfo& describe();

@@ -4,23 +4,23 @@
 
 namespace mirvane {
 
-/// One card terminal as the device keeps it.
+/// The register's settings for one card terminal.
 struct clsEFT : ObjectOf<clsEFT> {
   static constexpr std::string_view kName = "clsEFT";
   static const ClassInfo& describe();
 
-  std::int16_t eftId{};  ///< number of the terminal on the device
+  std::int16_t eftId{};  ///< number of the terminal on the register
   std::int16_t eftEnabled{};
   Text eftIP;
   std::int32_t eftPort{};
-  Text eftDescription;  ///< at most 10 characters reach the device
+  Text eftDescription;  ///< at most 10 characters are written
   std::int16_t eftVariant{};
   std::int16_t eftTimeout{};
   std::int16_t bitmap_Main{};
   std::int16_t bitmap_2{};
   std::int16_t bitmap_3{};
   std::int16_t bitmap_4{};
-  Text eftTID;            ///< the terminal's own identifier, read only by the device
+  Text eftTID;            ///< the terminal's own identifier; only read
   std::int16_t eftMDW{};  ///< middleware flag
   Text MDW_ACQ;
   Text MDW_TID;

@@ -6,7 +6,7 @@
 
 namespace mirvane {
 
-/// The device's settings, as read from it and written to it.
+/// The register's settings, for reading and writing.
 struct clsParam : ObjectOf<clsParam> {
   static constexpr std::string_view kName = "clsParam";
   static const ClassInfo& describe();
@@ -25,7 +25,7 @@ struct clsParam : ObjectOf<clsParam> {
   std::int16_t printerDrawerID{};
   std::uint8_t printerQuantityPrint{};
 
-  /// What was stored, which is the opposite of what was last set: programs in the field rely on 1 reading back as 0.
+  /// Returns what is stored, the opposite of what was last set: programs in the field rely on 1 reading back as 0.
   std::uint8_t useLCDdisplay() { return storedUseLCDdisplay_; }
   /// Stores |1 - value|: 1 becomes 0, 0 becomes 1, 2 becomes 1.
   void setUseLCDdisplay(std::uint8_t value) { storedUseLCDdisplay_ = static_cast<std::uint8_t>(std::abs(1 - value)); }

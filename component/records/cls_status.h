@@ -4,7 +4,7 @@
 
 namespace mirvane {
 
-/// State of the device.
+/// State of the register.
 struct clsStatus : ObjectOf<clsStatus> {
   static constexpr std::string_view kName = "clsStatus";
   static const ClassInfo& describe();

@@ -4,7 +4,7 @@
 
 namespace mirvane {
 
-/// Settings for sending receipts to the tax authority's service.
+/// Settings of the tax authority's server.
 struct clseSendProps : ObjectOf<clseSendProps> {
   static constexpr std::string_view kName = "clseSendProps";
   static const ClassInfo& describe();

@@ -11,8 +11,8 @@ struct dec2Bin : ObjectOf<dec2Bin> {
   static constexpr std::string_view kName = "dec2Bin";
   static const ClassInfo& describe();
 
-  /// Converts at once. The digits have no fixed width: 0 gives "0", 6 gives "110". A negative number gives the single
-  /// digit of its last bit, since the halving ends as soon as the number is no longer greater than 1.
+  /// Converts at once. The digits have no fixed width: 0 gives "0", 6 gives "110". A negative number gives only its
+  /// last digit, because halving stops as soon as the number is no longer above 1.
   void setDecimal_(std::int16_t value) {
     Text digits;
     double n = value;
@@ -25,7 +25,7 @@ struct dec2Bin : ObjectOf<dec2Bin> {
     bin_ = digits;
   }
 
-  /// The digits, most significant first; Empty before the first number was set.
+  /// The digits, most significant first; Empty before a number was set.
   Value Bin_() { return bin_; }
 
  private:

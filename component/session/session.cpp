@@ -19,7 +19,7 @@ Reply Session::exchange(TextView command, Outcome outcome, std::int16_t timeOut)
 
 Reply Session::exchangeAs(const Word& word, TextView command, bool isSilent, Outcome outcome, std::int16_t timeOut) {
   SilenceWindow window(outcome);
-  // The device would take it for a repetition, should the acknowledgement of the one before have got lost.
+  // The register would take it for a repetition if the previous ACK was lost.
   if (!word.asks && !word.movesJournal && looksRepeated(command)) {
     Reply between = mirvane::exchange(words_.askState, {.word = words_.of(words_.askState)}, window).reply;
     if (between.result < 0) return between;
@@ -36,7 +36,7 @@ void Session::remember(const Word& word, TextView command, const Answer& answer)
   lastReply_ = reply.raw();
   lastAttempts_ = answer.attempts;
   if (!word.asks) remaining_.reset();
-  // A failure of the link tells nothing of the device.
+  // A link failure says nothing about the register.
   if (reply.result < 0) return;
   flags_ = reply.flags();
   if (!hasStatus(reply.raw())) return;
@@ -46,8 +46,8 @@ void Session::remember(const Word& word, TextView command, const Answer& answer)
   if (trim(command) == words_.askSerialNumber) serialNumber_ = reply.text(0);
 }
 
-// A line that was opened anew may have another device on it. It is asked who it is behind the answer to the frame that
-// was sent before: it would take that for a new one otherwise.
+// A reopened line may have a different register on it. It is asked for its serial number after the answer to the frame
+// sent before: otherwise it would take the next repetition of that frame for a new one.
 std::optional<Reply> Session::strangerThere() {
   constexpr double kSeconds = 2;
   if (!serialNumber_ || !thePort().isReopened) return std::nullopt;
@@ -61,7 +61,7 @@ std::optional<Reply> Session::strangerThere() {
 Reply Session::send(TextView command, Outcome outcome, std::int16_t timeOut) {
   const Word word = words_.of(trim(command));
   Payment sent = sendAs(word, command, outcome, timeOut);
-  // What remains to pay is the sender's affair; here is nobody who knows what remained before.
+  // The remaining amount is the sender's business; nobody here knows what it was before.
   if (!sent.reply.succeeded() || !word.paysByCard || sent.isTold) return sent.reply;
   Reply unknown{link_result::kNoAnswer, link_result::kNoAnswerText};
   fail(unknown, outcome);
@@ -73,7 +73,7 @@ Session::Payment Session::pay(TextView command, Outcome outcome, std::int16_t ti
 }
 
 Session::Payment Session::sendAs(const Word& word, TextView command, Outcome outcome, std::int16_t timeOut) {
-  // A copy: the caller may have given one variable for the command and for the outcome.
+  // A copy, because the caller may have given one variable for both the command and the outcome.
   const Text sent(trim(command));
   const int looksBefore = uncertainLooks_;
   bool isSilent = outcome.SupressError_;
@@ -85,8 +85,8 @@ Session::Payment Session::sendAs(const Word& word, TextView command, Outcome out
     outcome.set(reply);
     if (reply.succeeded()) return {reply, isAnswered && uncertainLooks_ == looksBefore};
     const bool isCardPayment = reply.is(DeviceCode::kCardUnderWay);
-    // A card payment that is met again after its end is another's, or none that ends. From within another wait there
-    // is no outcome of this command's own.
+    // A card payment met again after its end is another one, or one that does not end. Within another wait this command
+    // has no outcome of its own.
     if ((isCardPayment && metCardPayment) || !isFixable(reply.result) || !waitForDevice(reply)) {
       fail(reply, outcome);
       return {reply, isAnswered && uncertainLooks_ == looksBefore};
@@ -98,11 +98,11 @@ Session::Payment Session::sendAs(const Word& word, TextView command, Outcome out
       fail(end, outcome);
       return {end, isTold};
     }
-    // What could have been this very command must never go out twice: the card could be charged twice.
+    // A command that may be this very payment must never be sent twice: the card could be charged twice.
     if ((isCardPayment || waitSawCardPayment_) && word.pays) return {end, isTold};
     if (!isCardPayment && !mayBeSentAgain(reply.result)) return {end, isTold};
     metCardPayment = metCardPayment || isCardPayment;
-    // The box about unknown characters comes once, not again for the same command sent again.
+    // The box about unknown characters is shown once, not again when the command is sent again.
     isSilent = true;
   }
 }

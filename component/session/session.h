@@ -9,49 +9,50 @@
 
 namespace mirvane {
 
-/// A driver's conversation with its device: sends and asks, waits for what the device ends by itself, repeats what may
-/// be repeated, and shows the box of what failed.
+/// A driver's communication with its register: sends commands, asks questions, waits for states that the register ends
+/// by itself, repeats what may be repeated, and shows message boxes for failures.
 class Session {
  public:
-  /// `words` are the device's, and outlive this.
+  /// `words` describes the register's commands and must outlive this object.
   explicit Session(const Words& words) : words_(words) {}
 
-  /// One exchange, without waiting and without the box of a failure. Remembers the reply and the device's state. While
-  /// a serial device does not answer, `outcome` says so, and unless errors are suppressed a window.
+  /// One exchange, without waiting and without a message box for a failure. Remembers the reply and the register's
+  /// state. While a serial register does not answer, `outcome` says so, and a window too unless errors are suppressed.
   Reply exchange(TextView command, Outcome outcome, std::int16_t timeOut = 0);
 
-  /// Sends a command and tells its outcome, in a message box too unless that is suppressed. A state that the device
-  /// ends by itself is waited for, and the command sent again where that cannot do it twice.
+  /// Sends a command and reports its outcome, with a message box unless suppressed. Waits for a state that the register
+  /// ends by itself, and sends the command again if that cannot execute it twice.
   Reply send(TextView command, Outcome outcome, std::int16_t timeOut = 0);
 
-  /// The same without boxes, and nobody is told.
+  /// The same without message boxes; only the return value reports the outcome.
   Reply sendSilently(TextView command);
 
-  /// A payment, sent as `send` does.
+  /// A payment, sent as with `send`.
   struct Payment {
     Reply reply;
-    /// Whether the device surely told how it ended: it can tell the end of a card payment once, and that can get lost.
+    /// Whether the register certainly reported how it ended. It reports the end of a card payment only once, and that
+    /// report can be lost.
     bool isTold;
   };
   Payment pay(TextView command, Outcome outcome, std::int16_t timeOut);
 
-  /// Tells a failure that is not a command's, and shows its box unless that is suppressed.
+  /// Reports a failure that no command caused, with its message box unless suppressed.
   static void fail(const Reply& failure, Outcome outcome);
 
   /// The last complete reply, without control bytes.
   const Text& lastReply() const { return lastReply_; }
-  /// State as of the last reply's status bytes.
+  /// The state from the last reply's status bytes.
   const Reply::Flags& flags() const { return flags_; }
 
-  /// What the device told last, nothing where it has not told: its serial number, whether a payment stands in the
-  /// receipt, and what remains to pay, as long as only questions were sent since.
+  /// What the register last reported, or nothing: its serial number; whether the receipt has a payment; and the
+  /// remaining amount, as long as only questions have been sent since.
   const std::optional<Text>& serialNumber() const { return serialNumber_; }
   std::optional<bool> isInPayment() const { return isInPayment_; }
   std::optional<double> remaining() const { return remaining_; }
-  /// How often the device was looked at in a wait with more than one try, so that an end may have got lost.
+  /// How many state questions of a wait needed more than one attempt, so that a reported end may have been lost.
   int uncertainLooks() const { return uncertainLooks_; }
 
-  /// Outcome of the last wait for the device.
+  /// Outcome of the last wait for the register.
   std::int16_t lastResult{};
   Text lastexResult;
 
@@ -60,7 +61,7 @@ class Session {
   Reply exchangeAs(const Word& word, TextView command, bool isSilent, Outcome outcome, std::int16_t timeOut);
   void remember(const Word& word, TextView command, const Answer& answer);
   std::optional<Reply> strangerThere();
-  /// False, and nothing is shown, when a wait is under way already. The outcome is in lastResult and lastexResult.
+  /// Returns false and shows nothing if a wait is already in progress. The outcome is in lastResult and lastexResult.
   bool waitForDevice(const Reply& reason);
   bool deviceIsStillBusy(platform::WaitView& view);
 
@@ -73,7 +74,7 @@ class Session {
   int lastAttempts_ = 0;
   int uncertainLooks_ = 0;
   bool isWaiting_ = false;
-  /// Whether the last wait for the device saw a card payment under way.
+  /// Whether the last wait saw a card payment in progress.
   bool waitSawCardPayment_ = false;
 };
 

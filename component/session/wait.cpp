@@ -14,7 +14,7 @@ constexpr TextView kCaption = u"Μήνυμα Ταμειακής (%1)";
 constexpr TextView kState = u"Κατάσταση [%1]";
 constexpr TextView kCardState = u"Αναμονή EFTPOS[%1]";
 
-/// What stands in front of the operator.
+/// What the operator sees.
 struct Wait {
   bool isShown = false;
   platform::WaitView* view = nullptr;
@@ -29,7 +29,7 @@ Text withValue(TextView text, TextView value) {
 
 Text stateText(TextView text, std::int16_t code) { return withValue(text, numberText(std::int32_t{code})); }
 
-// How a card payment can end badly.
+// The failures that end a card payment.
 bool endsCardPayment(const Reply& look) {
   constexpr std::array kEnds = {DeviceCode::kNoChange, DeviceCode::kCardFailed, DeviceCode::kCardNotRead,
                                 DeviceCode::kTerminalInactive};
@@ -46,7 +46,7 @@ bool isWaitShown() { return kept<Wait>().isShown && kept<Wait>().call == moduleS
 platform::WaitView* waitView() { return isWaitShown() ? kept<Wait>().view : nullptr; }
 
 platform::WaitText waitText(const Reply& reason) {
-  // Some device texts begin with a "/".
+  // Some of the register's texts begin with "/".
   const Text shown = reason.message.substr(reason.message.rfind(u'/') + 1);
   return {withValue(kCaption, kDeviceFamilyName), stateText(kState, reason.result), shown};
 }
@@ -98,8 +98,8 @@ bool Session::waitForDevice(const Reply& reason) {
   return true;
 }
 
-// One look at the device, every second. Only a final answer ends the wait: how long a card payment may take is the
-// terminal's affair.
+// Asks the register once per second. Only a final answer ends the wait: how long a card payment takes is up to the
+// terminal.
 bool Session::deviceIsStillBusy(platform::WaitView& view) {
   WaitMark::setView(&view);
   Reply look;

@@ -8,8 +8,8 @@
 
 namespace mirvane {
 
-/// Marks that the operator is waiting for the device, so that nothing shows a second window. A mark that a call left
-/// behind counts for nothing in the next.
+/// Marks that the operator is being told to wait, so that no second window appears. A mark left by an earlier call does
+/// not count.
 class WaitMark {
  public:
   WaitMark();
@@ -17,19 +17,19 @@ class WaitMark {
   WaitMark& operator=(const WaitMark&) = delete;
   ~WaitMark();
 
-  /// The window that stands, once there is one.
+  /// Sets the window that is shown, once there is one.
   static void setView(platform::WaitView* view);
 };
 
-/// Whether the operator is waiting already, and the window that stands then; null for none.
+/// Whether the operator is already told to wait, and the window shown; null for none.
 bool isWaitShown();
 platform::WaitView* waitView();
 
-/// What the wait window says of a code and the device's text.
+/// The wait window's text for a code and the register's message.
 platform::WaitText waitText(const Reply& reason);
 
-/// What is to be seen of a serial device that does not answer: the caller's variables, and the wait window, unless
-/// errors are suppressed. Where one stands already, that one tells it.
+/// Tells about a serial register that does not answer: in the caller's variables and, unless errors are suppressed, in
+/// the wait window. If one is already shown, that window changes its text.
 class SilenceWindow : public SilenceObserver {
  public:
   explicit SilenceWindow(Outcome outcome) : outcome_(outcome) {}

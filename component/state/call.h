@@ -6,20 +6,20 @@
 
 namespace mirvane {
 
-/// The program's call that is under way. There is one at a time; what the program calls from within it is refused.
+/// The program's call in progress. There is one at a time; calls that the program makes from within it are refused.
 struct Call {
   bool isInside = false;
-  /// Counts the calls, so that what belongs to one is known to be over in the next.
+  /// Number of the call, by which leftovers of an earlier one are recognised.
   std::uint64_t number = 0;
-  /// Whether the program wants no message boxes.
+  /// Whether message boxes are suppressed.
   bool isSilent = true;
-  /// Whether the program has let go of a facade meanwhile: the driver is released when the call is over.
+  /// Whether the program has released a facade during the call: the driver is released at the end of the call.
   bool releasesDriver = false;
-  /// Whether what goes over the line now may hold a key.
+  /// Whether the bytes now on the line may hold a key.
   bool holdsKey = false;
-  /// What the network endpoint has to report when the call is over; empty for nothing.
+  /// What the network endpoint will report at the end of the call; empty for nothing.
   TextView networkFailure{};
-  /// When the program's windows want to be served again, by Clock::elapsed; 0 for never yet.
+  /// When the program's windows are to be served next, by Clock::elapsed; 0 if they have not been yet.
   double serviceDue = 0;
 };
 

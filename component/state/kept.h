@@ -6,7 +6,7 @@
 
 namespace mirvane {
 
-/// What single rooms keep: one object of each type that somebody asks for, made when it is asked for first.
+/// State of single layers: one object per type, created when it is first asked for.
 class Kept {
  public:
   template <class T>

@@ -5,7 +5,7 @@
 namespace mirvane {
 
 ModuleState& moduleState() {
-  // Never destroyed: when the process ends, the objects in it would be released in an order of chance.
+  // Never destroyed: at the end of the process its objects would be released in an arbitrary order.
   static ModuleState& state = *new ModuleState;
   return state;
 }
@@ -68,7 +68,7 @@ void startRecord() {
     if (!state.platform->files.isFolder(state.recordFolder)) return;
     state.recorder =
         std::make_unique<recorder::Recorder>(state.platform->files, state.platform->clock, state.recordFolder);
-  } catch (const std::exception&) {  // no thread to be had: no record
+  } catch (const std::exception&) {  // no thread available: no record
   }
 }
 

@@ -16,14 +16,14 @@ namespace mirvane {
 struct DriverCandidate {
   FISCAL_TYPES type;
   std::string_view className;
-  /// Makes a driver; null for a family whose driver is not present, which probing passes over.
+  /// Creates a driver; null for a family without a driver, which probing skips.
   ObjectPtr (*create)();
 };
 
-/// What the whole component shares: one copy for every facade object and every driver. Nothing is locked here: whoever
-/// lets programs in lets in one call at a time.
+/// What the whole component shares: one copy for all facade objects and drivers. Nothing is locked here; the entry lets
+/// one call in at a time.
 struct ModuleState {
-  /// The selected driver, or null when none is selected.
+  /// The selected driver; null if none is.
   ObjectPtr currentDriver;
   FISCAL_TYPES fiscalType = FISCAL_unknown;
   Call call;
@@ -31,7 +31,7 @@ struct ModuleState {
   Kept kept;
   bool traceActive = false;
 
-  /// Where the flight record goes when the folder is there; the host names it, "" for none.
+  /// Where the flight record goes if the folder exists; set by the host, "" for none.
   Text recordFolder;
   /// Null while nothing is recorded.
   std::unique_ptr<recorder::Recorder> recorder;
@@ -39,58 +39,58 @@ struct ModuleState {
   platform::Platform* platform = &platform::hostPlatform();
   /// The driver classes in probe order.
   std::vector<DriverCandidate> candidates;
-  /// Makes the driver that is current while no device is.
+  /// Creates the driver that is current while no register is connected.
   ObjectPtr (*createNullDriver)() = nullptr;
-  /// How many facade objects there are; the trace ends with the last.
+  /// Number of facade objects; the trace ends with the last one.
   int facades = 0;
-  /// Makes an object of another component by its programmatic identifier, Nothing when there is none; null where no
-  /// other components can be.
+  /// Creates an object of another component by its programmatic identifier; Nothing if it does not exist. Null if there
+  /// can be no other components.
   ObjectPtr (*createObject)(TextView programmaticId) = nullptr;
 };
 
 ModuleState& moduleState();
 
-/// What a room keeps for the whole component, in a type of its own; new when the component is.
+/// The component-wide state of a layer, in a type of its own; new with each component.
 template <class T>
 T& kept() {
   return moduleState().kept.of<T>();
 }
 
-/// The current driver; when there is none, the one that probing `port` finds becomes it.
+/// The current driver; if there is none, the one that probing `port` finds becomes current.
 ObjectPtr driverOn(TextView port);
 
-/// The current driver; when there is none, the null driver, which refuses, becomes it.
+/// The current driver; if there is none, the null driver, which refuses, becomes current.
 ObjectPtr driverOrRefusal();
 
 /// Forgets the current driver; the fiscal type stays.
 void releaseDriver();
 
-/// Tries the candidates on `port`, with message boxes suppressed, and returns the first that connects, which stays
-/// connected; the null driver when the port is empty or nothing answers. Records the fiscal type.
+/// Tries the candidates on `port`, with message boxes suppressed, and returns the first that connects; it stays
+/// connected. Returns the null driver if the port is empty or nothing answers. Records the fiscal type.
 ObjectPtr probeDriver(TextView port);
 
 /// Switches the debug trace and its window on or off.
 void setTrace(bool active);
 
-/// One line of the debug trace, behind the time as "mm:ss"; nothing while the trace is off.
+/// Writes one line to the debug trace, after the time as "mm:ss"; does nothing while the trace is off.
 void trace(TextView label, TextView text = {});
 
-/// Begins the flight record where its folder is there and none is being written. Whoever makes the folder need not
-/// restart a program: connecting looks for it.
+/// Starts the flight record if its folder exists and no record is being written. Connecting calls this, so a program
+/// need not be restarted after the folder is created.
 void startRecord();
 
-/// Tells the flight record, if there is one; `number` and `text` are what recorder::EventKind says. Nothing that goes
-/// wrong with it is anybody's business here.
+/// Adds an event to the flight record, if there is one; for `number` and `text` see recorder::EventKind. A failure of
+/// the record does not matter to the caller.
 void record(recorder::EventKind kind, std::int32_t number, TextView text = {});
 /// The same for bytes of the line.
 void recordBytes(recorder::EventKind kind, std::string_view bytes);
-/// The same for something that the system did or refused to do to a port.
+/// The same for a port that the system opened or closed, or refused to.
 void recordPort(recorder::EventKind kind, TextView port, const platform::SystemError& error = {});
 
 /// Shows a message box and waits until it is closed.
 void showBox(TextView prompt, std::uint32_t style, TextView title);
 
-/// Title of the message boxes that speak of the device.
+/// Title of message boxes about the register.
 inline constexpr TextView kDeviceFamilyName = u"Varlen Fiscal";
 
 }  // namespace mirvane

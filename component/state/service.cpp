@@ -7,7 +7,7 @@
 namespace mirvane {
 namespace {
 
-// The system takes a window for dead that has answered nothing for five seconds.
+// The system reports a window that has not responded for five seconds.
 constexpr double kPatience = 2;
 constexpr double kServiceEvery = 0.25;
 

@@ -4,14 +4,14 @@
 
 namespace mirvane {
 
-/// Whether the program's windows have waited long enough: two seconds from the call's beginning on, then every quarter
-/// of a second. Whoever asks serves them.
+/// Whether the program's windows have waited long enough: two seconds from the start of the call, then every quarter of
+/// a second. The caller then serves them.
 bool isServiceDue();
 
-/// Serves the program's windows where they have waited long enough. Whatever waits in a call does this now and then.
+/// Serves the program's windows if they have waited long enough. Every wait within a call calls this now and then.
 void serveWindows();
 
-/// Waits, and serves the program's windows meanwhile.
+/// Waits, serving the program's windows meanwhile.
 void pause(std::uint32_t milliseconds);
 
 }  // namespace mirvane

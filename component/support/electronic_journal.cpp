@@ -24,7 +24,7 @@ constexpr std::size_t kZNumberLength = 4;
 constexpr TextView kSummarySuffix = u"_s.txt";
 constexpr TextView kFileSuffix = u".txt";
 
-// The system drops blanks and dots at a name's end.
+// The system drops blanks and dots at the end of a name.
 TextView withoutEnd(TextView name) { return name.substr(0, name.find_last_not_of(u". ") + 1); }
 
 char16_t upper(char16_t c) { return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - u'a' + u'A') : c; }
@@ -37,10 +37,10 @@ Text inCapitals(TextView name) {
 
 bool hasSuffix(TextView name, TextView suffix) { return inCapitals(name).ends_with(inCapitals(suffix)); }
 
-// Programs have learned to take a type mismatch for a file error: the box that should have told of it always failed so.
+// Programs rely on a type mismatch as the sign of a file error.
 [[noreturn]] void failOnFile() { throw AutomationError(AutomationCode::typeMismatch); }
 
-// The system takes such a name for a device in every folder, whatever stands behind a dot.
+// The system treats such a name as a device in every folder, whatever follows a dot.
 bool isDevice(TextView name) {
   constexpr TextView kDevices[] = {u"CON", u"PRN", u"AUX", u"NUL", u"CONIN$", u"CONOUT$"};
   constexpr TextView kNumberedDevices[] = {u"COM", u"LPT"};
@@ -54,13 +54,13 @@ bool isDevice(TextView name) {
   return isNumbered ? isOneOf(kNumberedDevices) : isOneOf(kDevices);
 }
 
-// Not one of the folder itself or of the one above, behind which blanks do not count, and not of a device.
+// Not the folder itself or the one above (ignoring trailing blanks), and not a device.
 bool isFolderName(TextView name) {
   return (name.find_first_not_of(u". ") != TextView::npos || name.find(u'.') == TextView::npos) && !isDevice(name);
 }
 
-// The name comes from the device or from a program: it must not lead out of the journal folders, nor must the parts of
-// it that become folders; and the system would drop dots and blanks at its end.
+// The name comes from the register or a program. It must not lead out of the journal folders, nor may its parts that
+// become folders; and the system would drop dots and blanks at its end.
 void requirePlain(TextView name) {
   const auto isForbidden = [](char16_t c) { return c < u' ' || c == u'/' || c == u'\\' || c == u':'; };
   const TextView serialNumber = name.substr(0, kSerialNumberLength);
@@ -80,12 +80,12 @@ void save(const Text& folder, const Text& name, TextView data) {
   if (!files.makeFolder(folder) || !files.replace(folder + name, toCodePage(data) + "\r\n")) failOnFile();
 }
 
-// The Z number in a reply's first field.
+// The Z number from a reply's first field.
 std::int16_t zNumberIn(const Reply& reply, double later = 0) {
   return convertTo<std::int16_t>(Value(convertTo<double>(Value(reply.textAt(0))) + later));
 }
 
-// Asks until the device has its journal ready.
+// Asks until the register has prepared its journal.
 Reply askUntilPrepared(TextView command) {
   for (;;) {
     Reply reply = askCurrentDriver(Text(command));
@@ -94,18 +94,18 @@ Reply askUntilPrepared(TextView command) {
   }
 }
 
-// The journal as it comes.
+// The journal during its transfer.
 struct Download {
-  // Null when the operator is not shown it.
+  // Null if the operator is not shown it.
   std::unique_ptr<platform::JournalView> view;
   Text fileName;
   Text text;
   std::size_t count = 0;
 
-  // Polls until the device has no more; `whenComplete` takes each file that is, and `whenNext` what is there of one
-  // when the next begins. The reply that ended it. Without one of the pieces the journal is not whole, so a reply that
-  // tells nothing ends it, and so does a piece of another file than the one that began. Pieces of a file that never
-  // began are read past where files are told apart, and then the journal is not whole either.
+  // Polls until the register has no more. `whenComplete` receives each complete file, `whenNext` what there is of one
+  // when the next starts. Returns the reply that ended it. The journal needs every piece, so a reply that says nothing
+  // ends the transfer, and so does a piece of another file than the current one. If files are kept apart, pieces of a
+  // file that never started are skipped, and the journal is then incomplete too.
   template <class WhenComplete, class WhenNext>
   Reply run(bool tellsFilesApart, WhenComplete whenComplete, WhenNext whenNext) {
     bool hasBegun = false;
@@ -117,7 +117,7 @@ struct Download {
       processEvents();
       if (!reply.succeeded()) return lacksBeginning ? lost() : reply;
       if (!hasStatus(reply.raw())) return lost();
-      // State, piece and file name; the last may be missing.
+      // State, piece and file name; the file name may be missing.
       if (reply.countAll() < 3) continue;
       const Text& state = reply.textAt(0);
       const Text name(withoutEnd(reply.textAt(2)));
@@ -171,7 +171,7 @@ void FiscalJournal::setbBox(ObjectPtr value) {
 std::vector<Text> FiscalJournal::folderPatterns() {
   Text list(kFixedFolders);
   bBox();
-  // The next file asks anew, also when this box fails.
+  // The next file looks for the box again, even if this one fails.
   if (const ObjectPtr box = std::exchange(box_, nullptr)) {
     Text notUsed;
     list.clear();
@@ -189,7 +189,7 @@ std::vector<Text> FiscalJournal::folders(TextView subPath) {
       folder.replace(at, 1, subPath);
     }
   }
-  if (all.empty()) failOnFile();  // nowhere to put the file
+  if (all.empty()) failOnFile();  // no place for the file
   return all;
 }
 

@@ -25,9 +25,9 @@ struct Kind {
 constexpr Kind kMarkUp{u"3/", u"4/", Adjustment::markUp};
 constexpr Kind kDiscount{u"1/", u"2/", Adjustment::discount};
 
-// The receipt's totals are asked for first; `share` takes the categories' totals and the receipt's, fills the shares
-// and makes the total the adjustment. The totals come from the reply itself, since a status condition puts its message
-// into Exresult; a reply without them raises badIndex.
+// Reads the receipt's totals first. `share` gets the categories' totals and the receipt's total, fills the shares and
+// turns the total into the adjustment. The totals come from the reply itself, because a printer condition puts its
+// message into Exresult; a reply without them raises badIndex.
 template <class Share>
 void adjustSubtotal(const Kind& kind, const Text& description, const Text& comment, Share share, Outcome outcome) {
   const Reply reply = sendByCurrentDriver(u"9/", outcome);
@@ -48,7 +48,7 @@ void adjustLastItem(const Kind& kind, const Text& description, const Text& comme
   sendByCurrentDriver(whole, outcome);
 }
 
-// The caller's percentage becomes the amount that it made of the last item.
+// The caller's percentage is overwritten with the amount that it gave on the last item.
 Value adjustByPercent(const Kind& kind, const Text& description, double& percent, const Text& comment,
                       Outcome outcome) {
   percent = std::abs(percent);
@@ -73,7 +73,7 @@ Value adjustByAmount(const Kind& kind, const Text& description, double& amount, 
       if (total != 0) {
         apportionByVat(totals, shares, total, -amount / total, kind.direction);
       } else {
-        // An empty receipt has nothing to share over: it goes out as it is, for the device to refuse.
+        // An empty receipt has nothing to divide among: the adjustment is sent as it is, and the register refuses it.
         total = shares.back() = amount;
       }
     };

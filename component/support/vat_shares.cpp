@@ -11,7 +11,7 @@
 namespace mirvane {
 namespace {
 
-// Beyond it, cents are not exact.
+// Above this, cents are not exact.
 constexpr double kLargest = 1e12;
 
 // An amount in cents, without its sign.
@@ -40,7 +40,7 @@ std::int16_t apportionByVat(const VatAmounts& totals, VatAmounts& shares, double
     sorted[i] = {static_cast<std::int16_t>(i), totals[i] != 0, share, room};
     remainder -= share;
   }
-  // The largest first. Where no share reaches a cent, a category that sold nothing still has nothing to adjust.
+  // The largest first. If no share reaches a cent, a category without sales still has nothing to adjust.
   std::sort(sorted.begin(), sorted.end(), [](const Share& a, const Share& b) {
     return std::tie(a.cents, a.hasSales, a.category) > std::tie(b.cents, b.hasSales, b.category);
   });

@@ -7,8 +7,8 @@
 namespace mirvane {
 namespace {
 
-// The upper half of code page 1253. The codes without a character of their own map as the system maps them: to the
-// control character of the same number, or to the private-use area, so that no byte is lost on its way through a text.
+// The upper half of code page 1253. Codes without a character map as in the system: to the control character of the
+// same number, or to the private-use area, so that no byte is lost in a text.
 constexpr std::array<char16_t, 128> kUpperHalf = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,  // 0x80
     0x0088, 0x2030, 0x008A, 0x2039, 0x008C, 0x008D, 0x008E, 0x008F,  // 0x88
@@ -33,7 +33,7 @@ struct Code {
   std::uint8_t byte;
 };
 
-// kUpperHalf the other way round, sorted by character.
+// kUpperHalf reversed, sorted by character.
 constexpr std::array<Code, 128> kCodes = [] {
   std::array<Code, 128> codes{};
   for (std::size_t i = 0; i < codes.size(); ++i) codes[i] = {kUpperHalf[i], static_cast<std::uint8_t>(0x80 + i)};
@@ -41,8 +41,8 @@ constexpr std::array<Code, 128> kCodes = [] {
   return codes;
 }();
 
-// The Latin letters with marks that the code page lacks, from U+00C0 on, as the plain letters by which the system
-// replaces them on a Greek machine; "." where it has none.
+// The Latin letters with marks that the code page lacks, from U+00C0 on, as the plain letters that the system uses
+// instead on a Greek machine; "." where it has none.
 constexpr char16_t kFirstMarked = 0x00C0;
 constexpr std::string_view kPlainLetters =
     "AAAAAA.CEEEEIIII"  // 00C0

@@ -7,18 +7,18 @@
 
 namespace mirvane {
 
-/// The bytes of `text` in code page 1253 (Windows Greek), the code page of the device, of the message catalogue and
-/// of the journal files, whatever the machine's own code page is. A Latin letter with a mark that has no code
-/// there becomes its plain letter (é is e, š is s). Any other character with no code becomes "?"; a surrogate pair is
-/// one character. When `replaced` is given it is set to whether there was a "?" of this kind.
+/// The bytes of `text` in code page 1253 (Windows Greek), which the register, the message catalogue and the journal
+/// files use, whatever the machine's own code page is. A Latin letter with a mark that the code page lacks becomes the
+/// plain letter (é is e, š is s). Any other character that it lacks becomes "?"; a surrogate pair is one character.
+/// `replaced`, if given, is set to whether there was such a "?".
 std::string toCodePage(TextView text, bool* replaced = nullptr);
 
-/// The text of `bytes` in code page 1253. Every byte value has a character, so bytes survive the way there and back.
+/// The text of `bytes` in code page 1253. Every byte value has a character, so converting back gives the same bytes.
 Text fromCodePage(std::string_view bytes);
 
 std::string toUtf8(TextView text);
 
-/// Ill-formed input yields U+FFFD for each offending byte.
+/// Converts UTF-8. Each invalid byte gives U+FFFD.
 Text fromUtf8(std::string_view bytes);
 
 }  // namespace mirvane

@@ -19,7 +19,7 @@ TextView trimmed(TextView text) {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-// Only what a number is written with; anything else becomes a character that no number holds.
+// Keeps only characters that numbers are written with; any other becomes one that no number contains.
 std::string narrowed(TextView text) {
   std::string narrow;
   narrow.reserve(text.size());
@@ -27,7 +27,7 @@ std::string narrowed(TextView text) {
   return narrow;
 }
 
-// Characters of `s` that form a number: sign, digits with one point, exponent. 0 when there is none.
+// How many characters of `s` form a number: sign, digits with one point, exponent. 0 if there is none.
 std::size_t numberLength(std::string_view s) {
   std::size_t i = !s.empty() && (s[0] == '+' || s[0] == '-') ? 1 : 0;
   std::size_t digits = 0;
@@ -55,8 +55,8 @@ double valueOf(std::string_view s) {
   if (s.starts_with('+')) s.remove_prefix(1);
   double value = 0;
   const auto [end, error] = std::from_chars(s.data(), s.data() + s.size(), value);
-  // from_chars calls both ends of the range the same. A number too small for a double is 0 for every purpose here; one
-  // too large is infinite.
+  // from_chars reports both ends of the range alike. A number too small for a double is 0 here; one too large is
+  // infinite.
   if (error == std::errc::result_out_of_range && s.find("e-") != std::string_view::npos) return 0.0;
   return error == std::errc{} ? value : std::copysign(HUGE_VAL, s.starts_with('-') ? -1 : 1);
 }

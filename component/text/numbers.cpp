@@ -36,11 +36,11 @@ Decimal decimalOf(double value) {
 // "-123.46": the value with a fixed number of decimals.
 std::string fixedText(double value, int decimals) {
   Decimal decimal = decimalOf(value);
-  // One zero in front takes a carry out of the first digit.
+  // A leading zero takes a carry out of the first digit.
   std::string& digits = decimal.digits;
   const int leading = std::max(0, -decimal.point) + 1;
   digits.insert(0, static_cast<std::size_t>(leading), '0');
-  int whole = decimal.point + leading;  // digits in front of the point
+  int whole = decimal.point + leading;  // digits before the point
   const std::size_t kept = static_cast<std::size_t>(whole) + static_cast<std::size_t>(decimals);
   if (kept < digits.size()) {
     const bool up = digits[kept] >= '5';

@@ -9,7 +9,7 @@ Text stripAccents(Text& text) {
   struct Pair {
     char16_t from, to;
   };
-  // ύ stands for itself: its accent stays.
+  // "ύ" maps to itself: it keeps its accent.
   static constexpr std::array<Pair, 14> kPairs = {{{u'ά', u'α'},
                                                    {u'Ά', u'Α'},
                                                    {u'έ', u'ε'},

@@ -5,17 +5,18 @@
 
 #include "automation/object.h"
 
-// Objects of a component that is a DLL of this Windows machine, called by name as a program calls them that was
-// compiled against nothing, with typed references to its variables; embedding::Till takes such a facade. Their members
-// raise AutomationError. The thread that makes the first object is the one that uses them.
+// Objects of a component that is a DLL on this Windows machine, called by name as a late-bound program does, with typed
+// references to its variables; embedding::Till accepts such a facade. Their members raise AutomationError. Use them on
+// the thread that creates the first one.
 namespace mirvane::embedding {
 
-/// A new object of the class that is registered under this name, such as u"VarlenFiscalQ7734.fiscalTrevikModule".
-/// Raises runtime_error with the reason where it cannot be had.
+/// Creates an object of the class registered under this name, such as u"VarlenFiscalQ7734.fiscalTrevikModule". Raises
+/// runtime_error with the reason if that fails.
 ObjectPtr createRegistered(TextView programmaticId);
-/// The same, and null where it cannot be had.
+/// The same, but returns null if that fails.
 ObjectPtr findRegistered(TextView programmaticId);
-/// A new object out of this DLL, registered or not, of the class "{D7...}". Raises runtime_error with the reason.
+/// Creates an object of the class "{D7...}" from this DLL, registered or not. Raises runtime_error with the reason if
+/// that fails.
 ObjectPtr createFrom(const std::filesystem::path& library, std::string_view classId);
 
 }  // namespace mirvane::embedding

@@ -1,5 +1,5 @@
 'use strict';
-// What the page says. The names of commands and fields come from the register in English.
+// The page's texts. The register supplies the names of commands and fields in English.
 const words = {
   en: {
     title: 'Fiscal register emulator', skip: 'To the paper', language: 'Language', sections: 'Sections',
@@ -51,7 +51,7 @@ const words = {
     guides: 'Οδηγοί',
     blank: 'Δεν έχει τυπωθεί τίποτα ακόμη.\nΣυνδέστε ένα ταμείο και πουλήστε κάτι.',
     text: 'Κείμενο', picture: 'Εικόνα', data: 'JSON',
-    kinds: { 'receipt': 'Απόδειξη', 'cash in': 'Είσπραξη', 'cash out': 'Πληρωμή', 'report': 'Αναφορά', 'note': 'Σημείωμα' },
+    kinds: { 'receipt': 'Απόδειξη', 'cash in': 'Κατάθεση', 'cash out': 'Ανάληψη', 'report': 'Δελτίο', 'note': 'Σημείωμα' },
     states: { open: 'ανοιχτή', closed: '', cancelled: 'ακυρωμένη' },
     printerReady: 'ο εκτυπωτής είναι έτοιμος', printerOff: 'η ταμειακή είναι σβηστή',
     register: 'Ταμειακή', display: 'Οθόνη πελάτη', receipt: 'Απόδειξη', z: 'Αριθμός Ζ', drawer: 'Ανοίγματα συρταριού',
@@ -83,13 +83,13 @@ const words = {
       noise: 'έφτασε με θόρυβο', 'noise-within': 'έφτασε με θόρυβο',
     },
     names: {
-      'item': 'είδος', 'adjustment': 'αναπροσαρμογή', 'what remains to pay': 'υπόλοιπο πληρωμής', 'payment': 'πληρωμή',
-      'cash in': 'είσπραξη', 'cash out': 'πληρωμή από το ταμείο', 'close': 'κλείσιμο', 'cancel': 'ακύρωση',
+      'item': 'είδος', 'adjustment': 'αναπροσαρμογή', 'remaining amount': 'υπόλοιπο πληρωμής', 'payment': 'πληρωμή',
+      'cash in': 'κατάθεση', 'cash out': 'ανάληψη', 'close': 'κλείσιμο', 'cancel': 'ακύρωση',
       'comment': 'σχόλιο', 'display': 'οθόνη', 'display message': 'μήνυμα οθόνης', 'feed': 'προώθηση',
       'open the drawer': 'άνοιγμα συρταριού', 'cut': 'κοπή', 'version': 'έκδοση', 'status': 'κατάσταση',
       'open receipt': 'ανοιχτή απόδειξη', 'serial number': 'αριθμός μητρώου', 'date and time': 'ημερομηνία και ώρα',
       'day totals': 'σύνολα ημέρας', 'read department': 'ανάγνωση τμήματος', 'read category': 'ανάγνωση κατηγορίας',
-      'X report': 'αναφορά Χ', 'Z report': 'δελτίο Ζ', 'Z report again': 'αντίγραφο Ζ',
+      'X report': 'δελτίο Χ', 'Z report': 'δελτίο Ζ', 'Z report again': 'αντίγραφο Ζ',
       'end the day\'s sales': 'τέλος πωλήσεων ημέρας', 'journal so far': 'ημερολόγιο ως τώρα',
       'journal name': 'όνομα ημερολογίου', 'read journal': 'ανάγνωση ημερολογίου', 'read header': 'ανάγνωση επικεφαλίδας',
       'header': 'επικεφαλίδα', 'read footer': 'ανάγνωση υποσέλιδου', 'footer': 'υποσέλιδο',
@@ -105,7 +105,7 @@ const words = {
       'model': 'μοντέλο', 'build': 'σύνθεση', 'receipt': 'απόδειξη', 'total': 'σύνολο', 'date': 'ημερομηνία',
       'time': 'ώρα', 'count': 'πλήθος', 'sales': 'πωλήσεις', 'receipts': 'αποδείξεις',
       'cash documents': 'παραστατικά ταμείου', 'voids': 'αλλαγές', 'refunds': 'επιστροφές', 'cancelled': 'ακυρωμένες',
-      'cash': 'μετρητά', 'cards': 'κάρτες', 'cheques': 'επιταγές', 'discounts': 'εκπτώσεις', 'mark-ups': 'αυξήσεις',
+      'cash': 'μετρητά', 'cards': 'κάρτες', 'cheques': 'επιταγές', 'discounts': 'εκπτώσεις', 'mark-ups': 'προσαυξήσεις',
       'closure': 'κλείσιμο', 'signature': 'υπογραφή', 'last closure': 'τελευταίο κλείσιμο', 'file name': 'αρχείο',
       'state': 'κατάσταση', 'piece': 'κομμάτι', 'printer': 'εκτυπωτής', 'cashier': 'χειριστής',
       'drawer on total': 'συρτάρι στο σύνολο', 'VAT detail': 'ανάλυση ΦΠΑ', 'top logo': 'άνω λογότυπο',

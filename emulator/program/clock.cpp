@@ -51,7 +51,7 @@ bool StationClock::set(const std::string& text) {
   local.tm_sec = time.second;
   local.tm_isdst = -1;
   const std::time_t then = std::mktime(&local);
-  // A day that is in no calendar becomes another one.
+  // A day that does not exist would become another one.
   if (time.year < 1971 || then == -1 || local.tm_mday != time.day || isoTime(time) != text) return false;
   setOffset(then - std::time(nullptr));
   if (stopped_) stopped_ = then;

@@ -12,19 +12,19 @@ namespace mirvane::emulator {
 /// "2026-11-22T09:30:00"
 std::string isoTime(const platform::LocalTime& time);
 
-/// The register's clock: this machine's, some seconds ahead of it, or standing still.
+/// The register's clock: this machine's, some seconds ahead of it, or stopped.
 class StationClock {
  public:
-  /// Seconds by which it is ahead of this machine's when it runs.
+  /// How many seconds it is ahead of this machine's clock while it runs.
   std::int64_t offset = 0;
 
   platform::LocalTime time() const;
   bool runs() const { return !stopped_; }
-  /// Stops it, or has it go on from where it stands.
+  /// Stops it, or makes it continue from where it is.
   void run(bool runs);
-  /// Sets it to so many seconds ahead of this machine's clock.
+  /// Sets it to this many seconds ahead of this machine's clock.
   void setOffset(std::int64_t seconds);
-  /// Sets it to a time as isoTime writes it. False when `text` is none.
+  /// Sets it to a time in isoTime's format; false if `text` is not one.
   bool set(const std::string& text);
 
  private:

@@ -16,8 +16,8 @@ namespace mirvane::emulator {
 namespace {
 
 constexpr const char* kAbout =
-    "A fiscal cash register to develop and test against. Without options it listens at 127.0.0.1:9100 (UDP);\n"
-    "its page is at http://127.0.0.1:8100/. Once it listens it prints one line: ready, and the addresses.";
+    "A fiscal cash register for development and tests. Without options it listens at 127.0.0.1:9100 (UDP);\n"
+    "its page is at http://127.0.0.1:8100/. When it is listening it prints one line: ready and its addresses.";
 
 /// Tells whether the folder's new file holds all of `file`.
 bool keepJournal(const std::string& folder, const Journal::File& file) {
@@ -29,7 +29,7 @@ bool keepJournal(const std::string& folder, const Journal::File& file) {
 /// A folder that takes no file is told now, not at the day's closing.
 void requireWritable(const std::string& folder) {
   const Journal::File probe{".mirvane-emulator", ""};
-  if (!keepJournal(folder, probe)) throw UsageError("--journal " + folder + ": no file can be written there");
+  if (!keepJournal(folder, probe)) throw UsageError("--journal " + folder + ": cannot write files there");
   std::filesystem::remove(pathOf(folder) / probe.name);
 }
 
@@ -80,14 +80,15 @@ class CommandLine {
     value("--serial", "PORT", "a serial port of this machine: COM6, /dev/ttyUSB0", address("serial"));
     value("--pty", "[LINK]", "a pseudo-terminal, with a symbolic link to it (not on Windows)", address("pty"))
         ->expected(0, 1);
-    value("--web", "[ADDRESS:]PORT", "the page and the interface for tests; default 8100",
+    value("--web", "[ADDRESS:]PORT", "the page and the HTTP interface; default 127.0.0.1:8100",
           [&options](const std::string& text) { options.webAddress = text.empty() ? "8100" : text; })
         ->expected(0, 1);
-    value("--web-host", "NAME", "serve --web under this name too; may be given several times",
+    value("--web-host", "NAME", "also serve --web under this host name; may be repeated",
           [&options](const std::string& name) { options.web.hosts.push_back(name); });
     value("--log", "FILE", "append every event to FILE, one line of JSON each",
           [&options](const std::string& path) { options.web.log = path; });
-    value("--acknowledge", "WHAT", "the network: \"frame\" (each frame gets its ACK) or \"enq\" (the ENQ ahead of it)",
+    value("--acknowledge", "WHAT",
+          "what to acknowledge on the network: \"frame\" (default) or \"enq\", the ENQ before it",
           [&options](const std::string& what) {
             if (what != "frame" && what != "enq") throw UsageError("--acknowledge takes frame or enq, not " + what);
             options.acknowledges = what == "enq" ? Line::Acknowledges::kEnq : Line::Acknowledges::kFrame;
@@ -96,13 +97,13 @@ class CommandLine {
       options.paper = std::ofstream(pathOf(path), std::ios::binary | std::ios::app);
       if (!options.paper) throw UsageError(path + ": cannot be written");
     });
-    flag("--quiet", "do not show what is printed", options.isQuiet);
-    flag("--paced", "be as slow as a line of 115200 bits per second", options.isPaced);
-    value("--script", "FILE", "misbehave by the rules in FILE",
+    flag("--quiet", "do not copy the paper to standard output", options.isQuiet);
+    flag("--paced", "take as long as a line of 115200 bits per second", options.isPaced);
+    value("--script", "FILE", "apply the fault rules in FILE",
           [&faults](const std::string& path) { addScript(faults, path); });
-    value("--fault", "RULE", "misbehave by RULE: --fault \"on 5/ lost\", --fault \"after 2 on 3/S unplug 5\"",
+    value("--fault", "RULE", "add a fault rule: --fault \"on 5/ lost\", --fault \"after 2 on 3/S unplug 5\"",
           [&faults](const std::string& rule) { faults.add(rule); });
-    value("--seed", "NUMBER", "decides which commands the rules with a rate affect (default 1)",
+    value("--seed", "NUMBER", "selects the commands that rules with a rate hit (default 1)",
           [&faults](const std::string& text) {
             faults.seed(static_cast<std::uint32_t>(parseSize("--seed", text, 0, 4'294'967'295)));
           });
@@ -124,7 +125,7 @@ class CommandLine {
           [&options](const std::string& text) {
             options.journal.pieceSize = parseSize("--journal-piece", text, 1, 60'000);
           });
-    value("--pad-journal", "BYTES", "extend the printed text of the journal to this size",
+    value("--pad-journal", "BYTES", "pad the printed text of the journal to this size",
           [&options](const std::string& text) {
             options.journal.padding = parseSize("--pad-journal", text, 0, 1'000'000'000);
           });

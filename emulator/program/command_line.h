@@ -13,7 +13,7 @@
 
 namespace mirvane::emulator {
 
-/// The command line cannot be followed.
+/// The command line is invalid.
 struct UsageError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
@@ -35,8 +35,8 @@ struct Options {
   bool isReset = false;
 };
 
-/// Follows the arguments one by one, in the order in which they stand there. Nothing when the program is to go on,
-/// otherwise what it ends with. Throws UsageError, and FaultError for a rule.
+/// Applies the arguments in order. Nothing if the program should continue, otherwise its exit code. Throws UsageError,
+/// and FaultError for a rule.
 std::optional<int> follow(std::vector<std::string> arguments, Options& options, Faults& faults);
 
 }  // namespace mirvane::emulator

@@ -59,9 +59,10 @@ struct Listening {
   std::string ready = "ready";
 };
 
-/// Plays a record in place of the register, and returns the exit code.
+/// Replays a record instead of the register, and returns the exit code.
 int play(const Options& options, boost::asio::io_context& loop) {
-  if (options.webAddress || !options.state.empty()) throw UsageError("--replay goes with neither --web nor --state");
+  if (options.webAddress || !options.state.empty())
+    throw UsageError("--replay cannot be combined with --web or --state");
   std::ifstream file(pathOf(options.replay), std::ios::binary);
   if (!file) throw UsageError(options.replay + ": cannot be read");
   try {
@@ -70,7 +71,7 @@ int play(const Options& options, boost::asio::io_context& loop) {
                               [&player](const Options::Address&, Outlet& outlet) { return player.connect(outlet); });
     std::cout << listening.ready << std::endl;
     loop.run();
-    // What the till had sent when a signal came counts, though it may still be on its way.
+    // Counts what the till had sent before the signal, even if it is still in transit.
     loop.restart();
     loop.run_for(std::chrono::milliseconds(100));
     return player.tell(options.isQuiet);
@@ -79,7 +80,7 @@ int play(const Options& options, boost::asio::io_context& loop) {
   }
 }
 
-// For whoever sees the window of a double click.
+// Shown in the window after a double click.
 constexpr const char* kDoubleClicked =
     "\n"
     "Port name for the till: 127.0.0.1:9100\n"

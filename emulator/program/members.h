@@ -3,7 +3,7 @@
 #include "emulator/device.h"
 #include "emulator/line.h"
 
-// The members of all that the register remembers, for writing and for reading.
+// Everything that the register remembers, member by member, for writing and reading.
 namespace mirvane::emulator {
 
 // Every class lists its members once: `visit(name, member)`.

@@ -90,7 +90,7 @@ class Writer : public Walk {
       if (value) at("0", [&] { write(*value); });
     } else if constexpr (Map<Value>) {
       count(value.size());
-      // As pairs, whatever the key is.
+      // As pairs, whatever the type of the key.
       std::size_t i = 0;
       for (auto& [key, mapped] : value) {
         at(i++, [&, &k = key, &m = mapped] {
@@ -214,7 +214,7 @@ void visitParts(Walker& walk, FiscalState& fiscal, Journal::Memory& journal, Car
   walk.part("lines", lines);
 }
 
-// ---- What no register can have
+// ---- Impossible values
 
 void require(bool isPossible, const std::string& place) {
   if (!isPossible) refuse(place, "impossible");

@@ -14,27 +14,27 @@ struct NamedLine {
   Line* line;
 };
 
-/// Where it is that is remembered.
+/// The objects whose state is kept.
 struct Remembered {
   Device& device;
   StationClock& clock;
   const std::vector<NamedLine>& lines;
 };
 
-/// Takes over what `store` remembers of the register; nothing when it is empty. Throws StateError with the name of the
-/// value that no register can have; the register is then as it was.
+/// Restores the register from `store`; does nothing if it is empty. Throws StateError with the name of an impossible
+/// value; the register is then unchanged.
 void recall(Remembered remembered, Store& store);
 
-/// Keeps in a store all that the register remembers when its power goes: each number and text under a name of its own,
-/// so that only what has changed is written.
+/// Keeps in a store everything that the register remembers after a power cut: each number and text under its own name,
+/// so that only changes are written.
 class Keeper {
  public:
-  /// `known` is what the store holds.
+  /// `known` is the store's present content.
   Keeper(Store& store, Store::Values known) : store_(store), known_(std::move(known)) {}
 
-  /// Throws StateError when that cannot be written.
+  /// Throws StateError if writing fails.
   void keep(Remembered remembered);
-  /// As `keep`, when nothing but what the lines remember has changed.
+  /// As `keep`, if only the lines' memory has changed.
   void keepLines(const std::vector<NamedLine>& lines);
 
  private:

@@ -9,16 +9,16 @@
 
 namespace mirvane::emulator {
 
-/// Has a flight record, in place of the register, at the end of each transport.
+/// Replays a flight record, in place of the register, at the end of each transport.
 class Player {
  public:
-  /// Throws ReplayError. Ends `loop` when the replay has ended and the till has had time to take the last answer.
+  /// Throws ReplayError. Ends `loop` when the replay is over and the till has had time to read the last answer.
   Player(boost::asio::io_context& loop, std::string_view record);
 
   /// For Wiring.
   std::unique_ptr<Receiver> connect(Outlet& outlet);
-  /// The loop has ended. Tells how the replay did, unless quiet when all was as recorded, and returns the program's
-  /// exit code: 0 as recorded, 3 different, 4 as recorded up to where the record is cut off.
+  /// To be called after the loop has ended. Prints how the replay went, unless quiet and everything was as recorded,
+  /// and returns the exit code: 0 as recorded, 3 different, 4 as recorded up to where the record is cut off.
   int tell(bool isQuiet);
 
  private:

@@ -9,7 +9,7 @@
 
 namespace mirvane::emulator {
 
-/// What all transports share: the register's end, and its bytes handed to the system as they fall due.
+/// What all transports share: the register's end, and sending its bytes when they are due.
 class Pump : public Transport {
  protected:
   explicit Pump(const Wiring& wiring)
@@ -21,9 +21,9 @@ class Pump : public Transport {
 
   /// Sends the piece's bytes to its peer, and calls `transmitted` when the system has them: from the loop, or at once.
   virtual void transmit(Outbox::Piece piece) = 0;
-  /// Closes what leads to the till.
+  /// Closes the connection to the till.
   virtual void vanish() = 0;
-  /// Opens it again, under the same name. Throws TransportError.
+  /// Reopens it under the same name. Throws TransportError.
   virtual void comeBack() = 0;
 
   void transmitted() { isSending_ = false; }
@@ -48,7 +48,7 @@ class Pump : public Transport {
     }
   }
   unsigned drops() const { return outbox_.drops(); }
-  /// How often the line has vanished: what began before concerns nobody any more.
+  /// How often the line has disappeared: operations started before that are void.
   unsigned unpluggings() const { return unpluggings_; }
 
  private:

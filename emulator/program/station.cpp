@@ -36,7 +36,7 @@ class Station::Watcher : public Witness {
 Station::Station(Paper::Sink paper) : device(std::move(paper), [this] { return clock.time(); }) {}
 
 Station::~Station() {
-  // Its tapes are the store's.
+  // Its tapes belong to the store.
   device.journal().keepOn(nullptr, nullptr);
 }
 
@@ -96,7 +96,7 @@ void Station::changed() {
 }
 
 void Station::keepStateIn(const std::string& path, bool isAnew) {
-  // An absolute one stays the same whatever folder the program works in later.
+  // An absolute path stays valid if the working folder changes.
   const std::u8string absolute = std::filesystem::absolute(pathOf(path)).u8string();
   store_ = std::make_unique<Store>(std::string(absolute.begin(), absolute.end()), isAnew);
   device.journal().keepOn(store_->tape(0), store_->tape(1));

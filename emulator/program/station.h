@@ -14,10 +14,10 @@
 
 namespace mirvane::emulator {
 
-/// Since 1970.
+/// Milliseconds since 1970.
 std::int64_t millisecondsNow();
 
-/// One register as the program runs it: with its faults, its lines, what was said on them, and its memory on the disk.
+/// One register as the program runs it: with its faults, its lines, their communication, and its state on disk.
 class Station {
  public:
   explicit Station(Paper::Sink paper);
@@ -28,65 +28,65 @@ class Station {
   Device device;
   Faults faults;
   StationClock clock;
-  /// Milliseconds of this machine's clock at the start: tells one run from another.
+  /// Milliseconds of this machine's clock at the start: distinguishes runs.
   const std::int64_t started = millisecondsNow();
 
-  /// An exchange that took place.
+  /// One exchange.
   struct Entry {
     /// Counts from 1.
     int id;
-    /// Of this machine.
+    /// This machine's time.
     platform::LocalTime time;
     int milliseconds;
     std::string line;
     Exchange exchange;
   };
-  /// The latest thousand, oldest first; their ids follow one another.
+  /// The latest thousand, oldest first, with consecutive ids.
   const std::deque<Entry>& conversation() const { return conversation_; }
-  /// Of the oldest one, or of the first one to come.
+  /// Id of the oldest one, or of the next if there is none.
   int firstEntry() const { return conversation_.empty() ? lastEntry_ + 1 : conversation_.front().id; }
   void clearConversation() { conversation_.clear(); }
 
-  /// Something that a test may wait for.
+  /// An event that a test may wait for.
   struct Happening {
     enum class Kind { kExchange, kStruck, kReceipt, kReport, kCash, kDrawer, kDisplay };
     /// Counts from 1.
     int id;
     Kind kind;
-    /// Of the register.
+    /// The register's time.
     platform::LocalTime time;
-    /// The id of the entry or of the document, or how often the drawer was opened.
+    /// The id of the entry or document, or how often the drawer was opened.
     int subject;
     Display display = {};
   };
-  /// The latest thousands, oldest first; their ids follow one another.
+  /// The latest thousands, oldest first, with consecutive ids.
   const std::deque<Happening>& happenings() const { return happenings_; }
   int lastHappening() const { return lastHappening_; }
 
-  /// Has the register remember what is said on `line`, under `name`. The line outlives the station's use.
+  /// Records the communication on `line`, under `name`. The line must outlive the station.
   void attach(Line& line, const std::string& name);
 
-  /// Whoever is told of changes: of the register, of the faults, of the conversation.
+  /// Called after changes of the register, the faults or the communication.
   std::function<void()> onChange;
-  /// Whoever is told of each thing that happens.
+  /// Called for each event.
   std::function<void(const Happening&)> onHappening;
-  /// To be called after a change that was not made over a line. Throws StateError.
+  /// Call this after a change that was not made over a line. Throws StateError.
   void changed();
-  /// To be called several times a second: card payments that their terminal has decided are booked, and rules whose
-  /// time is over leave.
+  /// Call this several times a second: it books card payments that their terminals have decided, and removes rules
+  /// whose time is over.
   void tick();
 
-  /// Keeps the register's memory in `path`, and takes over what is there unless `isAnew`. Once, at the beginning.
+  /// Keeps the register's state in `path`, and restores it from there unless `isAnew`. Call it once, at the start.
   /// Throws StateError.
   void keepStateIn(const std::string& path, bool isAnew);
-  /// How card terminals decide when nothing else is wished.
+  /// How card terminals decide by default.
   CardPayments::Options cardDefaults;
-  /// Takes back all misbehaviour: rules, switches, and what was wished of card terminals.
+  /// Clears all faults: rules, switches and card terminal settings.
   void calm();
-  /// As it came from the factory, for a certain trade ("fresh", "kiosk", "restaurant"), calm. The serial number
-  /// stays. False, and nothing done, when there is no such preset.
+  /// Resets to the factory state for a certain trade ("fresh", "kiosk", "restaurant"), without faults. The serial
+  /// number stays. Returns false and does nothing if there is no such preset.
   bool reset(const std::string& preset);
-  /// Carries out a command that came over no line, and returns the reply. Both bare.
+  /// Executes a command that came over no line, and returns the reply, both without frame and checksum.
   std::string execute(const std::string& command);
 
   const std::vector<NamedLine>& lines() const { return lines_; }
@@ -95,7 +95,7 @@ class Station {
   class Watcher;
 
   void record(const std::string& line, const Exchange& exchange);
-  /// Looks for what has happened since the last time.
+  /// Looks for events since the last call.
   void notice();
   void happened(Happening::Kind kind, int subject);
   void save();
@@ -105,7 +105,7 @@ class Station {
   int lastEntry_ = 0;
   std::deque<Happening> happenings_;
   int lastHappening_ = 0;
-  /// What was there when last looked.
+  /// The state at the last look.
   int lastEnded_ = 0, drawerOpenings_ = 0;
   Display display_{};
   std::vector<NamedLine> lines_;

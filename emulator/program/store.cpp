@@ -143,7 +143,7 @@ void Store::make(bool isAnew) {
     return statement.step() ? statement.number(0) : 0;
   };
   const bool isEmpty = pragma("SELECT count(*) FROM sqlite_schema") == 0;
-  if (!isEmpty && pragma("PRAGMA application_id") != kApplication) fail("not the memory of a register");
+  if (!isEmpty && pragma("PRAGMA application_id") != kApplication) fail("not the state of a register");
   if (!isEmpty && pragma("PRAGMA user_version") != kFormat) fail("written by another version");
   if (isEmpty) {
     run(kTables);
@@ -227,7 +227,7 @@ void Store::fail(const std::string& what) const {
   const int code = sqlite3_errcode(database_.get());
   if (!what.empty()) throw StateError(path_ + ": " + what);
   if (code == SQLITE_BUSY) throw StateError(path_ + ": another program has it open");
-  if (code == SQLITE_NOTADB) throw StateError(path_ + ": not the memory of a register");
+  if (code == SQLITE_NOTADB) throw StateError(path_ + ": not the state of a register");
   throw StateError(path_ + ": " + sqlite3_errmsg(database_.get()));
 }
 

@@ -14,20 +14,20 @@ struct sqlite3;
 
 namespace mirvane::emulator {
 
-/// The memory on the disk cannot be written, or cannot be understood. The text tells why.
+/// The state file cannot be written or is invalid. The text says why.
 struct StateError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// A file that remembers values by name, and the journal's tapes: a database, in which what is written between `begin`
-/// and `commit` is there as a whole or not at all, whenever the program ends. Everything throws StateError.
+/// A file of named values and the journal's tapes: a database. What is written between `begin` and `commit` is saved
+/// completely or not at all, whenever the program ends. Everything throws StateError.
 class Store {
  public:
   using Value = std::variant<std::int64_t, std::string>;
   using Values = std::map<std::string, Value, std::less<>>;
 
-  /// Opens or makes the file `path`, and empties it when `isAnew`. Refuses one that another program has open, and one
-  /// that is damaged, with the place.
+  /// Opens or creates the file `path`, and empties it if `isAnew`. Refuses a file that another program has open, and
+  /// one that is damaged, with the place of the damage.
   Store(const std::string& path, bool isAnew);
   Store(const Store&) = delete;
   Store& operator=(const Store&) = delete;
@@ -38,7 +38,8 @@ class Store {
   void put(const std::string& name, const Value& value);
   void erase(const std::string& name);
   void commit();
-  /// Outlives neither the store nor another one of the same number. What is appended is written with the next commit.
+  /// The tape must not outlive the store or coexist with another one of the same number. Appended bytes are written
+  /// with the next commit.
   std::unique_ptr<Tape> tape(int number);
   /// Writes what was appended to the tapes.
   void flush();

@@ -9,8 +9,8 @@
 
 namespace mirvane::emulator {
 
-/// A line that carries a stream of bytes: `Stream` is one of Asio's. Whoever derives from it opens it in its
-/// constructor and in `comeBack`.
+/// A line that carries a stream of bytes; `Stream` is an Asio class. Derived classes open it in their constructor and
+/// in `comeBack`.
 template <class Stream>
 class StreamTransport : public Pump {
  public:
@@ -19,7 +19,7 @@ class StreamTransport : public Pump {
  protected:
   explicit StreamTransport(const Wiring& wiring) : Pump(wiring) {}
 
-  /// `stream` is open, and `name` its address.
+  /// `stream` is open; `name` is its address.
   void begin(std::string name, Stream stream) {
     name_ = std::move(name);
     stream_.emplace(std::move(stream));
@@ -47,7 +47,7 @@ class StreamTransport : public Pump {
   }
 
   void sendSome() {
-    // What the system has been given cannot be taken back when the till begins anew, so it is given little at a time.
+    // Bytes given to the system cannot be taken back when the till starts over, so it gets only a few at a time.
     constexpr std::size_t kMost = 1024;
     const auto done = [this, before = unpluggings()](const Error& error, std::size_t count) {
       if (error == boost::asio::error::operation_aborted || unpluggings() != before) return;
@@ -61,12 +61,12 @@ class StreamTransport : public Pump {
   }
 
   [[noreturn]] void failBy(const Error& error) const {
-    if (error == boost::asio::error::eof) throw TransportError(name_ + ": the line is gone");
+    if (error == boost::asio::error::eof) throw TransportError(name_ + ": the line has disappeared");
     throw TransportError(name_ + ": " + error.message());
   }
 
   std::string name_;
-  /// None while the line is away.
+  /// Empty while the line is unplugged.
   std::optional<Stream> stream_;
   std::array<char, 4096> buffer_{};
   std::string sending_;

@@ -39,7 +39,7 @@ class Udp : public Pump {
   void receive() {
     const auto done = [this, before = unpluggings()](const boost::system::error_code& error, std::size_t count) {
       if (error == boost::asio::error::operation_aborted || unpluggings() != before) return;
-      // Any other error only tells that an earlier datagram found nobody.
+      // Any other error only means that an earlier datagram was refused.
       if (!error) arrived({buffer_.data(), count}, nameOf(sender_));
       if (unpluggings() == before) receive();
     };

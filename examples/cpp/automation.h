@@ -1,9 +1,9 @@
 #pragma once
 
-// Automation objects in C++, without a wizard: calls by dispatch id or by name, arguments by value or by reference.
+// Automation objects in C++, without generated code: calls by dispatch id or name, arguments by value or reference.
 
 #include <windows.h>
-// Needs windows.h before it.
+// Include windows.h first.
 #include <ole2.h>
 
 #include <cstdio>
@@ -93,7 +93,7 @@ Interface* create(const CLSID& id, const IID& interfaceId = IID_IDispatch) {
 
 /// Calls a member by its dispatch id, the arguments from the first to the last. The result is the caller's to clear.
 inline VARIANT invoke(IDispatch* object, DISPID id, WORD kind, const std::vector<Argument>& arguments = {}) {
-  // The last argument stands first.
+  // Invoke takes the arguments in reverse order.
   std::vector<VARIANT> reversed;
   for (const Argument& argument : arguments) reversed.insert(reversed.begin(), argument.variant());
   DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};

@@ -1,4 +1,4 @@
 #pragma once
 
-// The header that widl makes of MirvaneEFT.idl includes this one, as the IDL imports base.idl. The types that base.idl
-// describes are those of windows.h.
+// The header that widl makes from MirvaneEFT.idl includes this one, because the IDL imports base.idl. windows.h has the
+// types that base.idl describes.

@@ -1,4 +1,4 @@
-// A small till, early bound, by the header that widl makes of MirvaneEFT.idl: connect, sell, handle refusals, pay,
+// A small till, early bound, with the header that widl makes from MirvaneEFT.idl: connect, sell, handle refusals, pay,
 // disconnect.
 //
 //   widl -h -I ..\.. -o VarlenFiscalQ7734.h ..\..\MirvaneEFT.idl
@@ -6,13 +6,13 @@
 //   .\till_early.exe 127.0.0.1:9100
 
 #include "automation.h"
-// Needs the headers of the system before it.
+// Include the system's headers first.
 #include "VarlenFiscalQ7734.h"
 
 namespace {
 
-/// The register, with the members that the till uses, each by the dispatch id that the IDL gives it; those never
-/// change. An operation tells whether it succeeded. Result and Exresult are those of the last one.
+/// The register, with the members that the till uses. Each is called by its dispatch id from the IDL; these never
+/// change. An operation returns whether it succeeded. Result and Exresult are those of the last one.
 class Register {
  public:
   Register() : module_(create<_fiscalTrevikModule>(__uuidof(fiscalTrevikModule), __uuidof(_fiscalTrevikModule))) {}
@@ -35,7 +35,7 @@ class Register {
   }
 
  private:
-  /// Every operation has Result, Exresult and SupressError_ behind its own parameters.
+  /// Every operation has Result, Exresult and SupressError_ after its own parameters.
   bool operate(DISPID id, std::vector<Argument> arguments, short success = 0) {
     for (const Argument& argument : {Argument(result_), Argument(exresult_), Argument(&silent_)}) {
       arguments.push_back(argument);

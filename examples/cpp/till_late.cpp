@@ -18,7 +18,7 @@ class Register {
     return id;
   }
 
-  /// Whether the operation succeeded. Every one has Result, Exresult and SupressError_ behind its own parameters.
+  /// Whether the operation succeeded. Every one has Result, Exresult and SupressError_ after its own parameters.
   bool operate(const wchar_t* name, std::vector<Argument> arguments, short success = 0) {
     for (const Argument& argument : {Argument(result_), Argument(exresult_), Argument(&silent_)}) {
       arguments.push_back(argument);

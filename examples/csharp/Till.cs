@@ -89,8 +89,8 @@ sealed class Register : IDisposable
         if ((short)arguments[1] != 1) throw new RegisterException("DisConnect_", (short)arguments[1], "");
     }
 
-    /// Every operation has Result, Exresult and SupressError_ behind its own parameters. Gives the arguments as they are
-    /// afterwards.
+    /// Every operation has Result, Exresult and SupressError_ after its own parameters. Returns the arguments as they are
+    /// after the call.
     object[] Operate(string name, params object[] given)
     {
         var arguments = new object[given.Length + 3];
@@ -113,7 +113,7 @@ static class Till
         try { action(); }
         catch (Failure failure)
         {
-            // What InvokeMember throws is around what happened.
+            // InvokeMember wraps the exception.
             var cause = failure.GetBaseException();
             Console.WriteLine("  {0} {1:X8}: {2}", cause.GetType().Name, cause.HResult, cause.Message);
             return;

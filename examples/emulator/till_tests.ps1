@@ -4,7 +4,7 @@
 $ErrorActionPreference = 'Stop'
 $web = if ($env:MIRVANE_WEB) { $env:MIRVANE_WEB } else { 'http://127.0.0.1:8100' }
 
-# Throws when the emulator refuses. As bytes, or Windows PowerShell would send a code page that is no JSON.
+# Throws if the emulator refuses. Sends bytes, because Windows PowerShell would send a code page, which is not JSON.
 function Emulator($method, $path, $body) {
     $data = if ($body) { [Text.Encoding]::UTF8.GetBytes(($body | ConvertTo-Json -Depth 9 -Compress)) }
     Invoke-RestMethod "$web/api/v1$path" -Method $method -Body $data

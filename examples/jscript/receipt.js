@@ -5,8 +5,8 @@
 // JScript passes values only, so Result and Exresult never come back: what happened is read from properties and from
 // records, which are objects and filled in place. Prefer a language with by-reference arguments where there is one.
 //
-// In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
-// take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
+// The release has this file in UTF-16, which every Windows reads. In the sources it is in UTF-8, which script hosts
+// misread: run a converted copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 var port = WScript.Arguments.length > 0 ? WScript.Arguments(0) : "127.0.0.1:9100";
 var secondGeneration = 3;  // FISCAL_VARLENFISCAL2
 

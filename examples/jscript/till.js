@@ -5,8 +5,8 @@
 // JScript passes values only, so Result and Exresult never come back: what happened is read from the status and from
 // records, which are objects and filled in place. README.md describes the limits.
 //
-// In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
-// take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
+// The release has this file in UTF-16, which every Windows reads. In the sources it is in UTF-8, which script hosts
+// misread: run a converted copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 var port = WScript.Arguments.length > 0 ? WScript.Arguments(0) : "127.0.0.1:9100";
 var secondGeneration = 3;  // FISCAL_VARLENFISCAL2
 var module = new ActiveXObject("VarlenFiscalQ7734.fiscalTrevikModule");
@@ -28,7 +28,7 @@ require(!paid(2, "ΚΑΡΤΑ", 10) && paid(1, "ΜΕΤΡΗΤΑ", 10), "paying");
 module.DisConnect_(port, 0, "", true);
 WScript.Echo("ok");
 
-// What is on the receipt. A new record, as a call that fails would leave in an old one what it had.
+// What is on the receipt. Uses a new record, because a failed call leaves an old one as it was.
 function total() {
   var totals = new ActiveXObject("VarlenFiscalQ7734.clsTransTotal");
   module.transactionTotals(totals, 0, "", true);

@@ -89,7 +89,7 @@ class AutomationObject {
     put(names, 0, 'void *', koffi.address(text));
     check(this.method(5, GetIDsOfNames, none, names, 1, 0, id), name);
 
-    // The last argument stands first. A property's new value has a name of its own, -3.
+    // Arguments are in reverse order. A property's new value has a name of its own, -3.
     const memories = given.map(variant).reverse();
     const list = Buffer.concat(memories);
     const newValue = Buffer.from(Int32Array.of(-3).buffer);

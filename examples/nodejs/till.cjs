@@ -10,7 +10,7 @@ const till = createObject('VarlenFiscalQ7734.fiscalTrevikModule');
 
 class Refused extends Error {}
 
-// Calls an operation of the register. Every one has Result, Exresult and SupressError_ behind its own parameters;
+// Calls an operation of the register. Every one has Result, Exresult and SupressError_ after its own parameters;
 // optional parameters come after them.
 function operate(name, given, optional = []) {
   const result = byReference(0);

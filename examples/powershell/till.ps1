@@ -2,8 +2,8 @@
 #
 #   powershell -ExecutionPolicy Bypass -File till.ps1 127.0.0.1:9100
 #
-# The release has this file in UTF-16. Among the sources it is in UTF-8, for which Windows PowerShell wants a mark at its
-# beginning: save a copy as "UTF-8 with BOM" or as UTF-16 before running it. PowerShell 7 takes it as it is.
+# The release has this file in UTF-16. In the sources it is in UTF-8, for which Windows PowerShell needs a byte order
+# mark: save a copy as "UTF-8 with BOM" or as UTF-16 before you run it. PowerShell 7 reads it as it is.
 param([string] $Port = '127.0.0.1:9100')
 $ErrorActionPreference = 'Stop'
 

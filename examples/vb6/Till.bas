@@ -3,8 +3,8 @@ Attribute VB_Name = "TillModule"
 '
 '   Till.exe 127.0.0.1:9100
 '
-' The release has this file in code page 1253 with CR LF, as Visual Basic reads it. Among the sources it is in UTF-8:
-' README.md tells how to save a copy.
+' The release has this file in code page 1253 with CR LF, as Visual Basic reads it. In the sources it is in UTF-8:
+' README.md says how to save a copy.
 ' The system's language for programs without Unicode has to be Greek.
 Option Explicit
 
@@ -32,7 +32,7 @@ Public Sub Main()
   ' The register has no VAT rate of 17 %.
   If Not Sold("Τυρόπιτα", 1, 2.2, 17) Then Require Sold("Τυρόπιτα", 1, 2.2, 13), "a refused item"
   Require Sold("Νερό", 0.5, 0.5, 13), "selling water"
-  ' A constant goes in as it is: the compiler makes a variable for it.
+  ' A constant can be passed directly: the compiler makes a variable for it.
   Register.commentPrinterPrint "Σας ευχαριστούμε!", 1, Result, Exresult, Suppress
   Require Succeeded("commentPrinterPrint"), "thanking"
 
@@ -54,7 +54,7 @@ Impossible:
   Debug.Print "FAIL " & Err.Number & " " & Err.Description
 End Sub
 
-' ByVal: the component is given variables of this function's own.
+' ByVal: the component gets this function's own variables.
 Private Function Sold(ByVal Description As String, ByVal Quantity As Double, ByVal Price As Double, _
     ByVal VatRate As Double) As Boolean
   Dim Department As Integer

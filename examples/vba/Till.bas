@@ -1,7 +1,7 @@
 Attribute VB_Name = "TillModule"
 ' A small till, late bound: connect, sell, handle refusals, pay, disconnect. Not run here.
 '
-' The release has this file in code page 1253, as the editor imports it. Among the sources it is in UTF-8: README.md tells
+' The release has this file in code page 1253, as the editor imports it. In the sources it is in UTF-8: README.md says
 ' how to save a copy. The system's language for programs without Unicode has to be Greek.
 Option Explicit
 

@@ -2,8 +2,8 @@
 '
 '   cscript //nologo close_the_day.vbs 127.0.0.1:9100
 '
-' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
-' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
+' The release has this file in UTF-16, which every Windows reads. In the sources it is in UTF-8, which script hosts
+' misread: run a converted copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 Option Explicit
 
 Dim module, port, Result, Exresult, Suppress
@@ -43,7 +43,7 @@ WScript.Echo "ok"
 Function DayClosed
   Const Untouched = 32767
   WScript.Echo "closing the day"
-  ' A call with Suppress that cannot take the journal leaves both variables as they are.
+  ' A call with Suppress that cannot read the journal leaves both variables as they are.
   Result = Untouched: Exresult = "the journal was not taken"
   On Error Resume Next
   module.issueZReport Result, Exresult, Suppress
@@ -53,7 +53,7 @@ Function DayClosed
   If Not DayClosed Then WScript.Echo Result & " " & Exresult
 End Function
 
-' Takes the journal alone, which prints no Z report, and tells why it cannot.
+' Only reads the journal, prints no Z report, and returns why it cannot be read.
 Function Reason
   Dim journal, why
   Set journal = CreateObject("VarlenFiscalQ7734.FiscalJournal")

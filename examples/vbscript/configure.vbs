@@ -2,8 +2,8 @@
 '
 '   cscript //nologo configure.vbs 127.0.0.1:9100
 '
-' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
-' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
+' The release has this file in UTF-16, which every Windows reads. In the sources it is in UTF-8, which script hosts
+' misread: run a converted copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 Option Explicit
 
 Dim module, port, Result, Exresult, Suppress, Pass
@@ -38,7 +38,7 @@ SetServer "https://tax/in.php|https://tax/qr", "443", String(64, "A")
 module.DisConnect_ port, Result, Exresult, Suppress
 WScript.Echo "ok"
 
-' setDepartment does nothing; this is the device's own command. No "/" and no accents in the name.
+' setDepartment does nothing; this is the register's own command. No "/" and no accents in the name.
 Sub NameDepartment(number, name, category)
   module.SendCommand_ "d/" & number & "/" & name & "/" & category & "/", Result, Exresult, Suppress, Pass
   Check "department " & number
@@ -51,7 +51,7 @@ Sub SetCashier(name)
   module.settingsRead settings, Result, Exresult, Suppress
   Check "settingsRead"
   settings.cashierDesc = name
-  ' Each assignment inverts it, and so did the reading: this makes it the device's again.
+  ' Each assignment inverts it, and so did reading: this restores the register's value.
   settings.useLCDdisplay = settings.useLCDdisplay
   module.settingsWrite settings, Result, Exresult, Suppress
   Check "settingsWrite"

@@ -1,9 +1,9 @@
-' Finding the register: its port, who it is, its serial number.
+' Finding the register: its port, its model, its serial number.
 '
 '   cscript //nologo connect.vbs COM1 127.0.0.1:9100
 '
-' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
-' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
+' The release has this file in UTF-16, which every Windows reads. In the sources it is in UTF-8, which script hosts
+' misread: run a converted copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 Option Explicit
 
 Dim module, port, Result, Exresult, Suppress
@@ -16,7 +16,7 @@ If Connected("COM99") Then Fail "COM99 is not expected to be there"
 port = "127.0.0.1:9100"
 If WScript.Arguments.Count > 0 Then port = WScript.Arguments(0)
 ShowRegister port
-' The register may be on the network as well.
+' The register may also be on the network.
 If WScript.Arguments.Count > 1 Then ShowRegister WScript.Arguments(1)
 WScript.Echo "ok"
 

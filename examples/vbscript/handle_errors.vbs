@@ -2,8 +2,8 @@
 '
 '   cscript //nologo handle_errors.vbs 127.0.0.1:9100
 '
-' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
-' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
+' The release has this file in UTF-16, which every Windows reads. In the sources it is in UTF-8, which script hosts
+' misread: run a converted copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 Option Explicit
 
 Dim module, port, Result, Exresult, Suppress

@@ -2,8 +2,8 @@
 '
 '   cscript //nologo pay_by_card.vbs 127.0.0.1:9100
 '
-' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
-' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
+' The release has this file in UTF-16, which every Windows reads. In the sources it is in UTF-8, which script hosts
+' misread: run a converted copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 Option Explicit
 
 Dim module, port, Result, Exresult, Suppress
@@ -58,8 +58,8 @@ Function PaidByCard(amount)
   If Result <> 0 Then WScript.Echo Result & " " & Exresult
 End Function
 
-' The answer is "00/00/06/", followed by what remains, the change and what is paid, each with "/". When the printer
-' needs attention, its message is there instead.
+' The answer is "00/00/06/", followed by the remaining amount, the change and the amount paid, each with "/". If the
+' printer needs attention, its message is there instead.
 Sub ShowRemaining
   Dim fields, Pass
   module.SendCommand_ "5/99/1/1/1/", Result, Exresult, Suppress, Pass

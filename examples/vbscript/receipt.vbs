@@ -4,8 +4,8 @@
 '
 ' or a double click, with the emulator running on this machine
 '
-' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
-' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
+' The release has this file in UTF-16, which every Windows reads. In the sources it is in UTF-8, which script hosts
+' misread: run a converted copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 Option Explicit
 
 ' Every by-reference argument is a plain variable, so that the component can write to it.
@@ -35,7 +35,7 @@ module.DisConnect_ port, Result, Exresult, Suppress
 If Result <> 1 Then Check "DisConnect_"
 Finish "ok", 0
 
-' A double click runs wscript, whose Echo is a message box: so all is told at the end, at once.
+' A double click runs wscript, whose Echo is a message box: all lines are shown together at the end.
 Sub Say(text)
   said = said & text & vbCrLf
 End Sub

@@ -1,9 +1,9 @@
-' A till that can be killed at any moment. At its next start it says what became of its last receipt and payment.
+' A till that can be killed at any moment. At its next start it says what happened to its last receipt and payment.
 '
 '   cscript //nologo recover.vbs 127.0.0.1:9100
 '
-' In the package this file is UTF-16, which every Windows reads. In the sources it is UTF-8, which script hosts do not
-' take for Greek: there, run a copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
+' The release has this file in UTF-16, which every Windows reads. In the sources it is in UTF-8, which script hosts
+' misread: run a converted copy (iconv -f UTF-8 -t CP1253 on a Greek machine).
 Option Explicit
 
 ' What a snapshot of the register holds, in this order; amounts in cents.
@@ -37,13 +37,13 @@ End If
 module.DisConnect_ port, Result, Exresult, Suppress
 WScript.Echo "ok"
 
-' Says what became of what an earlier run of this program had begun.
+' Says what happened to what an earlier run of this program had started.
 Sub Recover
   Dim line, fields, receipt, act, was
   If files.FileExists(savedTo) Then
     For Each line In Split(files.OpenTextFile(savedTo).ReadAll, vbCrLf)
       fields = Split(line & "|", "|")
-      ' A line without its end was cut by the end of the program; what it announces was not begun.
+      ' A line without its end was cut off when the program ended; what it announces was not started.
       If Right(line, 2) <> "|." Then fields = Array("")
       If fields(0) = "receipt" Then receipt = fields
       If fields(0) = "do" Then
@@ -53,9 +53,9 @@ Sub Recover
       If fields(0) = "was" Then was = fields(1)
     Next
   End If
-  ' A line that was cut stays by itself.
+  ' A line that was cut off stays separate.
   Save ""
-  known = TakePicture
+  known = TakeSnapshot
   If IsArray(act) Then
     If IsEmpty(was) Then
       was = Judge(act(1), CLng(act(2)), act(3), known)
@@ -66,21 +66,21 @@ Sub Recover
   If Not IsArray(receipt) Then Exit Sub
   If IsWhollyPaid Then
     module.SendCommand_ "O/1/", Result, Exresult, Suppress, Pass
-    known = TakePicture
+    known = TakeSnapshot
   End If
   WScript.Echo "last receipt: " & Judge("receipt", 0, receipt(1), known)
 End Sub
 
 Sub BeginReceipt
-  known = TakePicture
+  known = TakeSnapshot
   Save "receipt|" & known & "|."
 End Sub
 
-' Saves what is done, does it, and finds out what became of it, whatever the call said.
+' Saves the step, takes it, and finds out what happened, whatever the call returned.
 Sub Perform(what, amount, detail)
   Dim before, was
-  If known = "" Then known = TakePicture
-  ' A register that does not tell where it stands is told nothing.
+  If known = "" Then known = TakeSnapshot
+  ' Without a snapshot of the register nothing is sent to it.
   If known = "" Then Fail "the register does not answer"
   before = known
   Save "do|" & what & "|" & amount & "|" & before & "|."
@@ -92,13 +92,13 @@ Sub Perform(what, amount, detail)
     Case "card": module.Payment 2, detail, amount / 100, 1, 1, Result, Exresult, Suppress
   End Select
   On Error GoTo 0
-  known = TakePicture
+  known = TakeSnapshot
   was = Judge(what, amount, before, known)
   Save "was|" & was & "|."
   WScript.Echo what & ", " & amount & ": " & was
 End Sub
 
-' "committed", "not committed" or "unknown", by the snapshots before and now.
+' "committed", "not committed" or "unknown", from the snapshots before and now.
 Function Judge(what, amount, before, now)
   Dim b, n, due, total, isClosed, isStillOpen
   Judge = "unknown"
@@ -117,7 +117,7 @@ Function Judge(what, amount, before, now)
     If b(OpenNow) = 1 Then total = b(LatestTotal) + amount
     If isStillOpen And n(LatestTotal) = total Then Judge = "committed"
   Else
-    ' More than remains gives change.
+    ' Anything above the remaining amount is change.
     due = amount
     If due = 0 Or due > b(Remaining) Then due = b(Remaining)
     If due <= 0 Then Exit Function
@@ -126,14 +126,14 @@ Function Judge(what, amount, before, now)
   End If
 End Function
 
-' The register as it stands; empty when it does not tell the same twice.
-Function TakePicture
+' A snapshot of the register; empty if no two in a row are equal.
+Function TakeSnapshot
   Dim before, now, tries
-  TakePicture = ""
+  TakeSnapshot = ""
   For tries = 1 To 10
     now = LookOnce
     If now <> "" And now = before Then
-      TakePicture = now
+      TakeSnapshot = now
       Exit Function
     End If
     before = now
@@ -154,15 +154,15 @@ Function LookOnce
   If Err.Number <> 0 Then Exit Function
   On Error GoTo 0
   totals = day.LegalReceiptCount & ";" & receipt.receiptNumber & ";" & CLng(receipt.receiptTotalAmt * 100)
-  ' No receipt is open, or a cash document.
+  ' No receipt is open, or a cash document is.
   If Result = 64 Or Result = 67 Or Result = 68 Then LookOnce = totals & ";0;0"
   fields = Split(Exresult, "/")
   If Result <> 0 Or UBound(fields) < 4 Then Exit Function
-  ' Behind the result and the two status bytes stands what remains. What else stands there is the register's own.
+  ' After the result and the two status bytes comes the remaining amount. Registers differ in the other fields.
   If Cents(fields(3)) >= 0 Then LookOnce = totals & ";1;" & Cents(fields(3))
 End Function
 
-' The digits of "4.00", which are cents; -1 when it is no such number.
+' The digits of "4.00", which are cents; -1 if it is not such a number.
 Function Cents(field)
   Cents = -1
   If Len(field) < 4 Or Left(Right(field, 3), 1) <> "." Then Exit Function

@@ -37,11 +37,11 @@ function main() {
     tryRegistered();
     tryInstaller();
   } catch (error) {
-    failed("the trial", "it broke off: " + error.message + " (" + (error.number & 0xFFFF) + ")", "");
+    failed("the trial", "it was aborted: " + error.message + " (" + (error.number & 0xFFFF) + ")", "");
   }
   cleanUp();
   say("");
-  say(counts.passed + " passed, " + counts.FAILED + " failed, " + counts["not there"] + " were not there to be tried.");
+  say(counts.passed + " passed, " + counts.FAILED + " failed, " + counts["not there"] + " were missing and not tried.");
   report.Close();
   WScript.Echo("The report is " + reportFile);
   return counts.FAILED ? 1 : 0;

@@ -77,7 +77,7 @@ in_wine "$(system_program 64 reg)" add "$class" /ve /d "$(names "$dll64")" /f /r
 finds 32 2 "" "[x]  32-bit programs are given $(names "$dll64"), which is the 64-bit one" "regsvr32.exe \"$(names "$dll32")\""
 registers 32
 mv "$dll64" "$WORK"
-finds 32 2 "" "[x]  The 64-bit registration leads to $(names "$dll64"), which does not exist" 'Install the package again'
+finds 32 2 "" "[x]  The 64-bit registration leads to $(names "$dll64"), which does not exist" 'Install MirvaneEFT again'
 mv "$WORK/MirvaneEFT.dll" "$dll64"
 mv "$package/win32/Lang.dat" "$WORK"
 finds 64 2 "" "[x]  $(names "$package/win32/Lang.dat") is missing" "into the folder $(names "$package/win32")"
@@ -92,7 +92,7 @@ finds 32 1 "" "AppData\\Local\\VirtualStore" "        mkdir \"$(names "$package/
 rm -r "$shown"
 # A folder that takes no file from anybody, whoever asks.
 ln -s /sys "$disk/bbox"
-finds 32 2 "" '[x]  This user may not write to c:\bbox' 'icacls "c:\bbox" /grant "*S-1-5-32-545:(OI)(CI)M"'
+finds 32 2 "" '[x]  This user cannot write to c:\bbox' 'icacls "c:\bbox" /grant "*S-1-5-32-545:(OI)(CI)M"'
 rm "$disk/bbox"
 
 # ---- Ports
@@ -135,7 +135,7 @@ grep -q 'It holds what is shown here' "$report" || die "there is no report $repo
 
 mkdir "$package/win64/records" && echo 'what the line said' >"$package/win64/records/newest.txt"
 finds 32 0 "--self-test --report Z:${WORK//\//\\}\\report.txt" 'Simulated trading day, 32-bit' \
-  'Simulated trading day, 64-bit' 'No problems found.' 'Every class (14)' 'A refused card' 'wait window' 'interrupted' \
+  'Simulated trading day, 64-bit' 'No problems found.' 'Every class (14)' 'A declined card' 'wait window' 'interrupted' \
   'Z report, with the journal on the disk'
 for text in 'what the line said' 'Every class (14)' 'programs find' 'It holds what is shown here'; do
   grep -Fq "$text" "$WORK/report.txt" || die "the report lacks \"$text\""

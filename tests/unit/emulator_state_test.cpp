@@ -145,7 +145,7 @@ TEST_F(EmulatorState, AFileThatIsCutOrForeignOrTakenIsRefused) {
     EXPECT_NE(refusal(), "") << size;
   }
   std::ofstream(path()) << "{ \"format\": 1 }";
-  EXPECT_NE(refusal().find("not the memory of a register"), std::string::npos);
+  EXPECT_NE(refusal().find("not the state of a register"), std::string::npos);
 }
 
 }  // namespace

@@ -64,7 +64,7 @@ TEST(Replay, AnswersInTimeHoweverTheBytesAreCutAndUpToWhereTheRecordIsCut) {
     }
     const std::string outcome = outcomeOf(cut, {bytes, kStart});
     EXPECT_TRUE(answers.starts_with(outcome.substr(0, outcome.find("as recorded, up to line")))) << outcome;
-    EXPECT_NE(outcome.find("not whole"), std::string::npos) << outcome;
+    EXPECT_NE(outcome.find("incomplete"), std::string::npos) << outcome;
   }
   for (const char* none : {"\n", "no record\r\n", "\x02\x03"}) EXPECT_THROW(Replay{none}, ReplayError) << none;
 }

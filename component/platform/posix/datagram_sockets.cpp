@@ -46,12 +46,12 @@ Granted PosixDatagramSockets::connect(std::int32_t handle, const std::string& ad
 }
 
 Granted PosixDatagramSockets::send(std::int32_t handle, std::string_view bytes) {
-  // An earlier datagram's "nobody there" comes back with the next call; it says nothing about this one.
+  // The next call reports that an earlier datagram was refused; this says nothing about the present one.
   return granted(sent(handle, bytes) || (errno == ECONNREFUSED && sent(handle, bytes)));
 }
 
 Attempt<std::string> PosixDatagramSockets::receive(std::int32_t handle, std::size_t most) {
-  // One byte more than is wanted shows a datagram that is too long.
+  // Reading one more byte than requested reveals a datagram that is too long.
   std::string bytes(most + 1, '\0');
   const auto count = recv(handle, bytes.data(), bytes.size(), MSG_DONTWAIT);
   if (count < 0) return lastError();
@@ -70,13 +70,13 @@ bool PosixDatagramSockets::waitReadable(std::int32_t handle, std::int16_t second
     if (poll(&entry, 1, static_cast<int>(std::max<std::int64_t>(left, 0))) <= 0) return false;
     char first = 0;
     if (recv(handle, &first, 1, MSG_PEEK | MSG_DONTWAIT) >= 0) return true;
-    // "Nobody there" for an earlier datagram makes the socket readable without a datagram; looking takes it away.
+    // The refusal of an earlier datagram makes the socket readable although there is no datagram; reading clears it.
     if (errno != ECONNREFUSED) return false;
   }
 }
 
 void PosixDatagramSockets::shutDown(std::int32_t handle) {
-  // No socket has a handle of a standard stream: 0 stands for none.
+  // Sockets never get the handle of a standard stream: 0 stands for none.
   if (handle <= STDERR_FILENO) return;
   shutdown(handle, SHUT_RDWR);
   close(handle);

@@ -61,14 +61,14 @@ class PosixClock : public Clock {
   }
 };
 
-// "c:\\folder" is the folder "c:/folder" in the current one.
+// "c:\\folder" becomes the folder "c:/folder" in the current one.
 std::string localPath(TextView path) {
   std::string name = toUtf8(path);
   std::replace(name.begin(), name.end(), '\\', '/');
   return name;
 }
 
-// One line of progress, written over again and again.
+// One line of progress, overwritten again and again.
 class TerminalJournal : public JournalView {
  public:
   ~TerminalJournal() override {
@@ -87,7 +87,7 @@ class TerminalJournal : public JournalView {
   std::string line_;
 };
 
-// A line for each text that is another than the one before.
+// A line for each text that differs from the one before.
 class TerminalWait : public WaitView {
  public:
   void show(const WaitText& text) override {
@@ -102,7 +102,7 @@ class TerminalWait : public WaitView {
   Text shown_;
 };
 
-// A terminal: what would be a box is a line.
+// On a terminal a message box is a line.
 class TerminalScreen : public Screen {
  public:
   void messageBox(TextView prompt, std::uint32_t /*style*/, TextView title) override {
@@ -127,7 +127,7 @@ class TerminalScreen : public Screen {
   }
 };
 
-// How many bytes were written.
+// Returns how many bytes were written.
 std::size_t writeAll(int file, std::string_view bytes) {
   std::size_t written = 0;
   while (written < bytes.size()) {
@@ -139,7 +139,7 @@ std::size_t writeAll(int file, std::string_view bytes) {
   return written;
 }
 
-// Until it is closed; by nobody else, in whichever program.
+// Locks the file until it is closed; false if any other program has locked it.
 bool lock(int file) { return flock(file, LOCK_EX | LOCK_NB) == 0; }
 
 class PosixGrowingFile : public GrowingFile {

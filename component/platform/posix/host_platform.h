@@ -6,7 +6,7 @@
 
 namespace mirvane::platform {
 
-/// Where the debug trace goes natively, one line a call; nowhere until the host program sets it.
+/// Where the debug trace goes on POSIX, one line per call; nowhere until the host program sets it.
 void setTraceSink(std::function<void(TextView line)> sink);
 
 }  // namespace mirvane::platform

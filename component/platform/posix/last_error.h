@@ -8,7 +8,7 @@
 
 namespace mirvane::platform {
 
-/// Why the system refused the call just made.
+/// Why the system refused the latest call.
 inline SystemError lastError() {
   const int number = errno;
   return {number, fromUtf8(std::generic_category().message(number))};

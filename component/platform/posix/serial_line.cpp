@@ -20,7 +20,7 @@ namespace {
 using Time = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-// Whether `handle` becomes ready for `events` before `deadline`. A line that is gone is ready too.
+// Whether `handle` becomes ready for `events` before `deadline`. A line that has disappeared also counts as ready.
 bool ready(int handle, short events, Time::time_point deadline) {
   for (;;) {
     const auto left = std::chrono::duration_cast<std::chrono::microseconds>(deadline - Time::now()).count();
@@ -37,7 +37,7 @@ bool ready(int handle, short events, Time::time_point deadline) {
 Attempt<std::int32_t> PosixSerialPort::open(TextView name) {
   const int handle = ::open(toUtf8(name).c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   if (handle < 0) return lastError();
-  // For this program alone, as on the tills' own system.
+  // Exclusively, as on Windows.
   if (isatty(handle) == 0 || flock(handle, LOCK_EX | LOCK_NB) != 0) {
     SystemError reason = lastError();
     ::close(handle);
@@ -55,7 +55,7 @@ bool PosixSerialPort::setTimeouts(std::int32_t handle, const LineTimeouts& timeo
 }
 
 Granted PosixSerialPort::configure(std::int32_t handle, std::string_view settings) {
-  // The one setting that the devices of this component use.
+  // The only settings that this component uses.
   if (settings != "115200,n,8,1") return false;
   termios line{};
   if (tcgetattr(handle, &line) != 0) return lastError();

@@ -6,7 +6,7 @@
 
 namespace mirvane::platform {
 
-/// Serial lines by termios; a name is a device path such as "/dev/ttyS0", or a pseudo-terminal's.
+/// Serial lines through termios; a name is a device path such as "/dev/ttyS0", or that of a pseudo-terminal.
 class PosixSerialPort : public SerialPort {
  public:
   Attempt<std::int32_t> open(TextView name) override;

@@ -22,8 +22,8 @@ sockaddr_in addressOf(std::uint32_t host, std::uint16_t port) {
   return address;
 }
 
-// The device had no one listening when an earlier datagram arrived. The system hands that over once, at the next call
-// on the socket, whichever that is.
+// The register was not listening when an earlier datagram arrived. The system reports this once, at the next call on
+// the socket, whichever that is.
 bool toldOfEarlierDatagram() {
   const int error = WSAGetLastError();
   return error == WSAECONNRESET || error == WSAECONNREFUSED;
@@ -70,7 +70,7 @@ Attempt<std::string> WindowsDatagramSockets::receive(std::int32_t handle, std::s
 }
 
 bool WindowsDatagramSockets::waitReadable(std::int32_t handle, std::int16_t seconds) {
-  // In pieces: once an error came, Wine sleeps past the datagram that follows.
+  // In short waits: after an error Wine would sleep past the next datagram.
   constexpr ULONGLONG kPiece = 100;
   if (seconds < 0) return false;
   const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(seconds) * 1000;
@@ -85,8 +85,8 @@ bool WindowsDatagramSockets::waitReadable(std::int32_t handle, std::int16_t seco
     const int count = select(0, &readable, &none, &none, &limit);
     if (count == SOCKET_ERROR) return false;
     char first = 0;
-    // What select saw may be an error left by an earlier datagram; the look takes it away. A longer datagram than was
-    // looked for is there.
+    // What select saw may be an earlier datagram's error, which peeking clears. A datagram longer than the buffer is
+    // there too.
     const bool isThere =
         count > 0 && (recv(toSocket(handle), &first, 1, MSG_PEEK) != SOCKET_ERROR || WSAGetLastError() == WSAEMSGSIZE);
     if (isThere) return true;

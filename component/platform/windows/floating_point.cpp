@@ -5,7 +5,8 @@
 namespace mirvane::platform {
 namespace {
 
-// The host's environments, from the outermost call to the innermost. Not on the stack: a call may end without a return.
+// The program's floating-point states, from the outermost call to the innermost. Not on the stack, because a call may
+// end without a return.
 std::vector<FloatingPoint>& hosts() {
   static auto& all = *new std::vector<FloatingPoint>;
   return all;

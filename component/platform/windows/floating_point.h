@@ -6,15 +6,15 @@
 
 namespace mirvane::platform {
 
-/// The environment of both floating-point units: precision, rounding, which exceptions are raised, and what has
-/// happened so far. The C library's own calls know only one of the two units, or change what they keep.
+/// The state of both floating-point units: precision, rounding, exceptions, and flags. The C library's own calls know
+/// only one of the two units, or change what they save.
 class FloatingPoint {
  public:
-  /// As it is now; afterwards it has to be set anew.
+  /// Saves the present state; afterwards a state must be set again.
   FloatingPoint();
 
   void set() const;
-  /// The usual one, which raises nothing.
+  /// Sets the usual state, which raises no exceptions.
   static void setUsual();
 
  private:
@@ -24,9 +24,9 @@ class FloatingPoint {
   std::uint32_t sse_ = 0;
 };
 
-/// While this lives the component computes in the usual environment. Programs set theirs up in their own way: with a
-/// lower precision, or with exceptions that would end them where a comparison is merely false. They get it back as it
-/// was. For the one thread whose turn it is.
+/// While this exists, the component computes in the usual state. Programs have states of their own: with a lower
+/// precision, or with exceptions that would end them where a comparison is merely false. Their state is restored
+/// exactly. For the one thread whose turn it is.
 class OwnFloatingPoint {
  public:
   OwnFloatingPoint();
@@ -34,15 +34,15 @@ class OwnFloatingPoint {
   OwnFloatingPoint& operator=(const OwnFloatingPoint&) = delete;
   ~OwnFloatingPoint();
 
-  /// Forgets those of calls that will never return.
+  /// Forgets the states of calls that will never return.
   static void forget();
 
  private:
   std::size_t depth_;
 };
 
-/// While this lives the program's own code may run within a call of ours, in the environment that the program made the
-/// call in. Does nothing outside of such a call.
+/// While this exists, program code may run within one of our calls, in the state that the program made the call in.
+/// Does nothing outside of such a call.
 class HostFloatingPoint {
  public:
   HostFloatingPoint();

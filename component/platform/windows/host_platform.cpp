@@ -31,7 +31,7 @@ class WindowsClock : public Clock {
     return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
   }
 
-  // The system counts tenths of microseconds from 1601 on.
+  // The system counts units of 100 ns since 1601.
   std::int64_t sinceEpoch() override {
     FILETIME now{};
     GetSystemTimeAsFileTime(&now);
@@ -68,8 +68,8 @@ class WindowsClock : public Clock {
   }
 };
 
-// Telling a debugger takes tens of microseconds even where there is none. One that watches the whole machine is looked
-// for now and then.
+// Writing to the debugger takes tens of microseconds even if there is none. A debugger that watches the whole machine
+// is looked for now and then.
 bool debuggerListens() {
   constexpr ULONGLONG kLookAgainAfter = 1000;
   static ULONGLONG lookedAt = 0;
@@ -84,7 +84,7 @@ bool debuggerListens() {
   return watched || IsDebuggerPresent() != FALSE;
 }
 
-// The program's own windows go on while one of ours is open.
+// The program's own windows stay alive while one of ours is open.
 class WindowsScreen : public Screen {
  public:
   void messageBox(TextView prompt, std::uint32_t style, TextView title) override {
@@ -172,7 +172,7 @@ class WindowsFiles : public Files {
     constexpr const wchar_t* kSeparators = L"\\/";
     const std::wstring path = toWide(folder);
     const std::wstring last = path.substr(0, path.find_last_of(kSeparators) + 1);
-    // Whatever comes of the levels above: a drive cannot be made, nor a folder that is there.
+    // Failures for the upper levels do not matter: a drive cannot be created, nor an existing folder.
     for (std::size_t end = 0; !isFolder(last) && (end = last.find_first_of(kSeparators, end)) != std::wstring::npos;) {
       CreateDirectoryW(last.substr(0, end++).c_str(), nullptr);
     }
@@ -201,7 +201,7 @@ class WindowsFiles : public Files {
     return names;
   }
 
-  // A file that was removed while it is open keeps its name until it is closed, but has no attributes any more.
+  // A file that was removed while open keeps its name until it is closed, but has no attributes.
   std::optional<std::uint64_t> fileSize(TextView path) override {
     WIN32_FILE_ATTRIBUTE_DATA data{};
     if (GetFileAttributesExW(toWide(path).c_str(), GetFileExInfoStandard, &data) == FALSE) return std::nullopt;
@@ -216,7 +216,7 @@ class WindowsFiles : public Files {
     return std::make_unique<WindowsGrowingFile>(file);
   }
 
-  // Opened by nobody else: a plain removal would take the file from under whoever writes it.
+  // Opened exclusively: a plain removal would take away a file that somebody is writing.
   void remove(TextView path) override {
     const HANDLE file =
         CreateFileW(toWide(path).c_str(), DELETE, 0, nullptr, OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr);

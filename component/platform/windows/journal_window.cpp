@@ -18,7 +18,7 @@ constexpr int kMargin = 10;
 constexpr std::size_t kMostLines = 300;
 constexpr std::size_t kLongestLine = 4096;
 
-// A few pictures a second show that it goes on. The line is idle while one is drawn.
+// A few updates per second show that work continues. The line is idle while one is drawn.
 constexpr ULONGLONG kPictureTime = 400;
 
 Text grouped(std::size_t number) {
@@ -44,10 +44,10 @@ class Tail {
     if (!lines_.back().empty()) beginLine();
   }
 
-  // The last rows of so many columns, longer lines being folded; from the first to the last.
+  // The last rows for this many columns, with longer lines folded; in order.
   std::vector<std::wstring_view> rows(std::size_t count, std::size_t columns) const {
     std::vector<std::wstring_view> newestFirst;
-    // What follows the last line end is no line yet.
+    // Text after the last line end is not a complete line.
     for (auto line = lines_.rbegin() + (lines_.back().empty() ? 1 : 0); line != lines_.rend(); ++line) {
       for (std::size_t at = line->empty() ? 0 : (line->size() - 1) / columns * columns;; at -= columns) {
         if (newestFirst.size() == count) return {newestFirst.rbegin(), newestFirst.rend()};
@@ -115,7 +115,7 @@ class JournalWindow final : public JournalView, private Window, private DuringCa
     textFont_ = font(L"Courier New", 10, FIXED_PITCH | FF_MODERN);
   }
 
-  // At once when the last picture is old enough, else with what comes later.
+  // Draws at once if the last update is old enough; otherwise with later text.
   void showNews() {
     const ULONGLONG now = GetTickCount64();
     stale_ = now - pictureAt_ < kPictureTime;
@@ -140,7 +140,7 @@ class JournalWindow final : public JournalView, private Window, private DuringCa
     SelectObject(dc, before);
   }
 
-  // The file and, on the right, the count; the height that they take.
+  // Draws the file name and, on the right, the count; returns their height.
   int drawHead(HDC dc, RECT area) const {
     SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
     const std::wstring name = file_.empty() ? L"Αναμονή της ταμειακής…" : L"Αρχείο: " + file_;
@@ -177,7 +177,7 @@ class JournalWindow final : public JournalView, private Window, private DuringCa
   std::wstring file_;
   std::size_t count_ = 0;
   ULONGLONG pictureAt_ = 0;
-  // Whether there is news that no picture shows yet.
+  // Whether there is text that is not shown yet.
   bool stale_ = false;
 };
 

@@ -4,7 +4,7 @@
 
 namespace mirvane::platform {
 
-/// Shows a journal in a window of its own. The windows of this thread take no input until it closes.
+/// Shows a journal in a window. This thread's other windows take no input until it closes.
 std::unique_ptr<JournalView> showJournalWindow();
 
 }  // namespace mirvane::platform

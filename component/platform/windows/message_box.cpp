@@ -9,15 +9,15 @@
 namespace mirvane::platform {
 namespace {
 
-// A service has a window station of its own, without a screen.
+// A service has its own window station, without a screen.
 bool isVisible() {
   USEROBJECTFLAGS station{};
   return GetUserObjectInformationW(GetProcessWindowStation(), UOI_FLAGS, &station, sizeof station, nullptr) == FALSE ||
          (station.dwFlags & WSF_VISIBLE) != 0;
 }
 
-// Keeps the program's windows from input while a box stands. The box itself does so with its owner, which it lets go
-// when it is closed, before the focus goes back there: then the others are let go too.
+// Keeps the program's windows from input while a message box is shown. The box itself disables and re-enables its
+// owner; when it closes, before the focus returns, the other windows are enabled again.
 class BoxLock final : public DuringCall {
  public:
   explicit BoxLock(HWND owner) : owner_(owner), lock_(owner), outer_(std::exchange(innermost, this)) {
@@ -28,7 +28,7 @@ class BoxLock final : public DuringCall {
   ~BoxLock() override {
     UnhookWindowsHookEx(hook_);
     innermost = outer_;
-    // The box is gone, unless the program has left past it.
+    // The box has closed, unless the program has left the call.
     if (IsWindow(box_) == FALSE) return;
     EndDialog(box_, IDCANCEL);
     DestroyWindow(box_);
@@ -59,13 +59,13 @@ class BoxLock final : public DuringCall {
 
 void showMessageBox(const std::wstring& prompt, UINT style, const std::wstring& title) {
   const HostFloatingPoint host;
-  if (!isVisible()) {  // and nobody would ever close the box
+  if (!isVisible()) {  // and nobody could close the box
     OutputDebugStringW((title + L": " + prompt + L"\n").c_str());
     return;
   }
   const HWND owner = GetActiveWindow();
   const auto lock = std::make_unique<BoxLock>(owner);
-  // Nothing else brings a box to the front that belongs to no window.
+  // Nothing else brings a box without an owner to the front.
   MessageBoxW(owner, prompt.c_str(), title.c_str(), owner != nullptr ? style : style | MB_SETFOREGROUND | MB_TOPMOST);
 }
 

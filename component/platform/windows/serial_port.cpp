@@ -22,8 +22,8 @@ Granted WindowsSerialPort::configure(std::int32_t handle, std::string_view setti
   DCB state{};
   state.DCBlength = sizeof state;
   if (BuildCommDCBA(std::string(settings).c_str(), &state) == FALSE) return lastError();
-  // The system takes no other than binary lines, and drivers of some adapters refuse two equal flow-control characters,
-  // used or not.
+  // The system supports only binary lines, and some adapters' drivers refuse two equal flow-control characters even if
+  // they are not used.
   constexpr char kXon = 0x11;
   constexpr char kXoff = 0x13;
   state.fBinary = TRUE;

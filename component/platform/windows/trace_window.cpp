@@ -13,23 +13,23 @@ namespace {
 constexpr int kTraceWidth = 560;
 constexpr int kTraceHeight = 240;
 
-// The oldest line goes when there are more.
+// The oldest line is removed beyond this number.
 constexpr LRESULT kTraceLines = 500;
 
-// Twenty pictures a second look continuous.
+// Twenty updates per second look continuous.
 constexpr UINT kTraceInterval = 50;
 
 constexpr UINT kNews = WM_APP;
 
-// The lines on their way from the program's thread to the window's.
+// Lines in transit from the program's thread to the window's.
 struct Feed {
   std::mutex mutex;
   std::wstring lines;
-  // Null until it is made.
+  // Null until the window is created.
   HWND window = nullptr;
-  // The window knows that there are lines.
+  // The window has been notified of new lines.
   bool told = false;
-  // The window is gone, or must go as soon as it is made.
+  // The window is gone, or must close as soon as it is created.
   bool closed = false;
 };
 
@@ -47,11 +47,11 @@ class TraceWindow final : public Window {
     const std::lock_guard lock(feed_.mutex);
     feed_.window = window();
     if (window() == nullptr) feed_.closed = true;
-    // What came before the window was there.
+    // Lines that came before the window was created.
     feed_.told = PostMessageW(window(), feed_.closed ? WM_CLOSE : kNews, 0, 0) != FALSE;
   }
 
-  // Until it is closed.
+  // Runs until the window is closed.
   void run() const {
     MSG message;
     while (window() != nullptr && GetMessageW(&message, nullptr, 0, 0) > 0) {
@@ -64,7 +64,7 @@ class TraceWindow final : public Window {
   LRESULT handle(UINT message, WPARAM first, LPARAM second) override {
     switch (message) {
       case WM_CREATE:
-        // A text field scrolls by itself, and what is in it can be copied.
+        // A text field scrolls by itself, and its text can be copied.
         text_ = CreateWindowExW(0, L"EDIT", nullptr,
                                 WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_READONLY |
                                     ES_AUTOVSCROLL | ES_AUTOHSCROLL,
@@ -74,7 +74,7 @@ class TraceWindow final : public Window {
       case WM_SIZE:
         MoveWindow(text_, 0, 0, LOWORD(second), HIWORD(second), TRUE);
         return 0;
-      case WM_CTLCOLORSTATIC:  // which a text field that cannot be written to has
+      case WM_CTLCOLORSTATIC:  // sent by a read-only text field
         return DefWindowProcW(window(), WM_CTLCOLOREDIT, first, second);
       case WM_SETFOCUS:
         SetFocus(text_);
@@ -130,7 +130,7 @@ class TraceWindow final : public Window {
   Font font_;
 };
 
-// Never destroyed: the process may end its thread before the program's last line.
+// Never destroyed: the process may end this thread before the program's last line.
 std::shared_ptr<Feed>& feed() {
   static auto& shared = *new std::shared_ptr<Feed>;
   return shared;
@@ -178,7 +178,7 @@ void addToTraceWindow(TextView line) {
   if (lines.closed) return;
   for (const char16_t c : line) {
     constexpr const wchar_t* kDigits = L"0123456789ABCDEF";
-    // Frames are full of control characters, which a text field swallows.
+    // Frames are full of control characters, which a text field does not show.
     if (c < u' ') {
       lines.lines += {L'<', kDigits[c / 16], kDigits[c % 16], L'>'};
     } else {

@@ -40,13 +40,13 @@ class WaitDialog final : public WaitView, private Window, private DuringCall {
   WaitDialog& operator=(const WaitDialog&) = delete;
   ~WaitDialog() override { lock_.release(window()); }
 
-  // Returns when the wait is over, and what `tick` threw.
+  // Returns what `tick` threw, once the wait is over.
   std::exception_ptr run(const std::function<bool(WaitView&)>& tick) {
     tick_ = tick;
     due_ = GetTickCount64() + kSecond;
     SetTimer(window(), kTimer, kSecond, nullptr);
     while (!over_) {
-      // Not the window's timer alone: there may be no window.
+      // Does not rely on the window's timer: there may be no window.
       const ULONGLONG now = GetTickCount64();
       const auto left = static_cast<DWORD>(std::max(due_, now) - now);
       if (MsgWaitForMultipleObjectsEx(0, nullptr, left, QS_ALLINPUT, MWMO_INPUTAVAILABLE) == WAIT_FAILED) Sleep(left);
@@ -69,8 +69,8 @@ class WaitDialog final : public WaitView, private Window, private DuringCall {
   LRESULT handle(UINT message, WPARAM first, LPARAM second) override {
     switch (message) {
       case WM_TIMER:
-        // The operator moves the window: the system's own loop runs until the button is released, and has to end with
-        // the wait.
+        // The operator moves the window: the system's own loop runs until the button is released, and must end with the
+        // wait.
         tickWhenDue();
         if (over_) SendMessageW(window(), WM_CANCELMODE, 0, 0);
         return 0;
@@ -94,26 +94,26 @@ class WaitDialog final : public WaitView, private Window, private DuringCall {
     setFonts();
   }
 
-  // A tick takes as long as the device lets it wait, and may itself dispatch messages.
+  // A tick takes as long as the register needs, and may itself dispatch messages.
   void tickWhenDue() {
     if (ticking_ || over_ || GetTickCount64() < due_) return;
     ticking_ = true;
     try {
       over_ = !tick_(*this);
     } catch (...) {
-      // Not through the system, which may have called this.
+      // An exception must not pass through the system, which may have called this.
       failure_ = std::current_exception();
       over_ = true;
     }
     ticking_ = false;
     due_ = GetTickCount64() + kSecond;
     if (over_ || window() == nullptr) return;
-    // Above other topmost windows too, which have come to the front meanwhile.
+    // Also above other topmost windows that have come to the front meanwhile.
     SetWindowPos(window(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     paintNow();
   }
 
-  // A control of the system's own, which screen readers and test tools can read.
+  // A standard control, which screen readers and test tools can read.
   void addLabel(int id) const {
     CreateWindowExW(0, L"STATIC", nullptr, WS_CHILD | WS_VISIBLE | SS_LEFT | SS_NOPREFIX | SS_EDITCONTROL, 0, 0, 0, 0,
                     window(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ownModule(), nullptr);
@@ -124,8 +124,8 @@ class WaitDialog final : public WaitView, private Window, private DuringCall {
     SendDlgItemMessageW(window(), kWaitMessageId, WM_SETFONT, reinterpret_cast<WPARAM>(messageFont_.get()), FALSE);
   }
 
-  // Gives the labels their texts and places them one below the other, in the middle of the window. For a long message
-  // the window grows. It does not shrink again: what jumps is hard to read.
+  // Sets the labels' texts and places them one below the other, centred in the window. The window grows for a long
+  // message and does not shrink again, because a jumping text is hard to read.
   void arrange() {
     RECT client;
     GetClientRect(window(), &client);
@@ -165,7 +165,7 @@ class WaitDialog final : public WaitView, private Window, private DuringCall {
     SetWindowTextW(label, toWide(text).c_str());
   }
 
-  // At once, as the next look at the device may take long.
+  // At once, because the next question to the register may take long.
   void paintNow() const { RedrawWindow(window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN); }
 
   void draw(HDC dc, RECT client) const override { FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE)); }

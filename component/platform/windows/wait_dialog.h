@@ -4,7 +4,7 @@
 
 namespace mirvane::platform {
 
-/// The controls of the window that hold WaitText::state and WaitText::message.
+/// The window's controls for WaitText::state and WaitText::message.
 constexpr int kWaitStateId = 101;
 constexpr int kWaitMessageId = 102;
 

@@ -10,11 +10,11 @@ namespace {
 constexpr int kUsualDpi = 96;
 constexpr UINT kDpiChanged = 0x02E0;
 
-// A window that never settles must not hold the call up.
+// A window that keeps getting messages must not hold the call up.
 constexpr int kMostMessages = 1000;
 
 UINT dpiOf(HWND window) {
-  // Older systems, which lack the call, give one resolution to all monitors.
+  // Older systems lack the call and use one resolution for all monitors.
   using GetDpi = UINT(WINAPI*)(HWND);
   const auto getDpi =
       reinterpret_cast<GetDpi>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32"), "GetDpiForWindow")));
@@ -25,9 +25,9 @@ UINT dpiOf(HWND window) {
   return static_cast<UINT>(dpi);
 }
 
-// One message of a number between `first` and `last` (0 and 0 for any), and of those `kinds`. Each look also serves
-// what other threads have sent, and shows the system that the program is alive. A request to end the program comes
-// whatever is looked for, and is the program's own loop's.
+// Fetches one message with a number between `first` and `last` (0 and 0 for any) of these `kinds`. Each look also
+// serves what other threads have sent, and shows the system that the program is alive. A request to end the program is
+// returned whatever is looked for; it belongs to the program's own loop.
 bool nextMessage(MSG& message, UINT first, UINT last, UINT kinds) {
   if (PeekMessageW(&message, nullptr, first, last, PM_REMOVE | kinds) == FALSE) return false;
   if (message.message != WM_QUIT) return true;
@@ -35,7 +35,7 @@ bool nextMessage(MSG& message, UINT first, UINT last, UINT kinds) {
   return false;
 }
 
-// From the oldest to the youngest.
+// From the oldest to the newest.
 std::vector<DuringCall*>& all() {
   static auto& things = *new std::vector<DuringCall*>;
   return things;
@@ -61,8 +61,8 @@ RECT Window::make(const Look& look, HWND owner) {
   description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
   description.lpszClassName = look.className;
 
-  RegisterClassExW(&description);  // fails from the second window on: the class stays
-  // Made on its monitor, which decides the resolution; only then can its size be told.
+  RegisterClassExW(&description);  // fails from the second window on: the class stays registered
+  // Created on its monitor, which decides the resolution; only then can its size be calculated.
   CreateWindowExW(look.extendedStyle, look.className, look.title, look.style, area.left, area.top, 1, 1, owner, nullptr,
                   ownModule(), this);
   dpi_ = window_ != nullptr ? dpiOf(window_) : kUsualDpi;
@@ -74,7 +74,7 @@ int Window::scaled(int length) const { return MulDiv(length, static_cast<int>(dp
 
 Font Window::font(const wchar_t* name, int points, DWORD family) const {
   constexpr int kPointsPerInch = 72;
-  // The character set makes sure that whatever stands in for a missing font knows Greek.
+  // The character set makes sure that the substitute for a missing font has Greek letters.
   return Font(CreateFontW(-MulDiv(points, static_cast<int>(dpi_), kPointsPerInch), 0, 0, 0, FW_NORMAL, FALSE, FALSE,
                           FALSE, GREEK_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, family,
                           name));
@@ -120,7 +120,7 @@ LRESULT CALLBACK Window::procedure(HWND window, UINT message, WPARAM first, LPAR
   return result;
 }
 
-// Drawn aside and shown at once, so that it does not flicker.
+// Drawn off-screen and copied at once, to avoid flicker.
 void Window::paint() const {
   PAINTSTRUCT damage;
   const HDC screen = BeginPaint(window_, &damage);
@@ -188,7 +188,7 @@ void PendingMessages::dispatch() {
   }
 }
 
-// A window that paints itself anew in its own paint handler would never come to an end.
+// A window that invalidates itself in its own paint handler would never finish.
 void PendingMessages::serve() {
   constexpr ULONGLONG kLongest = 50;
   const HostFloatingPoint host;

@@ -15,7 +15,7 @@ struct FontDeleter {
 };
 using Font = std::unique_ptr<std::remove_pointer_t<HFONT>, FontDeleter>;
 
-/// A window of the component. It belongs to the thread that makes it.
+/// A window of the component. It belongs to the thread that creates it.
 class Window {
  public:
   Window(const Window&) = delete;
@@ -33,21 +33,21 @@ class Window {
 
   Window() = default;
 
-  /// Makes the window, hidden and without a size, on the monitor of `owner`, or without an owner on the primary one.
-  /// Returns that monitor's work area. Without a desktop there is no window afterwards.
+  /// Creates the window, hidden and without a size, on the monitor of `owner`, or without an owner on the primary one.
+  /// Returns that monitor's work area. Without a desktop no window is created.
   RECT make(const Look& look, HWND owner);
 
-  /// Null before `make`, and when the program has destroyed the window.
+  /// Null before `make`, and after the program has destroyed the window.
   HWND window() const { return window_; }
-  /// A length written for 96 dots per inch.
+  /// Converts a length for 96 dots per inch to the monitor's resolution.
   int scaled(int length) const;
   Font font(const wchar_t* name, int points, DWORD family) const;
 
-  /// The lengths and fonts from before no longer fit; called by `make` too.
+  /// Called when earlier lengths and fonts no longer fit; also by `make`.
   virtual void resolutionChanged() = 0;
-  /// Draws all of the window's inside.
+  /// Draws the window's whole client area.
   virtual void draw(HDC dc, RECT client) const;
-  /// A message; unless overridden the window is drawn, and does not let itself be closed.
+  /// Handles a message; the default draws the window and does not let it be closed.
   virtual LRESULT handle(UINT message, WPARAM first, LPARAM second);
 
  private:
@@ -58,7 +58,7 @@ class Window {
   UINT dpi_ = 0;
 };
 
-/// What a call shows or locks while it lives; always made with `new`, as the call may end without a return.
+/// What a call shows or locks while this exists. Always created with `new`, because the call may end without a return.
 class DuringCall {
  public:
   DuringCall();
@@ -68,24 +68,24 @@ class DuringCall {
 
   /// How many there are.
   static std::size_t count();
-  /// Ends all but the oldest `kept`: the call that made them will never return. On its thread.
+  /// Destroys all but the oldest `kept`: the call that made them will never return. Call it on their thread.
   static void endFrom(std::size_t kept);
-  /// Forgets all of them: their thread has ended, and the windows with it.
+  /// Forgets all of them: their thread has ended, and its windows with it.
   static void forget();
 };
 
-/// No window of the thread takes input while this lives: a call started from there would talk between the lines of the
-/// one that is under way.
+/// No window of the thread takes input while this exists: a call started from there would talk into the exchange in
+/// progress.
 class InputLock {
  public:
-  /// `spared` stays as it is: the owner of a box, which the box itself keeps from input.
+  /// `spared` keeps its state: the owner of a message box, which the box itself disables.
   explicit InputLock(HWND spared = nullptr);
   InputLock(const InputLock&) = delete;
   InputLock& operator=(const InputLock&) = delete;
   ~InputLock() { release(); }
 
-  /// Gives the focus back where it was if `own` took it, or if it got lost. To be done before `own` is destroyed, or
-  /// the system would look for another program to bring to the front.
+  /// Restores the focus if `own` took it or if it was lost. Call it before `own` is destroyed; otherwise the system
+  /// would bring another program to the front.
   void release(HWND own = nullptr);
 
  private:
@@ -97,19 +97,19 @@ class InputLock {
   std::vector<HWND> windows_;
 };
 
-/// The thread's messages, while a call keeps the program's own loop from running.
+/// The thread's messages, while a call keeps the program's own message loop from running.
 class PendingMessages {
  public:
   PendingMessages() = default;
   PendingMessages(const PendingMessages&) = delete;
   PendingMessages& operator=(const PendingMessages&) = delete;
-  /// Gives a request to end the program, met in between, to the program's own loop.
+  /// Passes on a request to end the program, if one came, to the program's own loop.
   ~PendingMessages();
 
   void dispatch();
-  /// Paints what needs it and serves what other threads have sent, for 50 ms at most; everything else waits.
+  /// Paints what needs it and serves what other threads have sent, for at most 50 ms; everything else waits.
   static void serve();
-  /// The same, and drops input.
+  /// The same, but drops input.
   static void repaint();
 
  private:

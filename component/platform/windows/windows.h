@@ -16,18 +16,18 @@ inline Text fromWide(std::wstring_view text) { return {text.begin(), text.end()}
 
 namespace platform {
 
-// Handles of the system's kernel fit 32 bits in 64-bit programs too; sign extension keeps the invalid one invalid.
+// Kernel handles fit into 32 bits in 64-bit programs too; sign extension keeps the invalid handle invalid.
 inline HANDLE toHandle(std::int32_t handle) { return reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(handle)); }
 inline std::int32_t fromHandle(HANDLE handle) {
   return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(handle));
 }
 
-/// Why the system refused the call just made.
+/// Why the system refused the latest call.
 SystemError lastError();
 
 /// The DLL or program that this code is linked into.
 HMODULE ownModule();
-/// Its file, with the whole path; empty when the system does not tell.
+/// Its full path; empty if the system does not give it.
 std::wstring ownPath();
 
 }  // namespace platform

@@ -52,7 +52,7 @@ class Pty : public StreamTransport<Terminal> {
     slave_.emplace(loop_, slave);
     makeRaw(slave, path_);
     if (!link_.empty()) {
-      // One may be left from a run that was ended the hard way; any other file is not ours to remove.
+      // A link may be left from a run that was killed; any other file is not ours to remove.
       if (!linkedPath(link_).empty()) ::unlink(link_.c_str());
       if (::symlink(path_.c_str(), link_.c_str()) != 0) fail(link_);
     }

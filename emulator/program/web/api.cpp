@@ -67,7 +67,7 @@ bool holdsWord(std::string_view words, std::string_view word) {
 }
 
 Answer answerAsset(const Asset& asset, const http::Request& request) {
-  if (request.method != "GET") throw Refusal(405, "not with " + request.method);
+  if (request.method != "GET") throw Refusal(405, "the path does not support " + request.method);
   return {200, std::string(asset.type), std::string(asset.bytes)};
 }
 
@@ -116,7 +116,7 @@ Answer answer(Station& station, http::Request& request) {
     return route.handle(call);
   }
   if (allowed.empty()) throw Refusal(404, "no such path", "path");
-  Answer refused = http::problem(405, "not with " + request.method);
+  Answer refused = http::problem(405, "the path does not support " + request.method);
   refused.headers.emplace_back("Allow", allowed);
   return refused;
 }

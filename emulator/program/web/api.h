@@ -5,8 +5,8 @@
 
 namespace mirvane::emulator {
 
-/// Does what `request` wishes, to the paths of emulator/http.md and to those of the page. Throws Refusal; whatever it
-/// throws, the register is as it was. What it has to know when the request is put again it writes down in the request.
+/// Handles `request`, for the paths in emulator/http.md and those of the page. Throws Refusal; whatever it throws, the
+/// register is unchanged. Stores in the request what it needs when that is handled again.
 http::Answer answer(Station& station, http::Request& request);
 
 }  // namespace mirvane::emulator

@@ -6,7 +6,7 @@ namespace mirvane::emulator {
 
 using http::Asset;
 
-/// The one with `path`, such as "/paper.ttf"; none when there is no such file.
+/// The file with this `path`, such as "/paper.ttf"; null if there is none.
 const Asset* findAsset(std::string_view path);
 
 }  // namespace mirvane::emulator

@@ -19,17 +19,17 @@ constexpr int kGreatestNumber = 1'000'000'000;
 struct Call {
   Station& station;
   http::Request& request;
-  /// What stands in the place of the path's "*".
+  /// The text in place of the path's "*".
   std::string item;
 
   int query(const char* name, int otherwise, int least, int most) const;
-  /// How many seconds the client waits for what is not there yet.
+  /// How many seconds the client waits for something that does not exist yet.
   double wait() const;
   /// The path's item as a number.
   int number() const;
 };
 
-// What there is to see: reads.cpp.
+// Reads: reads.cpp.
 Answer getHealth(Call& call);
 Answer getVersion(Call& call);
 Answer getState(Call& call);
@@ -48,7 +48,7 @@ Answer getReceipt(Call& call);
 Answer getHappenings(Call& call);
 Answer postVerify(Call& call);
 
-// What can be wished: writes.cpp.
+// Writes: writes.cpp.
 Answer deleteConversation(Call& call);
 Answer postFault(Call& call);
 Answer deleteFaults(Call& call);

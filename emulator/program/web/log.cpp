@@ -19,7 +19,7 @@ Log::Log(const std::string& path) : file_(pathOf(path), std::ios::binary | std::
 }
 
 void Log::add(Station& station, const Station::Happening& happening) {
-  // The exchange itself has told it.
+  // The exchange itself has reported it.
   if (happening.kind != Station::Happening::Kind::kStruck) write("happening", happeningView(station, happening));
 }
 

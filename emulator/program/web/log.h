@@ -8,11 +8,11 @@
 
 namespace mirvane::emulator {
 
-/// A file with all that a failed test run leaves to be read: a line of JSON for the start, each exchange, each
-/// document, each change of drawer and display, each request and its answer's status.
+/// A log for examining a failed test run: a line of JSON for the start, each exchange, each document, each change of
+/// drawer and display, and each request with its answer's status.
 class Log {
  public:
-  /// Appends to the file `path`. Throws TransportError when it cannot be opened.
+  /// Appends to the file `path`. Throws TransportError if it cannot be opened.
   explicit Log(const std::string& path);
 
   void add(Station& station, const Station::Happening& happening);

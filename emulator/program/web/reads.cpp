@@ -27,7 +27,7 @@ Answer show(Call& call, const Document& document, const std::string& ending) {
     for (const PaperLine& line : document.lines) text += toUtf8(line.text) + "\n";
     return {200, "text/plain", text};
   }
-  if (!ending.empty()) throw Refusal(404, "there are .txt and .png", "path");
+  if (!ending.empty()) throw Refusal(404, "only .txt and .png exist", "path");
   Json::List text;
   for (const PaperLine& line : document.lines) text.emplace_back(toUtf8(line.text));
   return json(documentView(call.station, document).set("text", text));
@@ -151,7 +151,7 @@ Answer getChanges(Call& call) {
   const auto& all = call.station.device.roll().documents();
   const int newest = all.empty() ? 0 : all.back().id;
   for (const Document& document : all) {
-    // The one that was known may have gone on, however many followed it.
+    // The known document may have grown, however many followed it.
     if (document.id < known || (document.id != known && document.id <= newest - limit)) continue;
     const auto lines = document.id == known ? static_cast<std::size_t>(knownLines) : 0;
     documents.push_back(printedView(call.station, document, std::min(lines, document.lines.size())));
@@ -216,7 +216,7 @@ Answer getReceipt(Call& call) {
 }
 
 Answer getHappenings(Call& call) {
-  // Without a number, from now on; a request that is put again still means the same.
+  // Without a number, from now on; a request that is handled again still means the same.
   call.request.query.emplace("after", std::to_string(call.wait() > 0 ? call.station.lastHappening() : 0));
   const int after = call.query("after", 0, 0, kGreatestNumber);
   const auto limit = static_cast<std::size_t>(call.query("limit", 100, 1, 1000));

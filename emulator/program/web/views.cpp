@@ -65,7 +65,7 @@ Json adjustmentView(const Adjustment& adjustment) {
             {"description", toUtf8(adjustment.description)},
             {"comment", toUtf8(adjustment.comment)},
             {"amount", hundredths(adjustment.change())}};
-  // The line that it is on; none for one on the subtotal.
+  // The line that it applies to; none for the subtotal.
   view.set("line", adjustment.isOnItem ? Json(adjustment.item + 1) : Json());
   return view;
 }

@@ -3,7 +3,7 @@
 #include "emulator/program/station.h"
 #include "http/json.h"
 
-// What the interface shows, as JSON. emulator/http.md describes it.
+// JSON views for the interface, described in emulator/http.md.
 namespace mirvane::emulator {
 
 using http::Json;
@@ -14,17 +14,17 @@ Json clockView(Station& station);
 Json ruleView(const Faults::Rule& rule);
 Json happeningView(Station& station, const Station::Happening& happening);
 Json faultsView(Station& station);
-/// Kind, numbers, time; of a receipt also its lines, taxes and tenders.
+/// Kind, numbers, time; for a receipt also its lines, taxes and tenders.
 Json documentView(Station& station, const Document& document);
-/// What is printed on it, from the line with index `first` on.
+/// Its printed lines, from index `first` on.
 Json paperView(const Document& document, std::size_t first = 0);
 Json entryView(const Station::Entry& entry);
 Json displayView(const Display& display);
 Json replyView(const Exchange& exchange);
 
-/// Nothing for a name that none has.
+/// Nothing if no kind has this name.
 std::optional<Station::Happening::Kind> happeningNamed(std::string_view name);
-/// All of them, for whoever did not know.
+/// All of them, for error messages.
 std::string happeningNames();
 
 /// The name of a switch and its bit in the printer status byte.

@@ -40,7 +40,7 @@ class Served : public Web {
     } catch (const http::Refusal& refusal) {
       answered = refusal.answer();
     }
-    // One that is put again is told once.
+    // A request that is handled again is reported once.
     if (log_ && answered.waitSeconds <= 0) log_->add(request, answered.status);
     return answered;
   }

@@ -18,7 +18,7 @@ Wishes::Wishes(const std::string& body, std::initializer_list<const char*> names
   try {
     json_ = http::parseJson(body.empty() ? "{}" : body);
   } catch (const http::JsonError& error) {
-    throw Refusal(400, std::string("the body is no JSON: ") + error.what(), "body");
+    throw Refusal(400, std::string("the body is not JSON: ") + error.what(), "body");
   }
   const auto* members = json_.as<Json::Object>();
   if (!members) throw Refusal(400, "the body must be an object", "body");

@@ -10,11 +10,11 @@ namespace mirvane::emulator {
 
 using http::Json;
 
-/// The members of a request's body, each asked for by its name, so that none is overlooked and none is of a wrong kind.
-/// What does not fit throws a Refusal with its place.
+/// The members of a request's body, each read by its name. Unknown members and values of a wrong kind throw a Refusal
+/// with their place.
 class Wishes {
  public:
-  /// An empty body is an empty object.
+  /// An empty body counts as an empty object.
   Wishes(const std::string& body, std::initializer_list<const char*> names);
 
   bool has(const char* name) const { return json_.find(name) != nullptr; }
@@ -24,7 +24,7 @@ class Wishes {
   std::string word(const char* name, std::initializer_list<const char*> words) const;
   double number(const char* name, double least, double most) const;
   int whole(const char* name, int least, int most) const;
-  /// An object, whatever it holds.
+  /// An object, whatever it contains.
   const Json& object(const char* name) const;
   /// Each member of a list of `least` to `most`, with its place.
   void each(const char* name, std::size_t least, std::size_t most,

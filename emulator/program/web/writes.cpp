@@ -128,7 +128,7 @@ Answer patchCard(Call& call) {
 Answer postDecision(Call& call) {
   const Wishes wishes(call.request.body, {"outcome"});
   const Code outcome = outcomeOf(wishes.number("outcome", 0, 255), "body/outcome");
-  if (!call.station.device.cards().isUnderWay()) throw Refusal(409, "no card payment is under way");
+  if (!call.station.device.cards().isUnderWay()) throw Refusal(409, "no card payment is in progress");
   call.station.device.cards().decide(outcome);
   call.station.device.settleCard();
   call.station.changed();
@@ -185,10 +185,10 @@ Answer patchRegister(Call& call) {
 Answer patchClock(Call& call) {
   const Wishes wishes(call.request.body, {"time", "offset", "runs"});
   StationClock clock = call.station.clock;
-  if (wishes.has("time") && wishes.has("offset")) throw Refusal(400, "not beside the time", "body/offset");
+  if (wishes.has("time") && wishes.has("offset")) throw Refusal(400, "cannot be combined with time", "body/offset");
   if (wishes.has("offset")) clock.setOffset(std::llround(wishes.number("offset", -4e9, 4e9)));
   if (wishes.has("time") && !clock.set(wishes.text("time", 30))) {
-    throw Refusal(400, "a time as 2026-11-22T09:30:00 is expected", "body/time");
+    throw Refusal(400, "a time such as 2026-11-22T09:30:00 is expected", "body/time");
   }
   if (wishes.has("runs")) clock.run(wishes.flag("runs"));
   call.station.clock = clock;

@@ -3,7 +3,7 @@
 namespace mirvane::emulator {
 
 std::unique_ptr<Transport> openPty(const std::string& /*link*/, const Wiring& /*wiring*/) {
-  throw TransportError("pty: Windows has none; a pair of virtual ports and --serial do the same");
+  throw TransportError("pty: not available on Windows; use --serial and a pair of virtual ports");
 }
 
 }  // namespace mirvane::emulator
