@@ -11,7 +11,7 @@ TEST(ResultCodes, TheTextTellsWhoGaveTheNumber) {
   EXPECT_EQ(findResultCode(100, "Battery Error")->name, "battery");
   EXPECT_EQ(findResultCode(100, "Λάθος τύπος Φορολ. Εκτυπωτή")->name, "no-device");
   EXPECT_EQ(findResultCode(25, "DEVICE STATUS:Tέλος Χαρτιού !")->name, "paper-end");
-  EXPECT_EQ(findResultCode(-6, "")->text, "Η θύρα της ταμειακής δεν είναι ανοιχτή!");
+  EXPECT_EQ(findResultCode(-6, "")->text, "Η θύρα της ταμειακής δεν είναι ανοικτή!");
   EXPECT_EQ(findResultCode(167, ""), nullptr);
 }
 
