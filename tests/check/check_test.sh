@@ -74,7 +74,7 @@ done
 
 class='HKLM\Software\Classes\CLSID\{D724621E-6E73-420C-B7B7-2E4E1AF49484}\InprocServer32'
 in_wine "$(system_program 64 reg)" add "$class" /ve /d "$(names "$dll64")" /f /reg:32 >/dev/null
-finds 32 2 "" "[x]  32-bit programs are given $(names "$dll64"), which is the 64-bit one" "regsvr32.exe \"$(names "$dll32")\""
+finds 32 2 "" "[x]  32-bit programs get $(names "$dll64"), which is the 64-bit DLL" "regsvr32.exe \"$(names "$dll32")\""
 registers 32
 mv "$dll64" "$WORK"
 finds 32 2 "" "[x]  The 64-bit registration leads to $(names "$dll64"), which does not exist" 'Install MirvaneEFT again'
