@@ -48,8 +48,8 @@ content() {
     osslsigncode verify -CAfile "$out/certificate.pem" "$file" >"$WORK/verify.log" || die "$file: $(<"$WORK/verify.log")"
     # Nobody looks at the tests' own.
     [[ $file != */try-on-windows/* ]] || continue
-    strings -el "$file" | grep -A1 -x ProductVersion | grep -qx "$version" || die "$file does not tell its version"
-    strings -el "$file" | grep -qx CompanyName || die "$file does not tell its company"
+    strings -el "$file" | grep -A1 -x ProductVersion | grep -x "$version" >/dev/null || die "$file does not tell its version"
+    strings -el "$file" | grep -x CompanyName >/dev/null || die "$file does not tell its company"
   done <"$WORK/programs"
 
   (umask 077 && TZ=Asia/Tokyo package/make.sh "$out/one") && package/make.sh "$out/other"
@@ -74,7 +74,7 @@ debian() {
   local root=$WORK/debian service
   dpkg-deb -x "$out"/one/mirvane-service_*.deb "$root"
   [[ $("$root/usr/bin/mirvane-service" --version) == "mirvane-service $version" ]] || die "it is of another version"
-  dpkg-deb -I "$out"/one/mirvane-service_*.deb | grep -q '^ Depends:.*libpq' || die "it does not need PostgreSQL's client"
+  [[ $(dpkg-deb -f "$out"/one/mirvane-service_*.deb Depends) == *libpq* ]] || die "it does not need PostgreSQL's client"
   start_emulator register --udp 0
   "$root/usr/bin/mirvane-service" --store "$WORK/debian.db" --web 0 --register "$(emulator_address register)" >"$WORK/service.log" &
   service=$!
