@@ -130,7 +130,8 @@ class Watcher {
     expect("the watching ends", WaitForSingleObject(thread_, 20000) == WAIT_OBJECT_0);
     const int answered = answers, unanswered = silences;
     // A window that is not served answers hardly ever; on a busy machine one answer may be late.
-    if (answered < 20 || unanswered * 10 > answered) std::printf("FAIL %d answers, %d silences\n", answered, unanswered);
+    if (answered < 20 || unanswered * 10 > answered)
+      std::printf("FAIL %d answers, %d silences\n", answered, unanswered);
     expect("the windows are painted", Windows::seen[WM_PAINT] > 10);
     expect("calls come in from there", Guests::came > 20);
     expect("the windows take input again", Windows::areEnabled());
