@@ -14,6 +14,8 @@ constexpr std::chrono::milliseconds kFarewell{500};
 }  // namespace
 
 struct Console::Queue {
+  explicit Queue(std::function<void(std::string_view)> outputNow) : output(std::move(outputNow)) {}
+
   const std::function<void(std::string_view)> output;
   std::mutex mutex;
   std::condition_variable changed;
