@@ -27,7 +27,8 @@ npm_package() {
 fetch_npm_package() {
   local name=$1 folder=$2 pinned integrity file
   read -r pinned integrity < <(grep "^$name@" "$repo/tools/runtimes.lock")
-  file=$(cd "$folder" && timeout 300 npm pack --silent "$pinned")
+  file=$(cd "$folder" && timeout 300 npm pack "$pinned" 2>"$folder/npm.log") ||
+    die "npm cannot fetch $pinned: $(grep -m 1 -i 'failed\|code' "$folder/npm.log")"
   [[ sha512-$(openssl dgst -sha512 -binary "$folder/$file" | base64 -w 0) == "$integrity" ]] ||
     die "$pinned is not what runtimes.lock has pinned"
   tar xzf "$folder/$file" -C "$folder" --strip-components=1 && rm "$folder/$file"
