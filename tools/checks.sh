@@ -69,8 +69,16 @@ lint() {
 # lint_each PRESET [ARGUMENT...]: the files are named on the standard input. Warnings of the compiler itself are the
 # business of gcc, with which all is built.
 lint_each() {
-  xargs -r -d '\n' -n 1 -P 2 clang-tidy --quiet -p "build/lint-$1" --extra-arg=-Wno-error "${@:2}" 2>&1 |
-    sed '/ warnings\? generated\.$/d'
+  local log=$logs/lint-$1.log reporter status=0
+  printf 'clang-tidy, %s ... ' "$1"
+  : >"$log"
+  how_far "$log" &
+  reporter=$!
+  xargs -r -d '\n' -n 1 -P 2 bash -c 'echo "${@: -1}" >>"$0"; exec clang-tidy "$@"' "$log" \
+    --quiet -p "build/lint-$1" --extra-arg=-Wno-error "${@:2}" 2>&1 | sed '/ warnings\? generated\.$/d' || status=1
+  kill "$reporter" && wait "$reporter" 2>/dev/null || true
+  echo
+  return $status
 }
 
 check() {

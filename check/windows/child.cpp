@@ -8,21 +8,8 @@
 namespace mirvane::check {
 namespace {
 
-// Quoted as the started program parses its command line.
-std::wstring quoted(const std::wstring& word) {
-  std::wstring text = L"\"";
-  std::size_t backslashes = 0;
-  for (const wchar_t c : word) {
-    if (c == L'"') text.append(backslashes + 1, L'\\');
-    backslashes = c == L'\\' ? backslashes + 1 : 0;
-    text += c;
-  }
-  return text.append(backslashes, L'\\') + L"\"";
-}
-
 // Processes in this job end with this program. If there is none (an old system, within another job), they end only with
 // their objects.
-// end with their objects alone.
 HANDLE ownJob() {
   static const HANDLE job = [] {
     const HANDLE made = CreateJobObjectW(nullptr, nullptr);
@@ -44,8 +31,8 @@ struct Child::System {
 Child::Child(const std::filesystem::path& program, const std::vector<std::string>& arguments,
              const std::filesystem::path& folder)
     : system_(std::make_unique<System>()) {
-  std::wstring line = quoted(program.wstring());
-  for (const std::string& argument : arguments) line += L' ' + quoted(toWide(fromUtf8(argument)));
+  std::wstring line = platform::quoted(program.wstring());
+  for (const std::string& argument : arguments) line += L' ' + platform::quoted(toWide(fromUtf8(argument)));
   SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
   HANDLE written = nullptr;
   if (CreatePipe(&system_->output, &written, &inherited, 0) == FALSE) throw std::runtime_error("pipe");

@@ -11,7 +11,6 @@ namespace mirvane::com {
 ///
 /// A call that never returns is cleaned up too: its thread has ended, or the program has left it by an exception or a
 /// jump. Its windows and locks are removed, and the next call enters.
-/// exception or a jump. What it has shown and locked goes, and the next call comes in.
 void enter(void (*body)(void*), void* given);
 
 /// Runs `body()`, which must not throw, inside the component.

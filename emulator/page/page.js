@@ -388,28 +388,17 @@ async function copyConversation() {
 
 // ---- What changes
 
-let latest, started, isAsking = false, isStale = false;
+let latest, started;
 
-/** Asks for what is new. One question at a time: what changes meanwhile is asked for once, behind it. */
-async function refresh() {
-  isStale = true;
-  if (isAsking) return;
-  isAsking = true;
-  try {
-    while (isStale) {
-      isStale = false;
-      const response = await fetch(`${api}/changes?document=${newest}&lines=${newestLines}&entry=${newestEntry}`);
-      latest = await response.json();
-      if (started && latest.started !== started) return location.reload();
-      started = latest.started;
-      showRegister(latest.register, latest.faults);
-      showDocuments(latest.documents, latest.firstDocument);
-      showEntries(latest.conversation, latest.firstEntry);
-    }
-  } finally {
-    isAsking = false;
-  }
-}
+const refresh = oneAtATime(async () => {
+  const response = await fetch(`${api}/changes?document=${newest}&lines=${newestLines}&entry=${newestEntry}`);
+  latest = await response.json();
+  if (started && latest.started !== started) return location.reload();
+  started = latest.started;
+  showRegister(latest.register, latest.faults);
+  showDocuments(latest.documents, latest.firstDocument);
+  showEntries(latest.conversation, latest.firstEntry);
+});
 
 let events;
 

@@ -43,6 +43,24 @@ function tellLink(isLive) {
   $('link').classList.toggle('lost', !isLive);
 }
 
+/** Of `ask`, one call at a time: what changes meanwhile is asked for once, behind it. */
+function oneAtATime(ask) {
+  let isAsking = false, isStale = false;
+  return async () => {
+    isStale = true;
+    if (isAsking) return;
+    isAsking = true;
+    try {
+      while (isStale) {
+        isStale = false;
+        await ask();
+      }
+    } finally {
+      isAsking = false;
+    }
+  };
+}
+
 let noticeTimer;
 function complain(text) {
   $('notice').textContent = text;

@@ -72,31 +72,22 @@ async function load() {
   show();
 }
 
-let isAsking = false, isStale = false;
-/** One question at a time, and a few a second: what changes meanwhile is asked for once, behind it. */
-async function refresh() {
-  isStale = true;
-  if (isAsking) return;
-  isAsking = true;
+const refresh = oneAtATime(async () => {
   try {
-    while (isStale) {
-      isStale = false;
-      for (let count = mostAtOnce; count === mostAtOnce;) {
-        const page = await get(`/changes?after=${after}&limit=${mostAtOnce}`);
-        page.jobs.forEach(keep);
-        count = page.jobs.length;
-      }
-      status = await get('/status');
-      show();
-      tellLink(true);
-      await sleep(150);
+    for (let count = mostAtOnce; count === mostAtOnce;) {
+      const page = await get(`/changes?after=${after}&limit=${mostAtOnce}`);
+      page.jobs.forEach(keep);
+      count = page.jobs.length;
     }
+    status = await get('/status');
+    show();
+    tellLink(true);
   } catch (error) {
     tell(error);
-  } finally {
-    isAsking = false;
   }
-}
+  // A few a second are enough.
+  await sleep(150);
+});
 
 let stop = () => {};
 /** A browser allows six connections to a server: a page that nobody sees leaves its own to the others. */

@@ -4,10 +4,11 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "platform/ports.h"
 
-// What the sources of this folder and of com/ need beyond <windows.h>.
+// What sources for Windows need beyond <windows.h>.
 namespace mirvane {
 
 inline std::wstring toWide(TextView text) { return {text.begin(), text.end()}; }
@@ -29,6 +30,18 @@ SystemError lastError();
 HMODULE ownModule();
 /// Its full path; empty if the system does not give it.
 std::wstring ownPath();
+
+/// An argument of a command line, as CommandLineToArgvW parses it: backslashes count double before a quote.
+inline std::wstring quoted(std::wstring_view argument) {
+  std::wstring text = L"\"";
+  std::size_t backslashes = 0;
+  for (const wchar_t c : argument) {
+    if (c == L'"') text.append(backslashes + 1, L'\\');
+    backslashes = c == L'\\' ? backslashes + 1 : 0;
+    text += c;
+  }
+  return text.append(backslashes, L'\\') + L"\"";
+}
 
 }  // namespace platform
 }  // namespace mirvane

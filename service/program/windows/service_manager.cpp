@@ -80,18 +80,6 @@ Handle openManager() {
   return manager;
 }
 
-/// As CommandLineToArgvW takes it apart: backslashes count double where a quote follows.
-std::wstring quoted(const std::wstring& argument) {
-  std::wstring text = L"\"";
-  std::size_t backslashes = 0;
-  for (const wchar_t c : argument) {
-    if (c == L'"') text.append(backslashes + 1, L'\\');
-    backslashes = c == L'\\' ? backslashes + 1 : 0;
-    text += c;
-  }
-  return text.append(backslashes, L'\\') + L"\"";
-}
-
 /// What Windows shows of it, and that it starts anew whenever it fails, with an exit code too. It serves without these
 /// as well.
 void describe(SC_HANDLE service) {
@@ -150,8 +138,8 @@ void install(const std::string& name, const std::vector<std::string>& arguments,
              const std::vector<std::filesystem::path>& folders) {
   const Handle manager = openManager();
   for (const std::filesystem::path& folder : folders) makeFolder(folder);
-  std::wstring line = quoted(platform::ownPath());
-  for (const std::string& argument : arguments) line += L" " + quoted(wide(argument));
+  std::wstring line = platform::quoted(platform::ownPath());
+  for (const std::string& argument : arguments) line += L" " + platform::quoted(wide(argument));
   const Handle service(CreateServiceW(manager.get(), wide(name).c_str(), wide("MirvaneEFT: " + name).c_str(),
                                       SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS, SERVICE_AUTO_START,
                                       SERVICE_ERROR_NORMAL, line.c_str(), nullptr, nullptr, nullptr, kAccount,
